@@ -1,0 +1,25 @@
+# ostrevin_use_export_list(TARGET FILE): the linker exports what FILE lists and nothing else.
+#
+# FILE has one symbol a line as the Itanium C++ ABI mangles it, "#" begins a comment, and "*" stands for the mangling of
+# std:: types, which differs between standard libraries.
+function(ostrevin_use_export_list target file)
+  set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${file})
+  file(STRINGS ${file} lines REGEX "^[^#]")
+  set(list_file ${CMAKE_CURRENT_BINARY_DIR}/${target}.exports)
+  set(content "")
+  if(APPLE)
+    foreach(symbol IN LISTS lines)
+      string(APPEND content "_${symbol}\n")
+    endforeach()
+    set(option "-Wl,-exported_symbols_list,${list_file}")
+  else()
+    foreach(symbol IN LISTS lines)
+      string(APPEND content "    ${symbol};\n")
+    endforeach()
+    set(content "{\n  global:\n${content}  local:\n    *;\n};\n")
+    set(option "-Wl,--version-script,${list_file}" -Wl,-z,defs)
+  endif()
+  file(CONFIGURE OUTPUT ${list_file} CONTENT "${content}" @ONLY)
+  target_link_options(${target} PRIVATE ${option})
+  set_property(TARGET ${target} APPEND PROPERTY LINK_DEPENDS ${list_file})
+endfunction()

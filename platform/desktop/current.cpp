@@ -1,0 +1,53 @@
+#include "desktop/current.h"
+
+#include <cstdio>
+#include <cstdlib>
+#include <mutex>
+#include <stdexcept>
+
+#include "desktop/live.h"
+#include "desktop/scripted.h"
+
+namespace platform::desktop {
+namespace {
+
+struct Choice {
+  std::mutex mutex;
+  std::shared_ptr<Desktop> desktop;
+};
+
+/// Kept for the life of the process: a walk may still be running while the process exits.
+Choice& choice() {
+  static auto* const kept = new Choice;
+  return *kept;
+}
+
+std::shared_ptr<Desktop> choose() {
+  const char* const file = std::getenv("OSTREVIN_DESKTOP");
+  if (file == nullptr || *file == '\0') {
+    return makeLiveDesktop();
+  }
+  try {
+    return std::make_shared<ScriptedDesktop>(readScript(file));
+  } catch (const std::runtime_error& error) {
+    std::fprintf(stderr, "%s\n", error.what());
+    return std::make_shared<ScriptedDesktop>();
+  }
+}
+
+}  // namespace
+
+std::shared_ptr<Desktop> current() {
+  const std::lock_guard lock(choice().mutex);
+  if (!choice().desktop) {
+    choice().desktop = choose();
+  }
+  return choice().desktop;
+}
+
+void setCurrent(std::shared_ptr<Desktop> desktop) {
+  const std::lock_guard lock(choice().mutex);
+  choice().desktop = std::move(desktop);
+}
+
+}  // namespace platform::desktop

@@ -1,0 +1,16 @@
+// AppKit's screens, for computers that are not Macs. Main thread only, as on the Mac; nothing here enforces it.
+#pragma once
+
+#import <Foundation/Foundation.h>
+#include <CoreGraphics/CoreGraphics.h>
+
+/// A screen. Frames are in points; the origin is the lower left corner of the main screen and y grows upwards.
+@interface NSScreen : NSObject
+/// All screens, the one with the origin first; empty without a desktop.
++ (NSArray*)screens;
+/// Nil without a desktop.
++ (NSScreen*)mainScreen;
+- (NSRect)frame;
+/// Pixels per point.
+- (CGFloat)backingScaleFactor;
+@end

@@ -1,0 +1,55 @@
+// ColorSync's device and profile calls, for computers that are not Macs. Any thread may call them; a callback runs on the
+// thread of the call that was given it, before that call returns.
+#pragma once
+
+#include <CoreFoundation/CoreFoundation.h>
+
+CF_EXTERN_C_BEGIN
+
+typedef struct ColorSyncProfile* ColorSyncProfileRef;
+
+// Keys of a (device, profile) entry: strings, a CFUUIDRef, booleans and a file URL.
+CF_EXPORT const CFStringRef kColorSyncDeviceClass;
+CF_EXPORT const CFStringRef kColorSyncDeviceID;
+CF_EXPORT const CFStringRef kColorSyncDeviceDescription;
+CF_EXPORT const CFStringRef kColorSyncDeviceProfileIsDefault;
+CF_EXPORT const CFStringRef kColorSyncDeviceProfileIsCurrent;
+CF_EXPORT const CFStringRef kColorSyncDeviceProfileURL;
+/// The value under kColorSyncDeviceClass of a display.
+CF_EXPORT const CFStringRef kColorSyncDisplayDeviceClass;
+/// Key of a custom profile dictionary: the profile of the device's default mode.
+CF_EXPORT const CFStringRef kColorSyncDeviceDefaultProfileID;
+
+// Keys of an installed profile's entry: its class signature, its description and its file URL.
+CF_EXPORT const CFStringRef kColorSyncProfileClass;
+CF_EXPORT const CFStringRef kColorSyncProfileDescription;
+CF_EXPORT const CFStringRef kColorSyncProfileURL;
+/// The value under kColorSyncProfileClass of a display profile.
+CF_EXPORT const CFStringRef kColorSyncSigDisplayClass;
+
+typedef bool (*ColorSyncDeviceProfileIterateCallback)(CFDictionaryRef colorSyncDeviceProfileInfo, void* userInfo);
+/// Calls `callBack` once per (device, profile) entry until it returns false.
+CF_EXPORT void ColorSyncIterateDeviceProfiles(ColorSyncDeviceProfileIterateCallback callBack, void* userInfo);
+
+/// Makes the URL under kColorSyncDeviceDefaultProfileID the device's profile; false when that could not be done.
+CF_EXPORT bool ColorSyncDeviceSetCustomProfiles(CFStringRef deviceClass, CFUUIDRef deviceID,
+                                                CFDictionaryRef profileInfo);
+
+typedef bool (*ColorSyncProfileIterateCallback)(CFDictionaryRef profileInfo, void* userInfo);
+/// Calls `callBack` once per installed profile until it returns false. `seed` and `error` are not looked at.
+CF_EXPORT void ColorSyncIterateInstalledProfiles(ColorSyncProfileIterateCallback callBack, uint32_t* seed,
+                                                 void* userInfo, CFErrorRef* error);
+
+/// Null when the file cannot be read as a profile; `error` is not looked at. The caller releases.
+CF_EXPORT ColorSyncProfileRef ColorSyncProfileCreateWithURL(CFURLRef url, CFErrorRef* error);
+/// A copy of a tag element's bytes, or null for a null profile, a null signature, or no such tag. The caller releases.
+CF_EXPORT CFDataRef ColorSyncProfileCopyTag(ColorSyncProfileRef profile, CFStringRef signature);
+
+// --- displays and their UUIDs
+
+/// Null for a number that is no active display; the caller releases.
+CF_EXPORT CFUUIDRef CGDisplayCreateUUIDFromDisplayID(uint32_t displayID);
+/// 0 for a UUID that is no active display's.
+CF_EXPORT uint32_t CGDisplayGetDisplayIDFromUUID(CFUUIDRef uuid);
+
+CF_EXTERN_C_END

@@ -1,0 +1,19 @@
+// IOKit's display information, for computers that are not Macs. Any thread may call it.
+#pragma once
+
+#include <IOKit/IOKitLib.h>
+
+CF_EXTERN_C_BEGIN
+
+/// Of the product names, only the entry for the user's preferred language.
+enum { kIODisplayOnlyPreferredName = 0x00000200 };
+
+#define kDisplayVendorID "DisplayVendorID"
+#define kDisplayProductID "DisplayProductID"
+#define kDisplaySerialNumber "DisplaySerialNumber"
+#define kDisplayProductName "DisplayProductName"
+
+/// What is known of the display behind a service, or null; the caller releases.
+CF_EXPORT CFDictionaryRef IODisplayCreateInfoDictionary(io_service_t framebuffer, IOOptionBits options);
+
+CF_EXTERN_C_END

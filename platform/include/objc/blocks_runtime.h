@@ -1,0 +1,3 @@
+// Foundation's headers ask for this file under this name; the block runtime's own header is Block.h.
+#pragma once
+#include <Block.h>
