@@ -5,7 +5,11 @@
 #include <CoreGraphics/CoreGraphics.h>
 
 /// A screen. Frames are in points; the origin is the lower left corner of the main screen and y grows upwards.
-@interface NSScreen : NSObject
+@interface NSScreen : NSObject {
+ @private
+  NSRect _frame;
+  CGFloat _backingScaleFactor;
+}
 /// All screens, the one with the origin first; empty without a desktop.
 + (NSArray*)screens;
 /// Nil without a desktop.
