@@ -1,7 +1,6 @@
 #include "desktop/scripted.h"
 
 #include <condition_variable>
-#include <stdexcept>
 #include <thread>
 
 namespace platform::desktop {
@@ -112,7 +111,5 @@ bool ScriptedDesktop::setDeviceProfile(const Uuid& device, const std::string& pr
   chosen->is_current = true;
   return true;
 }
-
-Script readScript(const std::string& path) { throw std::runtime_error(path + ":1: desktop files are not read yet"); }
 
 }  // namespace platform::desktop
