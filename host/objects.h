@@ -1,19 +1,48 @@
 // Objects, classes and their methods.
 //
-// Host's thread. A method's address is the host's and is called through host::invoke() with the object first.
+// Host's thread. A method's address is the host's and is called through host::invoke() with the object first. A new
+// instance belongs to the caller, who gives it back with REALUnlockObject.
 #pragma once
+
+#include <type_traits>
 
 #include "host/handles.h"
 #include "host/table.h"
 
 // clang-format off
 
-//          member                               host entry                                   result
-HOST_EXACT (REALLoadObjectMethod,                "REALLoadObjectMethod",                      As<void*>, (REALobjectStruct* object, const char* declaration), (object, declaration))
+//          member                                  host entry                                  result              arguments
+HOST_MEMBER(REALLockObject,                         "REALLockObject",                           Word)
+HOST_MEMBER(REALUnlockObject,                       "REALUnlockObject",                         Word)
+HOST_EXACT (REALLoadObjectMethod,                   "REALLoadObjectMethod",                     As<void*>,          (REALobjectStruct* object, const char* declaration), (object, declaration))
+HOST_MEMBER(REALObjectIsA,                          "RuntimeObjectIsa",                         TrueIfLowByte)
+HOST_MEMBER(REALGetClassRef,                        "pluginObjectType",                         Word)
+HOST_EXACT (REALnewInstanceWithClass,               "CreateInstance",                           As<REALobjectStruct*>, (REALclassRefStruct* classRef), (classRef))
+HOST_MEMBER(REALnewInstanceOfClass,                 "PluginNewInstanceOfClass",                 Word)
+HOST_MEMBER(REALLoadSharedMethod,                   "PluginLoadSharedMethod",                   Word)
+HOST_MEMBER(REALGetEventInstance,                   "GetEventInstance",                         Word)
+HOST_MEMBER(REALGetDelegateInvoker,                 "PluginGetDelegateInvoker",                 Word)
+HOST_MEMBER(REALCallFunctionWithExceptionHandler,   "PluginCallFunctionWithExceptionHandler",   Word)
+HOST_MEMBER(REALRaiseException,                     "RuntimeRaiseException",                    Word)
+HOST_MEMBER(REALInterfaceRoutine,                   "GetInterfaceRoutine",                      Word)
+HOST_MEMBER(REALGetPluginData,                      "PluginGetPluginData",                      Word)
+
+// Written out below:
+HOST_SLOT  (REALnewInstance,                        "PluginNewInstance")
+HOST_SLOT  (REALLoadFrameworkMethod,                "REALLoadGlobalMethod")
 
 // clang-format on
 
-HOST_SLOT(REALLoadFrameworkMethod, "REALLoadGlobalMethod")
+/// A new instance of what `handle` names to the host, a handle other than a class reference; null if there is none.
+template <typename Handle>
+requires(!std::is_same_v<std::remove_cv_t<Handle>, REALclassRefStruct>) inline REALobjectStruct* REALnewInstance(
+    Handle* handle) {
+  return host::call<host::slots::REALnewInstance, host::As<REALobjectStruct*>>(handle);
+}
+
+/// A new instance of a class: another entry than the one for other handles.
+inline REALobjectStruct* REALnewInstance(REALclassRefStruct* classRef) { return REALnewInstanceWithClass(classRef); }
+
 /// The address of a method that the host's own framework declares, or null.
 inline void* REALLoadFrameworkMethod(const char* declaration) {
   return host::call<host::slots::REALLoadFrameworkMethod, host::As<void*>>(static_cast<void*>(nullptr), declaration);

@@ -15,24 +15,74 @@ inline constexpr std::uint32_t kHostEncodingUTF8 = 0x08000100;
 
 // clang-format off
 
-//          member                         host entry                       result
-HOST_EXACT (REALBuildStringWithEncoding,   "REALBuildStringWithEncoding",   As<REALstringStruct*>, (const char* bytes, int length, std::uint32_t encoding), (bytes, length, encoding))
-HOST_EXACT (REALUnlockString,              "REALUnlockString",              Nothing,               (REALstringStruct* string), (string))
+//                 member                       host entry                      result                   arguments
+HOST_MEMBER_BESIDE(REALBuildString,             "REALBuildString",              Word,                    (const char*, int, unsigned int))
+HOST_EXACT        (REALBuildStringWithEncoding, "REALBuildStringWithEncoding",  As<REALstringStruct*>,   (const char* bytes, int length, std::uint32_t encoding), (bytes, length, encoding))
+HOST_MEMBER       (REALLockString,              "REALLockString",               Word)
+HOST_EXACT        (REALUnlockString,            "REALUnlockString",             Nothing,                 (REALstringStruct* string), (string))
+HOST_MEMBER       (REALGetStringEncoding,       "REALGetStringEncoding",        Low32)
+HOST_MEMBER       (REALSetStringEncoding,       "REALSetStringEncoding",        Word)
+HOST_MEMBER       (REALConvertString,           "REALConvertString",            Word)
+HOST_EXACT        (REALGetSystemTextEncoding,   "REALGetSystemTextEncoding",    Low32Or<kHostEncodingUTF8>, (), ())
+HOST_MEMBER       (REALGetStringSystemStr,      "REALGetStringSystemStr",       Word)
+HOST_MEMBER       (REALGetStringCFString,       "REALGetStringCFString",        Word)
+HOST_MEMBER       (REALStripAmpersands,         "REALStripAmpersands",          Word)
+HOST_MEMBER       (REALGetStringData,           "PluginGetStringData",          TrueIfLowByte)
+HOST_MEMBER       (REALDisposeStringData,       "PluginDisposeStringData",      Word)
+HOST_MEMBER       (REALCopyStringCFString,      "REALGetStringCFString",        Word)
+HOST_MEMBER       (REALCompareStrings,          "RuntimeStringCompare",         Word)
+HOST_MEMBER       (REALAddStrings,              "RuntimeAddString",             Word)
+HOST_MEMBER       (REALCString,                 "StringGetCString",             Word)
+HOST_MEMBER       (REALPString,                 "StringGetPString",             Word)
+HOST_MEMBER       (REALstringToOSType,          "StringToOSType",               Word)
+
+// Written out below; a text with parentheses is the declaration of a method of the host's framework:
+HOST_SLOT         (REALGetStringContents,       "StringGetCString")
+HOST_SLOT         (REALGetStringContentsLength, "LenB( s as string ) as integer")
+HOST_SLOT         (REALStringLength,            "LenB( s as string ) as integer")
 
 // clang-format on
 
-HOST_SLOT(REALGetStringContents, "StringGetCString")
-HOST_SLOT(REALGetStringContentsLength, "LenB( s as string ) as integer")
+/// As REALBuildStringWithEncoding, deliberately not the entry that other calls of this name reach.
+inline REALstringStruct* REALBuildString(const char* bytes, int length, unsigned int encoding) {
+  return REALBuildStringWithEncoding(bytes, length, encoding);
+}
+
+/// The number of bytes in `string`, or 0 when the host cannot count them.
+inline std::int64_t REALStringLength(REALstringStruct* string) {
+  void* const length = host::findFrameworkMethod<host::slots::REALStringLength>();
+  return length != nullptr ? host::invoke<std::int64_t>(length, string) : 0;
+}
+
+namespace host {
+
+/// The part of REALGetStringContents that comes after the look-ups; either function may be null.
+inline const char* readString(void* contents, void* length, REALstringStruct* string, std::int64_t* outLength) {
+  if (outLength != nullptr && length != nullptr) {
+    *outLength = invoke<std::int64_t>(length, string);
+  }
+  return contents != nullptr ? invoke<const char*>(contents, string) : nullptr;
+}
+
+[[gnu::noinline, gnu::cold]] inline const char* resolveAndReadString(REALstringStruct* string,
+                                                                     std::int64_t* outLength) {
+  void* const contents = find<slots::REALGetStringContents>();
+  void* const length = findFrameworkMethod<slots::REALGetStringContentsLength>();
+  return readString(contents, length, string, outLength);
+}
+
+}  // namespace host
+
 /// The string's bytes, NUL-terminated, or null for a null string. `outLength` may be null; it receives the number of
 /// bytes, unless the host cannot count them, which does not keep the bytes back. The length is asked for first.
 inline const char* REALGetStringContents(REALstringStruct* string, std::int64_t* outLength) {
   if (string == nullptr) {
     return nullptr;
   }
-  void* const contents = host::find<host::slots::REALGetStringContents>();
-  void* const length = host::findFrameworkMethod<host::slots::REALGetStringContentsLength>();
-  if (outLength != nullptr && length != nullptr) {
-    *outLength = host::invoke<std::int64_t>(length, string);
+  void* const contents = host::slots::REALGetStringContents::address;
+  void* const length = host::slots::REALGetStringContentsLength::address;
+  if (contents == nullptr || length == nullptr) [[unlikely]] {
+    return host::resolveAndReadString(string, outLength);
   }
-  return contents != nullptr ? host::invoke<const char*>(contents, string) : nullptr;
+  return host::readString(contents, length, string, outLength);
 }

@@ -1,7 +1,7 @@
 // What a line of the host-call tables is made of.
 //
 // A line is a macro because it makes a function and the slot that belongs to it, named after each other; nothing else
-// in the language does both at once. There are these three, used at global scope and nowhere outside this folder:
+// in the language does both at once. All of them are here, for use at global scope in this folder's tables:
 //
 //   HOST_SLOT(member, entry)
 //     The slot alone, host::slots::member, for the few members whose body is written out.
@@ -9,16 +9,26 @@
 //     A member whose argument list is not fixed here: it passes on the arguments that it is given, in order, by value
 //     and at their own width. All forms that it is called in share its slot. Whoever knows the list makes it a
 //     HOST_EXACT.
+//   HOST_MEMBER_BESIDE(member, entry, result, (types))
+//     The same, for a name that also has an exact form, which takes `types`: every call that the exact form can take is
+//     the exact form's, even if its arguments have to be converted.
 //   HOST_EXACT(member, entry, result, (parameters), (names))
 //     A member with exactly these parameters; `names` repeats their names.
+//   HOST_GETTER, HOST_SETTER(member, entry, result, type)     a property of an object, by name
+//   HOST_VARIANT(member, entry, type)                         a new variant that holds a value
+//   HOST_INSERT, HOST_GET, HOST_SET(member, entry, type)      an element of an array, in two stages (host/arrays.h)
 //
-// `result` is one of the result kinds of host/call.h. A result that nothing is known about is a Word: all 64 bits, the
-// most that any handle, pointer or integer can be; a member that has no result at all then answers nothing meaningful.
+// `result` is one of the result kinds of host/call.h, which say how the answer is narrowed and what stands in for it
+// when the host lacks the entry. A result that nothing is known about is a Word: all 64 bits, the most that any handle,
+// pointer or integer can be; 0 without an entry. If the host's function has no result, the Word means nothing.
 //
 // Members are inline and slots are inline variables: what a program does not call does not become part of it.
 #pragma once
 
+#include <type_traits>
+
 #include "host/call.h"
+#include "host/handles.h"
 
 // NOLINTBEGIN(cppcoreguidelines-macro-usage,bugprone-macro-parentheses): the reason is given above; the parameters are
 // names, types and lists, which parentheses would break.
@@ -38,8 +48,42 @@
     return host::call<host::slots::member, host::result>(arguments...); \
   }
 
+#define HOST_MEMBER_BESIDE(member, entry, result, types)                                         \
+  HOST_SLOT(member, entry)                                                                       \
+  template <typename... Arguments>                                                               \
+  requires(!std::is_invocable_v<void(*) types, Arguments...>) inline host::result::Value member( \
+      Arguments... arguments) {                                                                  \
+    return host::call<host::slots::member, host::result>(arguments...);                          \
+  }
+
 #define HOST_EXACT(member, entry, result, parameters, names) \
   HOST_SLOT(member, entry)                                   \
   inline host::result::Value member parameters { return host::call<host::slots::member, host::result> names; }
+
+#define HOST_GETTER(member, entry, result, type) \
+  HOST_EXACT(member, entry, result, (REALobjectStruct * object, const char* name, type* value), (object, name, value))
+
+#define HOST_SETTER(member, entry, result, type) \
+  HOST_EXACT(member, entry, result, (REALobjectStruct * object, const char* name, type value), (object, name, value))
+
+#define HOST_VARIANT(member, entry, type) HOST_EXACT(member, entry, As<REALobjectStruct*>, (type value), (value))
+
+#define HOST_INSERT(member, entry, type)                                    \
+  HOST_SLOT(member, entry)                                                  \
+  inline void member(REALarrayStruct* array, long long index, type value) { \
+    host::insertElement<host::slots::member>(array, index, value);          \
+  }
+
+#define HOST_GET(member, entry, type)                                      \
+  HOST_SLOT(member, entry)                                                 \
+  inline void member(REALarrayStruct* array, long long index, type* out) { \
+    host::getElement<host::slots::member>(array, index, out);              \
+  }
+
+#define HOST_SET(member, entry, type)                                       \
+  HOST_SLOT(member, entry)                                                  \
+  inline void member(REALarrayStruct* array, long long index, type value) { \
+    host::setElement<host::slots::member>(array, index, value);             \
+  }
 
 // NOLINTEND(cppcoreguidelines-macro-usage,bugprone-macro-parentheses)
