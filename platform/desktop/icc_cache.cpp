@@ -43,15 +43,21 @@ std::optional<IccCache::Content> IccCache::find(std::uint64_t walk, const std::s
 }
 
 void IccCache::store(std::uint64_t walk, const std::string& path, const FileIdentity& identity, FileTime now,
-                     Content content) {
-  const bool keep =
-      laterChangesShow(identity, now) && (!content || content->description.value_or("").size() <= kMaxDescription);
+                     const std::shared_ptr<InstalledProfile>& content) {
+  const bool small = !content || content->description.value_or("").size() <= kMaxDescription;
+  const bool keep = small && laterChangesShow(identity, now);
   const std::lock_guard lock(mutex_);
   if (!keep) {
     slots_.erase(path);
-  } else if (slots_.size() < kMaxFiles || slots_.contains(path)) {
-    slots_.insert_or_assign(path, Slot{identity, std::move(content), walk});
+    return;
   }
+  if (slots_.size() >= kMaxFiles && !slots_.contains(path)) {
+    return;
+  }
+  if (content) {
+    content->kept = std::make_shared<Kept>();
+  }
+  slots_.insert_or_assign(path, Slot{identity, content, walk});
 }
 
 }  // namespace platform::desktop

@@ -33,8 +33,11 @@ class IccCache {
   bool knows(const std::string& path);
   /// Nothing unless the file is remembered in this very state.
   std::optional<Content> find(std::uint64_t walk, const std::string& path, const FileIdentity& identity);
-  /// `now` is the time just before the file was opened, by the clock that file systems take their times from.
-  void store(std::uint64_t walk, const std::string& path, const FileIdentity& identity, FileTime now, Content content);
+  /// Remembers the content when that is of use, and then gives it a place for what is made of it
+  /// (InstalledProfile::kept). `now` is the time just before the file was opened, by the clock that file systems take
+  /// their times from.
+  void store(std::uint64_t walk, const std::string& path, const FileIdentity& identity, FileTime now,
+             const std::shared_ptr<InstalledProfile>& content);
 
  private:
   struct Slot {
