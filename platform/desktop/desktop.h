@@ -13,6 +13,8 @@
 #include <utility>
 #include <vector>
 
+#include "desktop/kept.h"
+
 namespace platform::desktop {
 
 struct Rect {
@@ -78,6 +80,8 @@ struct InstalledProfile {
   std::optional<std::string> profile_class;  ///< the four characters of the class signature, such as "mntr"
   std::optional<std::string> description;
   std::optional<std::string> path;
+  /// Present when the desktop may visit this very entry, unchanged, again. It belongs to whoever visits.
+  std::shared_ptr<Kept> kept{};
 };
 
 /// A visitor answers false to end the walk.

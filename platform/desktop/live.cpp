@@ -1,5 +1,7 @@
 #include "desktop/live.h"
 
+#include "desktop/icc_folders.h"
+
 namespace platform::desktop {
 namespace {
 
@@ -7,8 +9,11 @@ class LiveDesktop final : public Desktop {
  public:
   std::shared_ptr<const Arrangement> arrangement() override { return std::make_shared<const Arrangement>(); }
   void visitDeviceProfiles(const DeviceProfileVisitor&) override {}
-  void visitInstalledProfiles(const InstalledProfileVisitor&) override {}
+  void visitInstalledProfiles(const InstalledProfileVisitor& visit) override { profiles_.visit(visit); }
   bool setDeviceProfile(const Uuid&, const std::string&) override { return false; }
+
+ private:
+  IccFolders profiles_{installedProfileFolders()};
 };
 
 }  // namespace

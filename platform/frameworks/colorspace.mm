@@ -1,0 +1,59 @@
+// CoreGraphics: colour spaces that are made from profiles.
+#include <CoreGraphics/CoreGraphics.h>
+
+#import <Foundation/Foundation.h>
+
+#include "desktop/icc_gamut.h"
+#include "frameworks/calls.h"
+#include "frameworks/color_profile.h"
+
+using platform::calls::Call;
+namespace calls = platform::calls;
+
+/// The object behind a CGColorSpaceRef.
+@interface PlatformColorSpace : NSObject {
+  platform::desktop::ColorSpace _space;
+}
+- (instancetype)initWithSpace:(const platform::desktop::ColorSpace&)space;
+- (BOOL)isWideGamutRGB;
+@end
+
+@implementation PlatformColorSpace
+
+- (instancetype)initWithSpace:(const platform::desktop::ColorSpace&)space {
+  self = [super init];
+  if (self != nil) {
+    _space = space;
+  }
+  return self;
+}
+
+- (BOOL)isWideGamutRGB {
+  return _space.is_rgb && _space.is_wide;
+}
+
+@end
+
+extern "C" {
+
+CGColorSpaceRef CGColorSpaceCreateWithPlatformColorSpace(const void* ref) {
+  if (calls::enter(Call::CGColorSpaceCreateWithPlatformColorSpace) || ref == nullptr) {
+    return nullptr;
+  }
+  PlatformColorProfile* const profile = (PlatformColorProfile*)ref;
+  if (![profile isKindOfClass:[PlatformColorProfile class]]) {
+    return nullptr;
+  }
+  const auto space = platform::desktop::colorSpaceOf([profile path]);
+  return space ? reinterpret_cast<CGColorSpaceRef>([[PlatformColorSpace alloc] initWithSpace:*space]) : nullptr;
+}
+
+bool CGColorSpaceIsWideGamutRGB(CGColorSpaceRef space) {
+  if (calls::enter(Call::CGColorSpaceIsWideGamutRGB) || space == nullptr) {
+    return false;
+  }
+  PlatformColorSpace* const made = (PlatformColorSpace*)space;
+  return [made isKindOfClass:[PlatformColorSpace class]] && [made isWideGamutRGB];
+}
+
+}  // extern "C"

@@ -1,0 +1,185 @@
+// ColorSync: installed profiles, and the tags of one profile.
+#include <ColorSync/ColorSync.h>
+
+#import <Foundation/Foundation.h>
+
+#include <array>
+#include <memory>
+#include <optional>
+#include <string>
+
+#include "desktop/current.h"
+#include "desktop/icc_profile.h"
+#include "frameworks/autorelease_pool.h"
+#include "frameworks/calls.h"
+#include "frameworks/color_profile.h"
+
+using platform::ScopedPool;
+using platform::calls::Call;
+using platform::desktop::InstalledProfile;
+namespace calls = platform::calls;
+
+#define TEXT_CONSTANT(text) reinterpret_cast<CFStringRef>(@text)
+
+extern "C" {
+
+const CFStringRef kColorSyncProfileClass = TEXT_CONSTANT("ColorSyncProfileClass");
+const CFStringRef kColorSyncProfileDescription = TEXT_CONSTANT("ColorSyncProfileDescription");
+const CFStringRef kColorSyncProfileURL = TEXT_CONSTANT("ColorSyncProfileURL");
+const CFStringRef kColorSyncSigDisplayClass = TEXT_CONSTANT("mntr");
+
+}  // extern "C"
+
+namespace {
+
+NSString* const kDisplayClass = @"mntr";
+
+/// Null for text that is not UTF-8. The caller releases.
+NSString* copyString(const std::string& text) {
+  return [[NSString alloc] initWithBytes:text.data() length:text.size() encoding:NSUTF8StringEncoding];
+}
+
+/// Null for a path that is not UTF-8. The caller releases.
+NSURL* copyFileUrl(const std::string& path) {
+  NSString* const text = copyString(path);
+  NSURL* const url = text == nil ? nil : [[NSURL alloc] initFileURLWithPath:text isDirectory:NO];
+  [text release];
+  return url;
+}
+
+NSString* copyClass(const std::string& profile_class) {
+  // Nearly every profile is a display's; they share the constant.
+  return profile_class == "mntr" ? [kDisplayClass retain] : copyString(profile_class);
+}
+
+/// One entry's keys and values. What is absent, or cannot be made, is left out.
+class EntryMaker {
+ public:
+  ~EntryMaker() {
+    for (std::size_t i = 0; i < count_; ++i) {
+      [values_[i] release];
+    }
+  }
+  EntryMaker() = default;
+  EntryMaker(const EntryMaker&) = delete;
+  EntryMaker& operator=(const EntryMaker&) = delete;
+
+  /// Takes over the value.
+  void add(CFStringRef key, id value) {
+    if (value != nil) {
+      keys_[count_] = (id)key;
+      values_[count_++] = value;
+    }
+  }
+
+  /// The caller releases.
+  NSDictionary* make() {
+    return [[NSDictionary alloc] initWithObjects:values_.data() forKeys:keys_.data() count:count_];
+  }
+
+ private:
+  std::array<id, 3> keys_{};
+  std::array<id, 3> values_{};
+  std::size_t count_ = 0;
+};
+
+void releaseObject(const void* object) { [static_cast<id>(const_cast<void*>(object)) release]; }
+
+std::shared_ptr<const void> makeEntry(const InstalledProfile& profile) {
+  const ScopedPool pool;
+  EntryMaker entry;
+  if (profile.profile_class) {
+    entry.add(kColorSyncProfileClass, copyClass(*profile.profile_class));
+  }
+  if (profile.description) {
+    entry.add(kColorSyncProfileDescription, copyString(*profile.description));
+  }
+  if (profile.path) {
+    entry.add(kColorSyncProfileURL, copyFileUrl(*profile.path));
+  }
+  return {static_cast<const void*>(entry.make()), releaseObject};
+}
+
+std::shared_ptr<const void> entryFor(const InstalledProfile& profile) {
+  if (!profile.kept) {
+    return makeEntry(profile);
+  }
+  std::shared_ptr<const void> entry = profile.kept->get();
+  if (!entry) {
+    entry = makeEntry(profile);
+    profile.kept->put(entry);
+  }
+  return entry;
+}
+
+/// Empty for what is no file URL, and for a path with a NUL in it: it names no file, though its beginning may.
+std::string pathOf(CFURLRef reference) {
+  NSURL* const url = (NSURL*)reference;
+  if (![url isKindOfClass:[NSURL class]] || ![url isFileURL]) {
+    return {};
+  }
+  const ScopedPool pool;
+  NSString* const text = [url path];
+  const char* const utf8 = [text UTF8String];
+  const std::string path = utf8 != nullptr ? utf8 : "";
+  return path.size() == [text lengthOfBytesUsingEncoding:NSUTF8StringEncoding] ? path : std::string();
+}
+
+/// Nothing unless the signature is four ASCII characters.
+std::optional<std::uint32_t> signatureOf(CFStringRef reference) {
+  constexpr NSUInteger kLength = 4;
+  NSString* const text = (NSString*)reference;
+  if (![text isKindOfClass:[NSString class]] || [text length] != kLength) {
+    return std::nullopt;
+  }
+  std::uint32_t signature = 0;
+  for (NSUInteger i = 0; i < kLength; ++i) {
+    const unichar character = [text characterAtIndex:i];
+    if (character >= 0x80) {
+      return std::nullopt;
+    }
+    signature = signature << 8 | character;
+  }
+  return signature;
+}
+
+}  // namespace
+
+extern "C" {
+
+void ColorSyncIterateInstalledProfiles(ColorSyncProfileIterateCallback callBack, uint32_t*, void* userInfo,
+                                       CFErrorRef*) {
+  if (calls::enter(Call::ColorSyncIterateInstalledProfiles) || callBack == nullptr) {
+    return;
+  }
+  platform::desktop::current()->visitInstalledProfiles([&](const InstalledProfile& profile) {
+    const std::shared_ptr<const void> entry = entryFor(profile);
+    return callBack(static_cast<CFDictionaryRef>(entry.get()), userInfo);
+  });
+}
+
+ColorSyncProfileRef ColorSyncProfileCreateWithURL(CFURLRef url, CFErrorRef*) {
+  if (calls::enter(Call::ColorSyncProfileCreateWithURL) || url == nullptr) {
+    return nullptr;
+  }
+  const std::string path = pathOf(url);
+  if (path.empty()) {
+    return nullptr;
+  }
+  return reinterpret_cast<ColorSyncProfileRef>([[PlatformColorProfile alloc] initWithPath:path]);
+}
+
+CFDataRef ColorSyncProfileCopyTag(ColorSyncProfileRef profile, CFStringRef signature) {
+  if (calls::enter(Call::ColorSyncProfileCopyTag) || profile == nullptr || signature == nullptr) {
+    return nullptr;
+  }
+  PlatformColorProfile* const opened = (PlatformColorProfile*)profile;
+  const std::optional<std::uint32_t> wanted = signatureOf(signature);
+  if (!wanted || ![opened isKindOfClass:[PlatformColorProfile class]]) {
+    return nullptr;
+  }
+  const ScopedPool pool;
+  return reinterpret_cast<CFDataRef>([opened copyElement:*wanted]);
+}
+
+}  // extern "C"
