@@ -30,8 +30,6 @@ typedef unsigned long CFTypeID;
 typedef unsigned long CFHashCode;
 typedef signed long CFIndex;
 typedef UInt32 CFStringEncoding;
-typedef CFIndex CFNumberType;
-typedef CFIndex CFURLPathStyle;
 
 typedef const struct __CFAllocator* CFAllocatorRef;
 typedef const struct __CFString* CFStringRef;
@@ -49,13 +47,17 @@ CF_EXPORT const CFBooleanRef kCFBooleanTrue;
 CF_EXPORT const CFBooleanRef kCFBooleanFalse;
 
 enum { kCFStringEncodingUTF8 = 0x08000100 };
-enum { kCFNumberSInt32Type = 3, kCFNumberSInt64Type = 4 };
-enum { kCFURLPOSIXPathStyle = 0 };
+typedef enum CFNumberType : CFIndex { kCFNumberSInt32Type = 3, kCFNumberSInt64Type = 4 } CFNumberType;
+typedef enum CFURLPathStyle : CFIndex { kCFURLPOSIXPathStyle = 0 } CFURLPathStyle;
 
 // --- every type
 
 CF_EXPORT CFTypeRef CFRetain(CFTypeRef object);
 CF_EXPORT void CFRelease(CFTypeRef object);
+/// Releases `object` when the current autorelease pool is drained, and returns it.
+CF_EXPORT CFTypeRef CFAutorelease(CFTypeRef object);
+/// Returns `object`, null too: there is no garbage collector.
+CF_EXPORT CFTypeRef CFMakeCollectable(CFTypeRef object);
 CF_EXPORT CFIndex CFGetRetainCount(CFTypeRef object);
 CF_EXPORT Boolean CFEqual(CFTypeRef first, CFTypeRef second);
 CF_EXPORT CFTypeID CFGetTypeID(CFTypeRef object);

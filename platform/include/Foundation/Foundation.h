@@ -1,4 +1,5 @@
-// The system's Foundation, with its point, size and rectangle under CoreGraphics' names, as on the Mac.
+// The system's Foundation, with its point, size and rectangle under CoreGraphics' names, as on the Mac, and with what the
+// plugin asks of Foundation beyond it.
 #pragma once
 
 #define _NSPoint CGPoint
@@ -8,3 +9,14 @@
 #undef _NSPoint
 #undef _NSSize
 #undef _NSRect
+
+typedef struct {
+  NSInteger majorVersion;
+  NSInteger minorVersion;
+  NSInteger patchVersion;
+} NSOperatingSystemVersion;
+
+@interface NSProcessInfo (OperatingSystemVersion)
+/// Whether the frameworks are those of this version of macOS or a later one (frameworks/system_version.h).
+- (BOOL)isOperatingSystemAtLeastVersion:(NSOperatingSystemVersion)version;
+@end

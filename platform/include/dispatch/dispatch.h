@@ -13,7 +13,7 @@ typedef struct dispatch_queue_attr_s* dispatch_queue_attr_t;
 typedef void (^dispatch_block_t)(void);
 
 CF_EXPORT dispatch_queue_t dispatch_queue_create(const char* label, dispatch_queue_attr_t attr);
-/// Copies `block` and returns at once.
+/// Copies `block` and returns at once. A null queue or block stops the process.
 CF_EXPORT void dispatch_async(dispatch_queue_t queue, dispatch_block_t block);
 
 CF_EXTERN_C_END

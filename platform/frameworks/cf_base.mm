@@ -1,0 +1,111 @@
+// CoreFoundation: what every type can do, and the types' numbers.
+#include <CoreFoundation/CoreFoundation.h>
+
+#import <Foundation/Foundation.h>
+
+#include "frameworks/autorelease_pool.h"
+#include "frameworks/calls.h"
+#include "frameworks/require.h"
+#include "frameworks/uuids.h"
+
+using platform::requireObject;
+using platform::ScopedPool;
+using platform::calls::Call;
+namespace calls = platform::calls;
+
+namespace {
+
+/// The numbers are this library's own; as on the Mac, an object of no CoreFoundation type has the type 1.
+enum : CFTypeID {
+  kTypeOfOtherObjects = 1,
+  kBooleanType,
+  kDataType,
+  kDictionaryType,
+  kNumberType,
+  kStringType,
+  kUrlType,
+  kUuidType,
+};
+
+id object(CFTypeRef reference) { return static_cast<id>(const_cast<void*>(reference)); }
+
+/// Booleans are numbers to Foundation, in a class of their own.
+bool isBoolean(id value) {
+  static const Class boolean_class = [[NSNumber numberWithBool:YES] class];
+  return [value isKindOfClass:boolean_class];
+}
+
+CFTypeID typeOf(id value) {
+  if ([value isKindOfClass:[NSString class]]) {
+    return kStringType;
+  }
+  if ([value isKindOfClass:[NSNumber class]]) {
+    return isBoolean(value) ? kBooleanType : kNumberType;
+  }
+  if ([value isKindOfClass:[NSDictionary class]]) {
+    return kDictionaryType;
+  }
+  if ([value isKindOfClass:[NSURL class]]) {
+    return kUrlType;
+  }
+  if ([value isKindOfClass:[NSData class]]) {
+    return kDataType;
+  }
+  return platform::isUuid(value) ? kUuidType : kTypeOfOtherObjects;
+}
+
+}  // namespace
+
+extern "C" {
+
+CFTypeRef CFRetain(CFTypeRef reference) {
+  requireObject(reference, "CFRetain");
+  return [object(reference) retain];
+}
+
+void CFRelease(CFTypeRef reference) {
+  requireObject(reference, "CFRelease");
+  const ScopedPool pool;  // a dealloc may autorelease
+  [object(reference) release];
+}
+
+CFTypeRef CFAutorelease(CFTypeRef reference) {
+  requireObject(reference, "CFAutorelease");
+  return [object(reference) autorelease];
+}
+
+CFTypeRef CFMakeCollectable(CFTypeRef reference) { return reference; }
+
+CFIndex CFGetRetainCount(CFTypeRef reference) {
+  requireObject(reference, "CFGetRetainCount");
+  return static_cast<CFIndex>([object(reference) retainCount]);
+}
+
+Boolean CFEqual(CFTypeRef first, CFTypeRef second) {
+  if (calls::enter(Call::CFEqual)) {
+    return false;
+  }
+  requireObject(first, "CFEqual");
+  requireObject(second, "CFEqual");
+  if (first == second) {
+    return true;
+  }
+  const ScopedPool pool;
+  // To Foundation the number 1 equals the boolean YES; to CoreFoundation they are of two types.
+  return isBoolean(object(first)) == isBoolean(object(second)) && [object(first) isEqual:object(second)];
+}
+
+CFTypeID CFGetTypeID(CFTypeRef reference) {
+  requireObject(reference, "CFGetTypeID");
+  return typeOf(object(reference));
+}
+
+CFTypeID CFBooleanGetTypeID(void) { return kBooleanType; }
+CFTypeID CFDataGetTypeID(void) { return kDataType; }
+CFTypeID CFDictionaryGetTypeID(void) { return kDictionaryType; }
+CFTypeID CFNumberGetTypeID(void) { return kNumberType; }
+CFTypeID CFStringGetTypeID(void) { return kStringType; }
+CFTypeID CFURLGetTypeID(void) { return kUrlType; }
+CFTypeID CFUUIDGetTypeID(void) { return kUuidType; }
+
+}  // extern "C"

@@ -1,0 +1,39 @@
+// CoreFoundation: data.
+#include <CoreFoundation/CoreFoundation.h>
+
+#import <Foundation/Foundation.h>
+
+#include "frameworks/autorelease_pool.h"
+#include "frameworks/calls.h"
+#include "frameworks/require.h"
+
+using platform::requireObject;
+using platform::ScopedPool;
+using platform::calls::Call;
+namespace calls = platform::calls;
+
+extern "C" {
+
+CFDataRef CFDataCreate(CFAllocatorRef, const UInt8* bytes, CFIndex length) {
+  if (calls::enter(Call::CFDataCreate)) {
+    return nullptr;
+  }
+  if (length < 0 || (bytes == nullptr && length > 0)) {
+    return nullptr;
+  }
+  const ScopedPool pool;
+  NSData* const made = [[NSData alloc] initWithBytes:bytes length:static_cast<NSUInteger>(length)];
+  return reinterpret_cast<CFDataRef>(made);
+}
+
+CFIndex CFDataGetLength(CFDataRef data) {
+  requireObject(data, "CFDataGetLength");
+  return static_cast<CFIndex>([(NSData*)data length]);
+}
+
+const UInt8* CFDataGetBytePtr(CFDataRef data) {
+  requireObject(data, "CFDataGetBytePtr");
+  return static_cast<const UInt8*>([(NSData*)data bytes]);
+}
+
+}  // extern "C"

@@ -1,0 +1,129 @@
+// CoreFoundation: dictionaries of objects.
+#include <CoreFoundation/CoreFoundation.h>
+
+#import <Foundation/Foundation.h>
+
+#include "frameworks/autorelease_pool.h"
+#include "frameworks/calls.h"
+#include "frameworks/require.h"
+
+using platform::requireObject;
+using platform::ScopedPool;
+using platform::stop;
+using platform::calls::Call;
+namespace calls = platform::calls;
+
+namespace {
+
+id object(const void* reference) { return static_cast<id>(const_cast<void*>(reference)); }
+
+const void* retainObject(CFAllocatorRef, const void* value) { return CFRetain(value); }
+void releaseObject(CFAllocatorRef, const void* value) { CFRelease(value); }
+CFStringRef describeObject(const void* value) { return reinterpret_cast<CFStringRef>([[object(value) description] copy]); }
+Boolean equalObjects(const void* first, const void* second) { return [object(first) isEqual:object(second)]; }
+CFHashCode hashObject(const void* value) { return [object(value) hash]; }
+
+/// Dictionaries are Foundation's, which hold objects only.
+void requireObjectCallBacks(const CFDictionaryKeyCallBacks* keys, const CFDictionaryValueCallBacks* values,
+                            const char* function) {
+  if (keys != &kCFTypeDictionaryKeyCallBacks || values != &kCFTypeDictionaryValueCallBacks) {
+    stop(function, "only dictionaries of objects are supported");
+  }
+}
+
+}  // namespace
+
+extern "C" {
+
+const CFDictionaryKeyCallBacks kCFTypeDictionaryKeyCallBacks = {0, retainObject, releaseObject, describeObject,
+                                                                equalObjects, hashObject};
+const CFDictionaryValueCallBacks kCFTypeDictionaryValueCallBacks = {0, retainObject, releaseObject, describeObject,
+                                                                    equalObjects};
+
+CFDictionaryRef CFDictionaryCreate(CFAllocatorRef, const void** keys, const void** values, CFIndex numValues,
+                                   const CFDictionaryKeyCallBacks* keyCallBacks,
+                                   const CFDictionaryValueCallBacks* valueCallBacks) {
+  if (calls::enter(Call::CFDictionaryCreate)) {
+    return nullptr;
+  }
+  requireObjectCallBacks(keyCallBacks, valueCallBacks, "CFDictionaryCreate");
+  if (numValues < 0) {
+    return nullptr;
+  }
+  const ScopedPool pool;
+  NSMutableDictionary* const entries = [NSMutableDictionary dictionaryWithCapacity:static_cast<NSUInteger>(numValues)];
+  for (CFIndex i = 0; i < numValues; ++i) {
+    requireObject(keys[i], "CFDictionaryCreate");
+    requireObject(values[i], "CFDictionaryCreate");
+    if ([entries objectForKey:object(keys[i])] == nil) {  // of equal keys the first stays, as on the Mac
+      [entries setObject:object(values[i]) forKey:object(keys[i])];
+    }
+  }
+  return reinterpret_cast<CFDictionaryRef>([[NSDictionary alloc] initWithDictionary:entries]);
+}
+
+CFMutableDictionaryRef CFDictionaryCreateMutable(CFAllocatorRef, CFIndex capacity,
+                                                 const CFDictionaryKeyCallBacks* keyCallBacks,
+                                                 const CFDictionaryValueCallBacks* valueCallBacks) {
+  if (calls::enter(Call::CFDictionaryCreateMutable)) {
+    return nullptr;
+  }
+  requireObjectCallBacks(keyCallBacks, valueCallBacks, "CFDictionaryCreateMutable");
+  if (capacity < 0) {
+    return nullptr;
+  }
+  const ScopedPool pool;
+  return reinterpret_cast<CFMutableDictionaryRef>([[NSMutableDictionary alloc] init]);  // the capacity is only a hint
+}
+
+void CFDictionarySetValue(CFMutableDictionaryRef dictionary, const void* key, const void* value) {
+  requireObject(dictionary, "CFDictionarySetValue");
+  requireObject(key, "CFDictionarySetValue");
+  requireObject(value, "CFDictionarySetValue");
+  const ScopedPool pool;
+  [(NSMutableDictionary*)dictionary setObject:object(value) forKey:object(key)];
+}
+
+CFIndex CFDictionaryGetCount(CFDictionaryRef dictionary) {
+  requireObject(dictionary, "CFDictionaryGetCount");
+  return static_cast<CFIndex>([(NSDictionary*)dictionary count]);
+}
+
+const void* CFDictionaryGetValue(CFDictionaryRef dictionary, const void* key) {
+  if (calls::enter(Call::CFDictionaryGetValue)) {
+    return nullptr;
+  }
+  requireObject(dictionary, "CFDictionaryGetValue");
+  requireObject(key, "CFDictionaryGetValue");
+  return [(NSDictionary*)dictionary objectForKey:object(key)];
+}
+
+Boolean CFDictionaryGetValueIfPresent(CFDictionaryRef dictionary, const void* key, const void** value) {
+  if (calls::enter(Call::CFDictionaryGetValueIfPresent)) {
+    return false;
+  }
+  requireObject(dictionary, "CFDictionaryGetValueIfPresent");
+  requireObject(key, "CFDictionaryGetValueIfPresent");
+  const void* const found = [(NSDictionary*)dictionary objectForKey:object(key)];
+  if (found != nullptr && value != nullptr) {
+    *value = found;
+  }
+  return found != nullptr;
+}
+
+void CFDictionaryGetKeysAndValues(CFDictionaryRef dictionary, const void** keys, const void** values) {
+  requireObject(dictionary, "CFDictionaryGetKeysAndValues");
+  const ScopedPool pool;
+  NSArray* const all_keys = [(NSDictionary*)dictionary allKeys];
+  for (NSUInteger i = 0; i < [all_keys count]; ++i) {
+    const id key = [all_keys objectAtIndex:i];
+    if (keys != nullptr) {
+      keys[i] = key;
+    }
+    if (values != nullptr) {
+      values[i] = [(NSDictionary*)dictionary objectForKey:key];
+    }
+  }
+}
+
+}  // extern "C"

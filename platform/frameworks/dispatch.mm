@@ -1,0 +1,109 @@
+// libdispatch: serial queues, each on a thread of its own while it has work.
+//
+// A worker may still be running a block while the process exits, or may never come back from one. So everything that a worker
+// touches is kept for the life of the process: a queue is never freed, nothing here has a destructor that runs at exit, and
+// nobody joins the thread, which is detached.
+#include <dispatch/dispatch.h>
+
+#import <Foundation/Foundation.h>
+
+#include <Block.h>
+#include <pthread.h>
+
+#include <deque>
+#include <mutex>
+#include <string>
+
+#include "frameworks/autorelease_pool.h"
+#include "frameworks/calls.h"
+#include "frameworks/require.h"
+
+using platform::requireObject;
+using platform::ScopedPool;
+using platform::calls::Call;
+namespace calls = platform::calls;
+
+struct dispatch_queue_s {
+  std::string label;
+  std::mutex mutex;
+  std::deque<dispatch_block_t> blocks;  // copies, in order
+  bool has_worker = false;
+};
+
+namespace {
+
+/// The next block, or null when there is none: then the queue has no worker any more.
+dispatch_block_t takeBlock(dispatch_queue_s& queue) {
+  const std::lock_guard lock(queue.mutex);
+  if (queue.blocks.empty()) {
+    queue.has_worker = false;
+    return nullptr;
+  }
+  const dispatch_block_t block = queue.blocks.front();
+  queue.blocks.pop_front();
+  return block;
+}
+
+/// Names the thread after its queue, as far as the system's 15 characters go.
+void nameThread(const std::string& label) {
+  constexpr std::size_t kLongestName = 15;
+  if (!label.empty()) {
+    pthread_setname_np(pthread_self(), label.substr(0, kLongestName).c_str());
+  }
+}
+
+void* work(void* argument) {
+  auto& queue = *static_cast<dispatch_queue_s*>(argument);
+  nameThread(queue.label);
+  // Said to Foundation on purpose: it otherwise notices the thread on the first autorelease, and clears up after it only
+  // when the thread's own data is being destroyed.
+  GSRegisterCurrentThread();
+  while (const dispatch_block_t block = takeBlock(queue)) {
+    const ScopedPool pool;
+    block();
+    Block_release(block);
+  }
+  GSUnregisterCurrentThread();
+  return nullptr;
+}
+
+bool startWorker(dispatch_queue_s& queue) {
+  pthread_attr_t attributes;
+  if (pthread_attr_init(&attributes) != 0) {
+    return false;
+  }
+  pthread_attr_setdetachstate(&attributes, PTHREAD_CREATE_DETACHED);
+  pthread_t thread{};
+  const bool started = pthread_create(&thread, &attributes, work, &queue) == 0;
+  pthread_attr_destroy(&attributes);
+  return started;
+}
+
+}  // namespace
+
+extern "C" {
+
+dispatch_queue_t dispatch_queue_create(const char* label, dispatch_queue_attr_t) {
+  if (calls::enter(Call::dispatch_queue_create)) {
+    return nullptr;
+  }
+  auto* const queue = new dispatch_queue_s;  // kept for the life of the process
+  queue->label = label != nullptr ? label : "";
+  return queue;
+}
+
+void dispatch_async(dispatch_queue_t queue, dispatch_block_t block) {
+  if (calls::enter(Call::dispatch_async)) {
+    return;
+  }
+  requireObject(queue, "dispatch_async");
+  requireObject(reinterpret_cast<const void*>(block), "dispatch_async");
+  const std::lock_guard lock(queue->mutex);
+  queue->blocks.push_back(Block_copy(block));
+  if (!queue->has_worker) {
+    // A system that is out of threads leaves the block in the queue, for the worker that a later call may start.
+    queue->has_worker = startWorker(*queue);
+  }
+}
+
+}  // extern "C"

@@ -1,0 +1,226 @@
+// Makes the system's Foundation behave as Apple's does, where the two differ in what the plugin sees.
+//
+// The methods are replaced when this library is loaded, for the whole process, before anything that links to it runs. Each
+// function below says what differs; in everything else it does what the method did.
+//
+// Left as they are, because nothing here depends on them: a file URL made from a relative path is absolute at once instead of
+// being relative to the current directory, and characters with accents are not decomposed in file URLs, because file names
+// are bytes here and a decomposed name is another name.
+#import <Foundation/Foundation.h>
+
+#include <objc/runtime.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <climits>
+#include <string>
+#include <string_view>
+#include <vector>
+
+extern "C" const char* GSPathHandling(const char* mode);  // Foundation exports it and declares it nowhere
+
+namespace {
+
+// --- searching: the empty string is found nowhere; the system's Foundation finds it at the start. containsString: asks
+//     rangeOfString: in both.
+
+constexpr NSRange kNotFound = {NSNotFound, 0};
+
+struct Originals {
+  NSRange (*rangeOfString)(id, SEL, NSString*) = nullptr;
+  NSRange (*rangeOfStringOptions)(id, SEL, NSString*, NSStringCompareOptions) = nullptr;
+  NSRange (*rangeOfStringOptionsRange)(id, SEL, NSString*, NSStringCompareOptions, NSRange) = nullptr;
+  NSRange (*rangeInImmutableString)(id, SEL, NSString*, NSStringCompareOptions, NSRange) = nullptr;
+  NSData* (*data)(id, SEL, NSStringEncoding, BOOL) = nullptr;
+  NSData* (*dataOfImmutableString)(id, SEL, NSStringEncoding, BOOL) = nullptr;
+  NSString* (*path)(id, SEL) = nullptr;
+};
+
+Originals originals;
+
+/// An empty regular expression does match, also on the Mac; a null part is for the original to complain about.
+bool isFoundNowhere(NSString* part, NSStringCompareOptions options) {
+  return part != nil && [part length] == 0 && (options & NSRegularExpressionSearch) == 0;
+}
+
+NSRange rangeOfString(id self, SEL selector, NSString* part) {
+  return isFoundNowhere(part, 0) ? kNotFound : originals.rangeOfString(self, selector, part);
+}
+
+NSRange rangeOfStringOptions(id self, SEL selector, NSString* part, NSStringCompareOptions options) {
+  return isFoundNowhere(part, options) ? kNotFound : originals.rangeOfStringOptions(self, selector, part, options);
+}
+
+template <auto Original>
+NSRange rangeOfStringOptionsRange(id self, SEL selector, NSString* part, NSStringCompareOptions options,
+                                  NSRange range) {
+  return isFoundNowhere(part, options) && NSMaxRange(range) <= [self length]
+             ? kNotFound
+             : (originals.*Original)(self, selector, part, options, range);
+}
+
+// --- lossy conversion: always gives data; the system's Foundation gives up when a surrogate stands alone
+
+bool isHighSurrogate(unichar unit) { return (unit & 0xFC00) == 0xD800; }
+bool isLowSurrogate(unichar unit) { return (unit & 0xFC00) == 0xDC00; }
+
+/// A copy of the text with U+FFFD for each surrogate that stands alone; nil when none does.
+NSString* withoutLoneSurrogates(NSString* text) {
+  constexpr unichar kReplacement = 0xFFFD;
+  std::vector<unichar> units([text length]);
+  [text getCharacters:units.data() range:NSMakeRange(0, units.size())];
+  bool changed = false;
+  for (std::size_t i = 0; i < units.size(); ++i) {
+    if (isHighSurrogate(units[i]) && i + 1 < units.size() && isLowSurrogate(units[i + 1])) {
+      ++i;
+    } else if (isHighSurrogate(units[i]) || isLowSurrogate(units[i])) {
+      units[i] = kReplacement;
+      changed = true;
+    }
+  }
+  if (!changed) {
+    return nil;
+  }
+  return [NSString stringWithCharacters:units.data() length:units.size()];
+}
+
+template <auto Original>
+NSData* dataUsingEncoding(id self, SEL selector, NSStringEncoding encoding, BOOL lossy) {
+  NSData* const data = (originals.*Original)(self, selector, encoding, lossy);
+  if (data != nil || !lossy) {
+    return data;
+  }
+  return [withoutLoneSurrogates(self) dataUsingEncoding:encoding allowLossyConversion:lossy];
+}
+
+// --- file URLs: the path decides with its trailing slash or, when it has none and the caller does not say, the file system.
+//     The system's Foundation asks the file system even when the caller says, leaves a trailing slash where the caller says
+//     that there is no directory, drops it from a relative path, and takes "~" for the root.
+
+/// Nil when the current directory is gone.
+NSString* absolutePath(NSString* path) {
+  if ([path length] > 0 && [path characterAtIndex:0] == '/') {
+    return path;
+  }
+  char directory[PATH_MAX];
+  if (getcwd(directory, sizeof directory) == nullptr) {
+    return nil;
+  }
+  const std::string_view here = directory;
+  NSString* const prefix = [NSString stringWithUTF8String:directory];
+  return [prefix stringByAppendingFormat:here.ends_with('/') ? @"%@" : @"/%@", path];
+}
+
+bool endsInSlash(NSString* path) { return [path length] > 0 && [path characterAtIndex:[path length] - 1] == '/'; }
+
+bool isExistingDirectory(NSString* path) {
+  struct stat status {};
+  return stat([path UTF8String], &status) == 0 && S_ISDIR(status.st_mode);
+}
+
+id initFileUrl(id self, NSString* path, bool is_directory) {
+  if (path == nil || [path UTF8String] == nullptr) {  // a path with a lone surrogate names nothing
+    [self release];
+    return nil;
+  }
+  if (is_directory && !endsInSlash(path)) {
+    path = [path stringByAppendingString:@"/"];
+  }
+  while (!is_directory && [path length] > 1 && endsInSlash(path)) {
+    path = [path substringToIndex:[path length] - 1];
+  }
+  return [self initWithScheme:NSURLFileScheme host:@"" path:path];
+}
+
+void requirePath(SEL selector, NSString* path) {
+  if (path == nil) {
+    [NSException raise:NSInvalidArgumentException format:@"[NSURL %s] nil string parameter", sel_getName(selector)];
+  }
+}
+
+id initFileUrlWithPath(id self, SEL selector, NSString* path) {
+  requirePath(selector, path);
+  NSString* const absolute = absolutePath(path);
+  return initFileUrl(self, absolute, absolute != nil && (endsInSlash(absolute) || isExistingDirectory(absolute)));
+}
+
+id initFileUrlWithPathIsDirectory(id self, SEL selector, NSString* path, BOOL is_directory) {
+  requirePath(selector, path);
+  return initFileUrl(self, absolutePath(path), is_directory);
+}
+
+// --- the path of a URL: the system's Foundation unescapes it on the stack, which a very long path overflows
+
+constexpr NSUInteger kLongUrl = 65536;
+constexpr std::string_view kFilePrefix = "file://";
+
+unsigned digitValue(char digit) { return digit <= '9' ? digit - '0' : (digit | 0x20) - 'a' + 10U; }
+
+/// `url` is as initFileUrl made it, so every "%" begins an escape.
+std::string unescapedPath(std::string_view url) {
+  std::string path;
+  path.reserve(url.size());
+  for (std::size_t i = kFilePrefix.size(); i < url.size(); ++i) {
+    if (url[i] == '%' && i + 2 < url.size()) {
+      path.push_back(static_cast<char>(digitValue(url[i + 1]) * 16 + digitValue(url[i + 2])));
+      i += 2;
+    } else {
+      path.push_back(url[i]);
+    }
+  }
+  return path;
+}
+
+NSString* path(id self, SEL selector) {
+  NSString* const text = [self relativeString];
+  if ([text length] <= kLongUrl || ![self isFileURL] || [self baseURL] != nil) {
+    return originals.path(self, selector);
+  }
+  std::string unescaped = unescapedPath([text UTF8String]);
+  if (unescaped.size() > 1 && unescaped.back() == '/') {
+    unescaped.pop_back();
+  }
+  return [NSString stringWithUTF8String:unescaped.c_str()];
+}
+
+// --- putting them in place
+
+/// Puts `replacement` in the place of the method that `type` itself implements, and gives what was there.
+template <typename Function>
+Function replace(Class type, SEL selector, Function replacement) {
+  const Method method = class_getInstanceMethod(type, selector);
+  return reinterpret_cast<Function>(class_replaceMethod(type, selector, reinterpret_cast<IMP>(replacement),
+                                                        method_getTypeEncoding(method)));
+}
+
+void replaceStringMethods() {
+  const Class string = [NSString class];
+  // The class of most strings that hold their own characters overrides two of the methods.
+  const Class immutable_string = objc_getClass("GSImmutableString");
+  originals.rangeOfString = replace(string, @selector(rangeOfString:), rangeOfString);
+  originals.rangeOfStringOptions = replace(string, @selector(rangeOfString:options:), rangeOfStringOptions);
+  originals.rangeOfStringOptionsRange = replace(string, @selector(rangeOfString:options:range:),
+                                                rangeOfStringOptionsRange<&Originals::rangeOfStringOptionsRange>);
+  originals.rangeInImmutableString = replace(immutable_string, @selector(rangeOfString:options:range:),
+                                             rangeOfStringOptionsRange<&Originals::rangeInImmutableString>);
+  originals.data = replace(string, @selector(dataUsingEncoding:allowLossyConversion:),
+                           dataUsingEncoding<&Originals::data>);
+  originals.dataOfImmutableString = replace(immutable_string, @selector(dataUsingEncoding:allowLossyConversion:),
+                                            dataUsingEncoding<&Originals::dataOfImmutableString>);
+}
+
+void replaceUrlMethods() {
+  const Class url = [NSURL class];
+  replace(url, @selector(initFileURLWithPath:), initFileUrlWithPath);
+  replace(url, @selector(initFileURLWithPath:isDirectory:), initFileUrlWithPathIsDirectory);
+  originals.path = replace(url, @selector(path), path);
+}
+
+__attribute__((constructor)) void closeDifferences() {
+  replaceStringMethods();
+  replaceUrlMethods();
+  // "\" is a character like others in a path; the system's Foundation would take it for a separator too.
+  GSPathHandling("unix");
+}
+
+}  // namespace

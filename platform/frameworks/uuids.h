@@ -1,0 +1,22 @@
+// UUID objects, for the frameworks among themselves: these functions are neither counted nor made to fail.
+#pragma once
+
+#include <CoreFoundation/CoreFoundation.h>
+
+#include "desktop/desktop.h"
+
+#ifdef __OBJC__
+#import <Foundation/Foundation.h>
+#endif
+
+namespace platform {
+
+/// The one object of this value, with a reference for the caller. Any thread.
+CFUUIDRef makeUuid(const desktop::Uuid& bytes);
+desktop::Uuid bytesOf(CFUUIDRef uuid);
+
+#ifdef __OBJC__
+bool isUuid(id object);
+#endif
+
+}  // namespace platform
