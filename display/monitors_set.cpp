@@ -1,0 +1,51 @@
+#include "display/monitors_set.h"
+
+#include <ColorSync/ColorSync.h>
+#include <CoreGraphics/CoreGraphics.h>
+
+#include <algorithm>
+#include <cstdint>
+#include <new>
+
+#include "display/display_services.h"
+
+namespace DisplayServices {
+
+monitors_set::UuidSet monitors_set::initialSet;
+
+void monitors_set::buildSet(UuidSet* set) {
+  std::uint32_t count = 0;
+  CGGetActiveDisplayList(0, nullptr, &count);  // only the count is looked at, deliberately not the error
+  if (set == nullptr || count == 0) {
+    return;
+  }
+  // Deliberately never freed: a buffer per call, 4 bytes a display.
+  auto* const displays = new (std::nothrow) CGDirectDisplayID[count];
+  if (displays == nullptr) {
+    return;
+  }
+  const std::uint32_t capacity = count;
+  if (CGGetActiveDisplayList(capacity, displays, &count) != kCGErrorSuccess) {
+    return;
+  }
+  // Displays come and go between the two calls: fewer than before may be listed, and no more than there is room for.
+  count = std::min(count, capacity);
+  for (std::uint32_t i = 0; i < count; ++i) {
+    // The reference is kept for the life of the process, also that of a UUID that is in the set already.
+    set->insert(CGDisplayCreateUUIDFromDisplayID(displays[i]));
+  }
+}
+
+void BuildInitialMonitorsSet() { monitors_set::buildSet(&monitors_set::initialSet); }
+
+bool DisplaysChanged() {
+  monitors_set::UuidSet now;
+  monitors_set::buildSet(&now);
+  if (now == monitors_set::initialSet) {
+    return false;
+  }
+  monitors_set::initialSet = now;
+  return true;
+}
+
+}  // namespace DisplayServices
