@@ -11,7 +11,7 @@
   CGFloat _backingScaleFactor;
 }
 /// All screens, the one with the origin first; empty without a desktop.
-+ (NSArray*)screens;
++ (NSArray<NSScreen*>*)screens;
 /// Nil without a desktop.
 + (NSScreen*)mainScreen;
 - (NSRect)frame;

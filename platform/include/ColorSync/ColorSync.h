@@ -1,31 +1,31 @@
-// ColorSync's device and profile calls, for computers that are not Macs. Any thread may call them; a callback runs on the
-// thread of the call that was given it, before that call returns.
+// ColorSync's device and profile calls, for computers that are not Macs. Any thread may call them; a callback runs on
+// the thread of the call that was given it, before that call returns.
 #pragma once
 
 #include <CoreFoundation/CoreFoundation.h>
 
 CF_EXTERN_C_BEGIN
 
-typedef struct ColorSyncProfile* ColorSyncProfileRef;
+typedef const struct ColorSyncProfile* ColorSyncProfileRef;
 
 // Keys of a (device, profile) entry: strings, a CFUUIDRef, booleans and a file URL.
-CF_EXPORT const CFStringRef kColorSyncDeviceClass;
-CF_EXPORT const CFStringRef kColorSyncDeviceID;
-CF_EXPORT const CFStringRef kColorSyncDeviceDescription;
-CF_EXPORT const CFStringRef kColorSyncDeviceProfileIsDefault;
-CF_EXPORT const CFStringRef kColorSyncDeviceProfileIsCurrent;
-CF_EXPORT const CFStringRef kColorSyncDeviceProfileURL;
+CF_EXPORT CFStringRef kColorSyncDeviceClass;
+CF_EXPORT CFStringRef kColorSyncDeviceID;
+CF_EXPORT CFStringRef kColorSyncDeviceDescription;
+CF_EXPORT CFStringRef kColorSyncDeviceProfileIsDefault;
+CF_EXPORT CFStringRef kColorSyncDeviceProfileIsCurrent;
+CF_EXPORT CFStringRef kColorSyncDeviceProfileURL;
 /// The value under kColorSyncDeviceClass of a display.
-CF_EXPORT const CFStringRef kColorSyncDisplayDeviceClass;
+CF_EXPORT CFStringRef kColorSyncDisplayDeviceClass;
 /// Key of a custom profile dictionary: the profile of the device's default mode.
-CF_EXPORT const CFStringRef kColorSyncDeviceDefaultProfileID;
+CF_EXPORT CFStringRef kColorSyncDeviceDefaultProfileID;
 
 // Keys of an installed profile's entry: its class signature, its description and its file URL.
-CF_EXPORT const CFStringRef kColorSyncProfileClass;
-CF_EXPORT const CFStringRef kColorSyncProfileDescription;
-CF_EXPORT const CFStringRef kColorSyncProfileURL;
+CF_EXPORT CFStringRef kColorSyncProfileClass;
+CF_EXPORT CFStringRef kColorSyncProfileDescription;
+CF_EXPORT CFStringRef kColorSyncProfileURL;
 /// The value under kColorSyncProfileClass of a display profile.
-CF_EXPORT const CFStringRef kColorSyncSigDisplayClass;
+CF_EXPORT CFStringRef kColorSyncSigDisplayClass;
 
 typedef bool (*ColorSyncDeviceProfileIterateCallback)(CFDictionaryRef colorSyncDeviceProfileInfo, void* userInfo);
 /// Calls `callBack` once per (device, profile) entry until it returns false.

@@ -2,8 +2,9 @@
 //
 // Types are toll-free bridged to Foundation objects: a CFStringRef is an NSString*, a CFURLRef an NSURL*, and so on.
 // Any thread may call any function; objects follow Foundation's own rules. Functions named Create or Copy return a
-// reference that the caller releases; functions named Get return a borrowed one. As on the Mac, null is no object: a null
-// argument where an object is needed stops the process, so that a missing guard is found here and not on a customer's Mac.
+// reference that the caller releases; functions named Get return a borrowed one. As on the Mac, null is no object: a
+// null argument where an object is needed stops the process, so that a missing guard is found here and not on a
+// customer's Mac.
 #pragma once
 
 #include <stddef.h>
@@ -46,7 +47,9 @@ CF_EXPORT const CFAllocatorRef kCFAllocatorDefault;
 CF_EXPORT const CFBooleanRef kCFBooleanTrue;
 CF_EXPORT const CFBooleanRef kCFBooleanFalse;
 
-enum { kCFStringEncodingUTF8 = 0x08000100 };
+typedef enum CFStringBuiltInEncodings : CFStringEncoding {
+  kCFStringEncodingUTF8 = 0x08000100
+} CFStringBuiltInEncodings;
 typedef enum CFNumberType : CFIndex { kCFNumberSInt32Type = 3, kCFNumberSInt64Type = 4 } CFNumberType;
 typedef enum CFURLPathStyle : CFIndex { kCFURLPOSIXPathStyle = 0 } CFURLPathStyle;
 
@@ -54,10 +57,6 @@ typedef enum CFURLPathStyle : CFIndex { kCFURLPOSIXPathStyle = 0 } CFURLPathStyl
 
 CF_EXPORT CFTypeRef CFRetain(CFTypeRef object);
 CF_EXPORT void CFRelease(CFTypeRef object);
-/// Releases `object` when the current autorelease pool is drained, and returns it.
-CF_EXPORT CFTypeRef CFAutorelease(CFTypeRef object);
-/// Returns `object`, null too: there is no garbage collector.
-CF_EXPORT CFTypeRef CFMakeCollectable(CFTypeRef object);
 CF_EXPORT CFIndex CFGetRetainCount(CFTypeRef object);
 CF_EXPORT Boolean CFEqual(CFTypeRef first, CFTypeRef second);
 CF_EXPORT CFTypeID CFGetTypeID(CFTypeRef object);
@@ -121,7 +120,8 @@ typedef struct {
   CFDictionaryEqualCallBack equal;
 } CFDictionaryValueCallBacks;
 
-/// The only call-backs that the dictionary functions here accept: keys and values are objects, retained by the dictionary.
+/// The only call-backs that the dictionary functions here accept: keys and values are objects, retained by the
+/// dictionary.
 CF_EXPORT const CFDictionaryKeyCallBacks kCFTypeDictionaryKeyCallBacks;
 CF_EXPORT const CFDictionaryValueCallBacks kCFTypeDictionaryValueCallBacks;
 

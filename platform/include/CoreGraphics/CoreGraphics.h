@@ -1,7 +1,7 @@
 // CoreGraphics' display and colour-space calls, for computers that are not Macs. Any thread may call them.
 //
-// Rectangles are in points, in global display coordinates: the origin is the upper left corner of the main display and y
-// grows downwards.
+// Rectangles are in points, in global display coordinates: the origin is the upper left corner of the main display and
+// y grows downwards.
 #pragma once
 
 #include <CoreFoundation/CoreFoundation.h>
@@ -9,11 +9,14 @@
 
 CF_EXTERN_C_BEGIN
 
-typedef int32_t CGError;
-enum { kCGErrorSuccess = 0, kCGErrorFailure = 1000, kCGErrorIllegalArgument = 1001 };
+typedef enum CGError : int32_t {
+  kCGErrorSuccess = 0,
+  kCGErrorFailure = 1000,
+  kCGErrorIllegalArgument = 1001,
+} CGError;
 
 typedef uint32_t CGDirectDisplayID;
-enum { kCGNullDirectDisplay = 0 };
+#define kCGNullDirectDisplay ((CGDirectDisplayID)0)
 
 /// Writes at most `maxDisplays` active displays, the main one first, and their number to `displayCount`. With a null
 /// `activeDisplays` only the number of active displays is written.
