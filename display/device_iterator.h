@@ -25,13 +25,13 @@ struct device_iterator {
   using DeviceRecord = OwnedRef<CFDictionaryRef>;
 
   /// Text of the UUID of the display that is sought; one variable for all walks.
-  OSTREVIN_API static CFStringRef inUUIDstr;
+  static CFStringRef inUUIDstr;
   /// URL of the profile that matched last; the callback takes a reference of its own.
-  OSTREVIN_API static CFURLRef profile_path;
+  static CFURLRef profile_path;
   /// Description of the device that matched last; "Empty" after a profile query that matched nothing.
-  OSTREVIN_API static CFStringRef device_name;
+  static CFStringRef device_name;
   /// Deliberately null for the life of the process: there is no cache, every query walks ColorSync afresh.
-  OSTREVIN_API static std::vector<DeviceRecord>* devices_info;
+  static std::vector<DeviceRecord>* devices_info;
 
   /// The file URL of the display's current profile; null when no entry is both its default and its current one, after 2
   /// seconds. Not retained for the caller; valid for the life of the process. Host's thread.

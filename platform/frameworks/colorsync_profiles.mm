@@ -23,10 +23,10 @@ namespace calls = platform::calls;
 
 extern "C" {
 
-const CFStringRef kColorSyncProfileClass = TEXT_CONSTANT("ColorSyncProfileClass");
-const CFStringRef kColorSyncProfileDescription = TEXT_CONSTANT("ColorSyncProfileDescription");
-const CFStringRef kColorSyncProfileURL = TEXT_CONSTANT("ColorSyncProfileURL");
-const CFStringRef kColorSyncSigDisplayClass = TEXT_CONSTANT("mntr");
+CFStringRef kColorSyncProfileClass = TEXT_CONSTANT("ColorSyncProfileClass");
+CFStringRef kColorSyncProfileDescription = TEXT_CONSTANT("ColorSyncProfileDescription");
+CFStringRef kColorSyncProfileURL = TEXT_CONSTANT("ColorSyncProfileURL");
+CFStringRef kColorSyncSigDisplayClass = TEXT_CONSTANT("mntr");
 
 }  // extern "C"
 

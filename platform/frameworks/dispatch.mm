@@ -83,7 +83,7 @@ bool startWorker(dispatch_queue_s& queue) {
 
 extern "C" {
 
-dispatch_queue_t dispatch_queue_create(const char* label, dispatch_queue_attr_t) {
+dispatch_queue_t dispatch_queue_create(const char* label, dispatch_queue_attr_t) noexcept {
   if (calls::enter(Call::dispatch_queue_create)) {
     return nullptr;
   }
@@ -92,7 +92,7 @@ dispatch_queue_t dispatch_queue_create(const char* label, dispatch_queue_attr_t)
   return queue;
 }
 
-void dispatch_async(dispatch_queue_t queue, dispatch_block_t block) {
+void dispatch_async(dispatch_queue_t queue, dispatch_block_t block) noexcept {
   if (calls::enter(Call::dispatch_async)) {
     return;
   }

@@ -1,0 +1,99 @@
+// What the built library exports, compared with the list in the tree; nm and ldd say what is true.
+#include <gmock/gmock.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <fnmatch.h>
+#include <fstream>
+#include <memory>
+#include <sstream>
+#include <string>
+#include <vector>
+
+namespace {
+
+using testing::IsEmpty;
+using testing::Not;
+
+std::string outputOf(const std::string& command) {
+  const std::unique_ptr<FILE, int (*)(FILE*)> pipe(popen(command.c_str(), "r"), pclose);
+  std::string text;
+  std::array<char, 4096> buffer{};
+  while (const std::size_t size = std::fread(buffer.data(), 1, buffer.size(), pipe.get())) {
+    text.append(buffer.data(), size);
+  }
+  return text;
+}
+
+std::vector<std::string> exportedSymbols() {
+  std::istringstream lines(outputOf("nm -D --defined-only --format=posix '" OSTREVIN_LIBRARY "'"));
+  std::vector<std::string> symbols;
+  std::string line;
+  while (std::getline(lines, line)) {
+    symbols.push_back(line.substr(0, line.find(' ')));
+  }
+  return symbols;
+}
+
+std::vector<std::string> listedPatterns() {
+  std::ifstream file(OSTREVIN_EXPORT_LIST);
+  std::vector<std::string> patterns;
+  std::string line;
+  while (std::getline(file, line)) {
+    if (!line.empty() && line.front() != '#') {
+      patterns.push_back(line);
+    }
+  }
+  return patterns;
+}
+
+bool matches(const std::string& pattern, const std::string& symbol) {
+  return fnmatch(pattern.c_str(), symbol.c_str(), 0) == 0;
+}
+
+TEST(Exports, EveryExportedSymbolIsListed) {
+  const auto patterns = listedPatterns();
+  const auto symbols = exportedSymbols();
+  ASSERT_THAT(symbols, Not(IsEmpty()));
+  for (const std::string& symbol : symbols) {
+    EXPECT_EQ(std::count_if(patterns.begin(), patterns.end(),
+                            [&](const std::string& pattern) { return matches(pattern, symbol); }),
+              1)
+        << symbol;
+  }
+}
+
+TEST(Exports, EveryListedSymbolIsExportedOnce) {
+  const auto symbols = exportedSymbols();
+  for (const std::string& pattern : listedPatterns()) {
+    EXPECT_EQ(std::count_if(symbols.begin(), symbols.end(),
+                            [&](const std::string& symbol) { return matches(pattern, symbol); }),
+              1)
+        << pattern;
+  }
+}
+
+TEST(Exports, OnlyTheEntryTheVersionsAndTheFiveNamespacesAreListed) {
+  const std::vector<std::string> allowed = {"REALPluginMain",
+                                            "OstrevinVersionNumber",
+                                            "OstrevinVersionString",
+                                            "_ZN7Display*",
+                                            "_ZN15DisplayServices*",
+                                            "_ZN15ProfileServices*",
+                                            "_ZN14StringServices*",
+                                            "_ZN5Utils*"};
+  for (const std::string& symbol : exportedSymbols()) {
+    EXPECT_TRUE(std::any_of(allowed.begin(), allowed.end(),
+                            [&](const std::string& pattern) { return matches(pattern, symbol); }))
+        << symbol;
+  }
+}
+
+TEST(Exports, EveryUndefinedSymbolIsFoundInALibraryThatThePluginNames) {
+  const std::string report = outputOf("ldd -r '" OSTREVIN_LIBRARY "' 2>&1");
+  EXPECT_THAT(report, testing::HasSubstr("libOstrevinPlatform.so"));
+  EXPECT_THAT(report, Not(testing::HasSubstr("undefined symbol")));
+  EXPECT_THAT(report, Not(testing::HasSubstr("not found")));
+}
+
+}  // namespace

@@ -1,0 +1,215 @@
+#include <gtest/gtest.h>
+
+#include <array>
+#include <cstdint>
+#include <limits>
+#include <ostream>
+
+#include "plugin/display.h"
+#include "plugin/result_codes.h"
+#include "support/scripted.h"
+
+namespace {
+
+using platform::calls::Answer;
+using platform::calls::Call;
+using platform::desktop::Rect;
+using platform::desktop::Script;
+using support::display;
+using support::ScriptedSession;
+
+constexpr std::int32_t kLeast = std::numeric_limits<std::int32_t>::min();
+constexpr auto kNotFound = static_cast<std::uint32_t>(kQVIDisplayNotFound);
+
+struct Edges {
+  std::int32_t left = 1;
+  std::int32_t top = 2;
+  std::int32_t right = 3;
+  std::int32_t bottom = 4;
+  friend bool operator==(const Edges&, const Edges&) = default;
+  friend std::ostream& operator<<(std::ostream& out, const Edges& edges) {
+    return out << edges.left << ' ' << edges.top << ' ' << edges.right << ' ' << edges.bottom;
+  }
+};
+
+Edges edgesOf(std::uint32_t number) {
+  Edges edges;
+  Display::GetMonitorRect(number, &edges.left, &edges.top, &edges.right, &edges.bottom);
+  return edges;
+}
+
+std::array<double, 4> rectOf(std::uint32_t number) {
+  std::array<double, 4> rect{};
+  Display::GetMonitorRect(number, &rect[0], &rect[1], &rect[2], &rect[3]);
+  return rect;
+}
+
+Script oneDisplay(Rect bounds) {
+  Script script;
+  script.arrangement.displays = {display(1, bounds)};
+  return script;
+}
+
+Script displays(std::uint32_t count) {
+  Script script;
+  for (std::uint32_t i = 0; i < count; ++i) {
+    script.arrangement.displays.push_back(display(100 + i, {100.0 * i, 0, 100, 100}));
+  }
+  return script;
+}
+
+TEST(GetMonitorRect, TruncatesTowardZeroAfterTheEdgesAreSummed) {
+  const ScriptedSession session(oneDisplay({-1440.5, 0, 1440, 900}));
+  EXPECT_EQ(edgesOf(1), (Edges{-1440, 0, 0, 900}));
+  EXPECT_EQ(rectOf(1), (std::array<double, 4>{-1440.5, 0, 1440, 900}));
+}
+
+TEST(GetMonitorRect, SumsInDoublePrecisionBeforeTheOneTruncation) {
+  const ScriptedSession session(oneDisplay({0.6, -3.9, 0.6, 0.3}));
+  EXPECT_EQ(edgesOf(1), (Edges{0, -3, 1, -3}));
+}
+
+TEST(GetMonitorRect, ReportsPointsAtAnyScale) {
+  for (const double scale : {1.0, 2.0}) {
+    auto script = oneDisplay({0, 0, 1440, 900});
+    script.arrangement.screens = {support::screen({0, 0, 1440, 900}, scale)};
+    script.arrangement.main_screen = 0;
+    const ScriptedSession session(script);
+    EXPECT_EQ(edgesOf(1), (Edges{0, 0, 1440, 900}));
+    EXPECT_EQ(rectOf(1), (std::array<double, 4>{0, 0, 1440, 900}));
+  }
+}
+
+TEST(GetMonitorRect, AsksForTheScaleAllTheSame) {
+  const ScriptedSession session(oneDisplay({0, 0, 1440, 900}));
+  const auto before = platform::calls::count(Call::NSScreen_screens);
+  edgesOf(1);
+  EXPECT_EQ(platform::calls::count(Call::NSScreen_screens), before + 1);
+  rectOf(1);
+  EXPECT_EQ(platform::calls::count(Call::NSScreen_screens), before + 2);
+}
+
+TEST(GetMonitorRect, OfNaNAndInfinitiesIsTheLeastNumber) {
+  constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
+  constexpr double kInfinity = std::numeric_limits<double>::infinity();
+  const ScriptedSession session(oneDisplay({kNaN, kInfinity, 1, -kInfinity}));
+  EXPECT_EQ(edgesOf(1), (Edges{kLeast, kLeast, kLeast, kLeast}));
+}
+
+TEST(GetMonitorRect, OfValuesBeyond32BitsIsTheLeastNumber) {
+  const ScriptedSession session(oneDisplay({2147483648.0, -2147483649.0, 1e300, -1}));
+  EXPECT_EQ(edgesOf(1), (Edges{kLeast, kLeast, kLeast, kLeast}));
+}
+
+TEST(GetMonitorRect, KeepsTheGreatestAndTheLeast32BitNumbers) {
+  const ScriptedSession session(oneDisplay({2147483647.0, -2147483648.0, 0.9, -0.9}));
+  EXPECT_EQ(edgesOf(1), (Edges{2147483647, kLeast, 2147483647, kLeast}));
+}
+
+TEST(GetMonitorRect, OfAnUnknownDisplayIsTheEmptyRectangle) {
+  const ScriptedSession session(oneDisplay({10, 10, 10, 10}));
+  EXPECT_EQ(edgesOf(0), (Edges{0, 0, 0, 0}));
+  EXPECT_EQ(rectOf(77), (std::array<double, 4>{0, 0, 0, 0}));
+}
+
+TEST(GetIndex, IsThePositionAmongTheActiveDisplays) {
+  const ScriptedSession session(displays(3));
+  EXPECT_EQ(Display::GetIndex(100), 0U);
+  EXPECT_EQ(Display::GetIndex(101), 1U);
+  EXPECT_EQ(Display::GetIndex(102), 2U);
+}
+
+TEST(GetIndex, OfAnUnknownDisplayIsDisplayNotFound) {
+  const ScriptedSession session(displays(3));
+  EXPECT_EQ(Display::GetIndex(0), 4099018739U);
+  EXPECT_EQ(Display::GetIndex(103), kNotFound);
+}
+
+TEST(GetIndex, WithoutDisplaysIsDisplayNotFoundAfterOneQuestion) {
+  const ScriptedSession session(displays(0));
+  const auto before = platform::calls::count(Call::CGGetActiveDisplayList);
+  EXPECT_EQ(Display::GetIndex(100), kNotFound);
+  EXPECT_EQ(platform::calls::count(Call::CGGetActiveDisplayList), before + 1);
+}
+
+TEST(GetIndex, HasNoLimitOnTheNumberOfDisplays) {
+  const ScriptedSession session(displays(1000));
+  EXPECT_EQ(Display::GetIndex(100 + 63), 63U);
+  EXPECT_EQ(Display::GetIndex(100 + 999), 999U);
+}
+
+TEST(GetIndex, IgnoresAnErrorOfTheFirstQuestion) {
+  const ScriptedSession session(displays(3));
+  platform::calls::setHook(Call::CGGetActiveDisplayList, [](std::uint64_t nth) { return Answer{.fail = nth == 1}; });
+  EXPECT_EQ(Display::GetIndex(101), kNotFound) << "an error leaves the count at 0";
+}
+
+TEST(GetIndex, IsDisplayNotFoundWhenTheSecondQuestionFails) {
+  const ScriptedSession session(displays(3));
+  platform::calls::setHook(Call::CGGetActiveDisplayList, [](std::uint64_t nth) { return Answer{.fail = nth == 2}; });
+  EXPECT_EQ(Display::GetIndex(101), kNotFound);
+}
+
+/// Hooks the second question so that the desktop has `count` displays by then.
+void changeBetweenTheQuestions(const ScriptedSession& session, std::uint32_t count) {
+  platform::calls::setHook(Call::CGGetActiveDisplayList, [&session, count](std::uint64_t nth) {
+    if (nth == 2) {
+      session.desktop->change([&](Script& script) { script = displays(count); });
+    }
+    return Answer{};
+  });
+}
+
+TEST(GetIndex, OfADisplayThatVanishesBetweenTheQuestionsIsDisplayNotFound) {
+  const ScriptedSession session(displays(3));
+  changeBetweenTheQuestions(session, 2);
+  EXPECT_EQ(Display::GetIndex(102), kNotFound);
+}
+
+TEST(GetIndex, OfADisplayThatStaysWhileAnotherVanishesIsItsPosition) {
+  const ScriptedSession session(displays(3));
+  changeBetweenTheQuestions(session, 2);
+  EXPECT_EQ(Display::GetIndex(101), 1U);
+}
+
+TEST(GetIndex, DoesNotSeeADisplayThatAppearsBetweenTheQuestions) {
+  const ScriptedSession session(displays(2));
+  changeBetweenTheQuestions(session, 3);
+  EXPECT_EQ(Display::GetIndex(102), kNotFound);
+}
+
+TEST(GetIndex, ReadsNoFurtherThanItsBufferWhateverNumberIsReported) {
+  const ScriptedSession session(displays(3));
+  platform::calls::setHook(Call::CGGetActiveDisplayList, [](std::uint64_t nth) {
+    return nth == 2 ? Answer{.number = 1000000} : Answer{};
+  });
+  EXPECT_EQ(Display::GetIndex(102), 2U);
+  platform::calls::setHook(Call::CGGetActiveDisplayList, [](std::uint64_t nth) {
+    return nth == 2 ? Answer{.number = 1000000} : Answer{};
+  });
+  EXPECT_EQ(Display::GetIndex(999), kNotFound);
+}
+
+TEST(DisplayIDForWindow, AsksAboutTheRectangleThatBeginsAtTheWindowsLowerEdge) {
+  auto script = displays(0);
+  script.arrangement.displays = {display(1, {0, 0, 100, 100}), display(2, {0, 100, 100, 100})};
+  const ScriptedSession session(script);
+  EXPECT_EQ(Display::DisplayIDForWindow(0, 0, 100, 100), 2U);
+  EXPECT_EQ(Display::DisplayIDForWindow(0, -100, 100, 100), 1U);
+}
+
+TEST(DisplayIDForWindow, OfAWindowOnNoDisplayIsZero) {
+  const ScriptedSession session(displays(2));
+  EXPECT_EQ(Display::DisplayIDForWindow(5000, 5000, 10, 10), 0U);
+}
+
+TEST(GetScale, IsTheScreensBackingScale) {
+  auto script = oneDisplay({0, 0, 1440, 900});
+  script.arrangement.screens = {support::screen({0, 0, 1440, 900}, 2)};
+  script.arrangement.main_screen = 0;
+  const ScriptedSession session(script);
+  EXPECT_EQ(Display::GetScale(1), 2.0);
+  EXPECT_EQ(Display::GetScale(9), 2.0);
+}
+
+}  // namespace
