@@ -2,6 +2,8 @@
 
 #import <Foundation/Foundation.h>
 
+#include "frameworks/early_messages.h"
+
 extern "C" {
 
 void* objc_autoreleasePoolPush(void) { return [[NSAutoreleasePool alloc] init]; }
@@ -14,6 +16,8 @@ namespace {
 
 /// Runs before the other initialisers of this library and of whatever links to it. The pool is kept for the life of the
 /// thread: what a program's static initialisers autorelease has no other place to go.
-__attribute__((constructor(101))) void pushBasePool() { objc_autoreleasePoolPush(); }
+__attribute__((constructor(101))) void pushBasePool() {
+  platform::sendEarly(platform::sendEarly(platform::classNamed("NSAutoreleasePool"), "alloc"), "init");
+}
 
 }  // namespace

@@ -5,6 +5,8 @@
 // the constants' names for the linker only.
 #import <Foundation/Foundation.h>
 
+#include "frameworks/early_messages.h"
+
 #define CONSTANT(name) asm(#name) __attribute__((visibility("default")))
 
 extern "C" {
@@ -18,8 +20,9 @@ id platform_false CONSTANT(kCFBooleanFalse) = nil;
 namespace {
 
 __attribute__((constructor(102))) void makeConstants() {
-  platform_true = [[NSNumber numberWithBool:YES] retain];
-  platform_false = [[NSNumber numberWithBool:NO] retain];
+  const id number = platform::classNamed("NSNumber");
+  platform_true = platform::sendEarly(platform::sendEarly(number, "numberWithBool:", YES), "retain");
+  platform_false = platform::sendEarly(platform::sendEarly(number, "numberWithBool:", NO), "retain");
 }
 
 }  // namespace

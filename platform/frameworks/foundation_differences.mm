@@ -217,7 +217,7 @@ void replaceUrlMethods() {
   originals.path = replace(url, @selector(path), path);
 }
 
-__attribute__((constructor)) void closeDifferences() {
+void closeDifferences() {
   replaceStringMethods();
   replaceUrlMethods();
   // "\" is a character like others in a path; the system's Foundation would take it for a separator too.
@@ -225,3 +225,13 @@ __attribute__((constructor)) void closeDifferences() {
 }
 
 }  // namespace
+
+/// Loaded with this library: by then the selectors that this file uses are registered, which is not so in an initialiser.
+@interface PlatformFoundationDifferences : NSObject
+@end
+
+@implementation PlatformFoundationDifferences
++ (void)load {
+  closeDifferences();
+}
+@end
