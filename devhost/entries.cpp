@@ -1,0 +1,24 @@
+#include "devhost/entries.h"
+
+#include "devhost/host.h"
+
+namespace devhost {
+
+void addAllEntries(Host& host) {
+  addRegistrationEntries(host);
+  addStringEntries(host);
+  addTextEntries(host);
+  addObjectEntries(host);
+  addPropertyEntries(host);
+  addVariantEntries(host);
+  addArrayEntries(host);
+  addArrayElementEntries(host);
+}
+
+void addEntries(Host& host, std::span<const Entry> entries) {
+  for (const Entry& entry : entries) {
+    host.entries().set(entry.name, entry.function);
+  }
+}
+
+}  // namespace devhost

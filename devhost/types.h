@@ -1,0 +1,79 @@
+// The types of the host's language: their names in declarations, and how they travel to and from a plugin's functions.
+//
+// Immutable data; any thread may use it.
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace devhost {
+
+enum class Type {
+  kBoolean,
+  kInteger,
+  kUInteger,
+  kInt8,
+  kInt16,
+  kInt32,
+  kInt64,
+  kUInt8,
+  kUInt16,
+  kUInt32,
+  kUInt64,
+  kSingle,
+  kDouble,
+  kCurrency,  ///< a signed 64-bit count of ten-thousandths
+  kColor,     ///< an unsigned 32-bit number
+  kString,
+  kText,
+  kObject,  ///< an instance of any class, Variant included
+  kPtr,
+  kCString,      ///< NUL-terminated bytes, borrowed
+  kWString,      ///< NUL-terminated wchar_t, borrowed
+  kPString,      ///< a length byte and as many bytes, borrowed
+  kCFStringRef,  ///< passed on as a pointer; this host neither retains nor reads it
+  kOSType,       ///< four characters in an unsigned 32-bit number
+};
+
+/// In which form a value of a type is kept and passed.
+enum class Form { kBoolean, kSigned, kUnsigned, kReal, kString, kText, kObject, kPointer };
+
+/// What is known of a type.
+struct TypeFacts {
+  Type type;
+  const char* name;
+  Form form;
+  /// Bytes of a parameter, of a result, and of what a plugin writes through a by-reference parameter.
+  std::size_t width;
+  /// Bytes of a variable of the host: of a property and of an array's element. Integer and UInteger are wider there.
+  std::size_t variable_width;
+};
+
+/// Facts of `type`; always present.
+const TypeFacts& factsOf(Type type);
+
+/// The type of that name, letters' case aside; nothing when it is no built-in type, which makes it a class name.
+std::optional<Type> findType(std::string_view name);
+
+/// Type codes of array elements, as RuntimeArrayCreateSingleDimBoundedArray takes them, in the order of the codes
+/// from 1. Code 3, String, is the one that every plugin relies on; the others are this host's own numbers.
+inline constexpr std::array<Type, 18> kElementTypes = {
+    Type::kBoolean, Type::kInteger, Type::kString, Type::kUInteger, Type::kInt8,   Type::kInt16,
+    Type::kInt32,   Type::kInt64,   Type::kUInt8,  Type::kUInt16,   Type::kUInt32, Type::kUInt64,
+    Type::kSingle,  Type::kDouble,  Type::kColor,  Type::kCurrency, Type::kText,   Type::kObject,
+};
+
+/// The element type that a code stands for; nothing for any other code.
+std::optional<Type> elementTypeOfCode(std::uint32_t code);
+/// The code of an element type; 0 when there are no arrays of it.
+std::uint32_t codeOfElementType(Type type);
+
+/// Letters' case aside, as the host's language compares names. ASCII only.
+bool sameName(std::string_view a, std::string_view b);
+std::string lowerCase(std::string_view name);
+
+}  // namespace devhost
