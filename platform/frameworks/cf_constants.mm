@@ -1,8 +1,8 @@
 // CoreFoundation's constants.
 //
-// They are written by the first initialiser of this library after the pool's, so that the static initialisers of this library
-// and of programs that link to it find them ready. To everybody else they are constant, so that here they have the
-// constants' names for the linker only.
+// They are written by the first initialiser of this library after the pool's, so that the static initialisers of this
+// library and of programs that link to it find them ready. To everybody else they are constant, so that here they have
+// the constants' names for the linker only.
 #import <Foundation/Foundation.h>
 
 #define CONSTANT(name) asm(#name) __attribute__((visibility("default")))

@@ -19,7 +19,9 @@ id object(const void* reference) { return static_cast<id>(const_cast<void*>(refe
 
 const void* retainObject(CFAllocatorRef, const void* value) { return CFRetain(value); }
 void releaseObject(CFAllocatorRef, const void* value) { CFRelease(value); }
-CFStringRef describeObject(const void* value) { return reinterpret_cast<CFStringRef>([[object(value) description] copy]); }
+CFStringRef describeObject(const void* value) {
+  return reinterpret_cast<CFStringRef>([[object(value) description] copy]);
+}
 Boolean equalObjects(const void* first, const void* second) { return [object(first) isEqual:object(second)]; }
 CFHashCode hashObject(const void* value) { return [object(value) hash]; }
 
@@ -35,8 +37,8 @@ void requireObjectCallBacks(const CFDictionaryKeyCallBacks* keys, const CFDictio
 
 extern "C" {
 
-const CFDictionaryKeyCallBacks kCFTypeDictionaryKeyCallBacks = {0, retainObject, releaseObject, describeObject,
-                                                                equalObjects, hashObject};
+const CFDictionaryKeyCallBacks kCFTypeDictionaryKeyCallBacks = {
+    0, retainObject, releaseObject, describeObject, equalObjects, hashObject};
 const CFDictionaryValueCallBacks kCFTypeDictionaryValueCallBacks = {0, retainObject, releaseObject, describeObject,
                                                                     equalObjects};
 

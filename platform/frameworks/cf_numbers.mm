@@ -66,7 +66,8 @@ CFNumberRef CFNumberCreate(CFAllocatorRef, CFNumberType type, const void* value)
     case kCFNumberSInt32Type:
       return reinterpret_cast<CFNumberRef>([[NSNumber alloc] initWithInt:*static_cast<const std::int32_t*>(value)]);
     case kCFNumberSInt64Type:
-      return reinterpret_cast<CFNumberRef>([[NSNumber alloc] initWithLongLong:*static_cast<const std::int64_t*>(value)]);
+      return reinterpret_cast<CFNumberRef>(
+          [[NSNumber alloc] initWithLongLong:*static_cast<const std::int64_t*>(value)]);
   }
   return nullptr;
 }

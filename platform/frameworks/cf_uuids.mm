@@ -29,8 +29,8 @@ namespace calls = platform::calls;
 
 namespace {
 
-/// Guards the table and every UUID's count of references: the last release and a new creation of the same value may meet.
-/// Kept for the life of the process.
+/// Guards the table and every UUID's count of references: the last release and a new creation of the same value may
+/// meet. Kept for the life of the process.
 struct Table {
   std::mutex mutex;
   std::map<Uuid, PlatformUUID*> objects;

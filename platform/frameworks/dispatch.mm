@@ -1,8 +1,8 @@
 // libdispatch: serial queues, each on a thread of its own while it has work.
 //
-// A worker may still be running a block while the process exits, or may never come back from one. So everything that a worker
-// touches is kept for the life of the process: a queue is never freed, nothing here has a destructor that runs at exit, and
-// nobody joins the thread, which is detached.
+// A worker may still be running a block while the process exits, or may never come back from one. So everything that a
+// worker touches is kept for the life of the process: a queue is never freed, nothing here has a destructor that runs
+// at exit, and nobody joins the thread, which is detached.
 #include <dispatch/dispatch.h>
 
 #import <Foundation/Foundation.h>
@@ -55,8 +55,8 @@ void nameThread(const std::string& label) {
 void* work(void* argument) {
   auto& queue = *static_cast<dispatch_queue_s*>(argument);
   nameThread(queue.label);
-  // Said to Foundation on purpose: it otherwise notices the thread on the first autorelease, and clears up after it only
-  // when the thread's own data is being destroyed.
+  // Said to Foundation on purpose: it otherwise notices the thread on the first autorelease, and clears up after it
+  // only when the thread's own data is being destroyed.
   GSRegisterCurrentThread();
   while (const dispatch_block_t block = takeBlock(queue)) {
     const ScopedPool pool;

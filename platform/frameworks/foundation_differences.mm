@@ -1,11 +1,11 @@
 // Makes the system's Foundation behave as Apple's does, where the two differ in what the plugin sees.
 //
-// The methods are replaced when this library is loaded, for the whole process, before anything that links to it runs. Each
-// function below says what differs; in everything else it does what the method did.
+// The methods are replaced when this library is loaded, for the whole process, before anything that links to it runs.
+// Each function below says what differs; in everything else it does what the method did.
 //
-// Left as they are, because nothing here depends on them: a file URL made from a relative path is absolute at once instead of
-// being relative to the current directory, and characters with accents are not decomposed in file URLs, because file names
-// are bytes here and a decomposed name is another name.
+// Left as they are, because nothing here depends on them: a file URL made from a relative path is absolute at once
+// instead of being relative to the current directory, and characters with accents are not decomposed in file URLs,
+// because file names are bytes here and a decomposed name is another name.
 #import <Foundation/Foundation.h>
 
 #include <objc/runtime.h>
@@ -93,9 +93,10 @@ NSData* dataUsingEncoding(id self, SEL selector, NSStringEncoding encoding, BOOL
   return [withoutLoneSurrogates(self) dataUsingEncoding:encoding allowLossyConversion:lossy];
 }
 
-// --- file URLs: the path decides with its trailing slash or, when it has none and the caller does not say, the file system.
-//     The system's Foundation asks the file system even when the caller says, leaves a trailing slash where the caller says
-//     that there is no directory, drops it from a relative path, and takes "~" for the root.
+// --- file URLs: the path decides with its trailing slash or, when it has none and the caller does not say, the file
+// system.
+//     The system's Foundation asks the file system even when the caller says, leaves a trailing slash where the caller
+//     says that there is no directory, drops it from a relative path, and takes "~" for the root.
 
 /// Nil when the current directory is gone.
 NSString* absolutePath(NSString* path) {
@@ -189,8 +190,8 @@ NSString* path(id self, SEL selector) {
 template <typename Function>
 Function replace(Class type, SEL selector, Function replacement) {
   const Method method = class_getInstanceMethod(type, selector);
-  return reinterpret_cast<Function>(class_replaceMethod(type, selector, reinterpret_cast<IMP>(replacement),
-                                                        method_getTypeEncoding(method)));
+  return reinterpret_cast<Function>(
+      class_replaceMethod(type, selector, reinterpret_cast<IMP>(replacement), method_getTypeEncoding(method)));
 }
 
 void replaceStringMethods() {
@@ -203,8 +204,8 @@ void replaceStringMethods() {
                                                 rangeOfStringOptionsRange<&Originals::rangeOfStringOptionsRange>);
   originals.rangeInImmutableString = replace(immutable_string, @selector(rangeOfString:options:range:),
                                              rangeOfStringOptionsRange<&Originals::rangeInImmutableString>);
-  originals.data = replace(string, @selector(dataUsingEncoding:allowLossyConversion:),
-                           dataUsingEncoding<&Originals::data>);
+  originals.data =
+      replace(string, @selector(dataUsingEncoding:allowLossyConversion:), dataUsingEncoding<&Originals::data>);
   originals.dataOfImmutableString = replace(immutable_string, @selector(dataUsingEncoding:allowLossyConversion:),
                                             dataUsingEncoding<&Originals::dataOfImmutableString>);
 }

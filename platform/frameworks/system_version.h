@@ -1,4 +1,5 @@
-// The version of macOS that the frameworks of this library say they are, for code that asks at run time what it may call.
+// The version of macOS that the frameworks of this library say they are, for code that asks at run time what it may
+// call.
 #pragma once
 
 #include "desktop/export.h"
@@ -14,7 +15,8 @@ struct SystemVersion {
 /// What they say unless a test has said otherwise.
 inline constexpr SystemVersion kSystemVersion = {11, 0, 0};
 
-/// Changes the answer of -[NSProcessInfo isOperatingSystemAtLeastVersion:] in this process. Not while it is being asked.
+/// Changes the answer of -[NSProcessInfo isOperatingSystemAtLeastVersion:] in this process. Not while it is being
+/// asked.
 PLATFORM_API void setSystemVersion(SystemVersion version);
 
 }  // namespace platform
