@@ -31,13 +31,28 @@ void beginWalk(State& state, const WalkBehaviour& behaviour) {
 }
 
 template <typename Entry, typename Visitor>
-void visitAll(const std::vector<Entry>& entries, unsigned repeat, const Visitor& visit) {
+void visitEntries(const std::vector<Entry>& entries, unsigned repeat, const Visitor& visit) {
   for (unsigned round = 0; round < repeat; ++round) {
     for (const Entry& entry : entries) {
       if (!visit(entry)) {
         return;
       }
     }
+  }
+}
+
+/// One whole walk. A walk that outlives the desktop keeps what it needs.
+template <typename State, typename Entry, typename Visitor>
+void walk(const std::shared_ptr<State> state, const std::vector<Entry> Script::*list, const WalkBehaviour Script::*kind,
+          const Visitor& visit) {
+  std::unique_lock lock(state->mutex);
+  const std::vector<Entry> entries = state->script.*list;
+  const WalkBehaviour behaviour = state->script.*kind;
+  lock.unlock();
+  beginWalk(*state, behaviour);
+  visitEntries(entries, behaviour.repeat, visit);
+  if (behaviour.after) {
+    behaviour.after();
   }
 }
 
@@ -66,23 +81,11 @@ std::shared_ptr<const Arrangement> ScriptedDesktop::arrangement() {
 }
 
 void ScriptedDesktop::visitDeviceProfiles(const DeviceProfileVisitor& visit) {
-  const auto state = state_;  // a walk that outlives the desktop keeps what it needs
-  std::unique_lock lock(state->mutex);
-  const auto entries = state->script.device_profiles;
-  const auto behaviour = state->script.device_walk;
-  lock.unlock();
-  beginWalk(*state, behaviour);
-  visitAll(entries, behaviour.repeat, visit);
+  walk(state_, &Script::device_profiles, &Script::device_walk, visit);
 }
 
 void ScriptedDesktop::visitInstalledProfiles(const InstalledProfileVisitor& visit) {
-  const auto state = state_;
-  std::unique_lock lock(state->mutex);
-  const auto entries = state->script.installed_profiles;
-  const auto behaviour = state->script.installed_walk;
-  lock.unlock();
-  beginWalk(*state, behaviour);
-  visitAll(entries, behaviour.repeat, visit);
+  walk(state_, &Script::installed_profiles, &Script::installed_walk, visit);
 }
 
 bool ScriptedDesktop::setDeviceProfile(const Uuid& device, const std::string& profile_path) {
