@@ -1,0 +1,38 @@
+// The two profile maps, and the ColorSync walks that fill them. One thread at a time, the host's, may use it.
+#pragma once
+
+#include <ColorSync/ColorSync.h>
+#include <CoreFoundation/CoreFoundation.h>
+
+#include <cstdint>
+
+#include "profile/profile_services.h"
+#include "strings/export.h"
+
+namespace ProfileServices {
+
+struct OSTREVIN_API profile_iterator {
+  profile_iterator() = delete;
+
+  static InstalledProfiles installed_profiles;
+  static AssociatedProfiles associated_profiles;
+  /// The UUID text of the display that was listed last; null before the first. Owned.
+  static CFStringRef inUUIDstr;
+
+  /// Empties installed_profiles and fills it with the display profiles that are installed.
+  static void listAllInstalledProfiles();
+  /// Empties associated_profiles and fills it with the display's profiles; leaves it as it is for a display without a
+  /// UUID.
+  static void listDeviceProfiles(std::uint32_t displayID);
+
+  /// Take one entry of a walk each, for ColorSync to call; always true, which lets the walk go on. An entry that lacks
+  /// a value it needs, or has one of another type, is passed over.
+  static bool profileListIterator(CFDictionaryRef info, void* userInfo);
+  static bool deviceListIterator(CFDictionaryRef info, void* userInfo);
+
+  /// Empty the map when it is not empty already.
+  static void clearInstalledArray();
+  static void clearAssociatedArray();
+};
+
+}  // namespace ProfileServices
