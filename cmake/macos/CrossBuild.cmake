@@ -37,7 +37,7 @@ find_program(OSTREVIN_CLANG NAMES clang++ clang++-14)
 ostrevin_macos_needs("clang++." OSTREVIN_CLANG)
 find_program(OSTREVIN_MACHO_LINKER NAMES ld64.lld ld64.lld-19 ld64.lld-18 ld64.lld-17 ld64.lld-16 ld64.lld-15 ld64.lld-14)
 ostrevin_macos_needs("LLVM's Mach-O linker, ld64.lld (package lld)." OSTREVIN_MACHO_LINKER)
-set(OSTREVIN_LLVM_TOOLS ar ranlib lipo nm objdump otool install-name-tool)
+set(OSTREVIN_LLVM_TOOLS ar ranlib lipo nm objdump install-name-tool)
 foreach(tool IN LISTS OSTREVIN_LLVM_TOOLS)
   string(TOUPPER "OSTREVIN_LLVM_${tool}" variable)
   string(REPLACE "-" "_" variable ${variable})
@@ -146,3 +146,19 @@ endfunction()
 ostrevin_join(lib/Ostrevin.dylib)
 ostrevin_join(bin/ostrevin-host)
 add_custom_target(universal ALL DEPENDS ${CMAKE_BINARY_DIR}/lib/Ostrevin.dylib ${CMAKE_BINARY_DIR}/bin/ostrevin-host)
+
+# --- the check
+
+add_subdirectory(${CMAKE_SOURCE_DIR}/tools/macho tools)
+add_custom_target(check-macho
+  COMMAND ${CMAKE_COMMAND}
+    -DLIBRARY=${CMAKE_BINARY_DIR}/lib/Ostrevin.dylib
+    -DPROGRAM=${CMAKE_BINARY_DIR}/bin/ostrevin-host
+    -DEXPORTS=${CMAKE_SOURCE_DIR}/plugin/exports.txt
+    -DCHECK_MODULE=$<TARGET_FILE:check-module>
+    -DLIPO=${OSTREVIN_LLVM_LIPO}
+    -DNM=${OSTREVIN_LLVM_NM}
+    -DOBJDUMP=${OSTREVIN_LLVM_OBJDUMP}
+    -P ${CMAKE_CURRENT_LIST_DIR}/CheckMacho.cmake
+  DEPENDS universal check-module
+  VERBATIM)

@@ -1,5 +1,6 @@
 // check-module FILE ARCHITECTURE...: reads a built library back and checks, in each architecture, the module record and
 // the method table that the host will read. The file must hold exactly the architectures that are named.
+#include <algorithm>
 #include <exception>
 #include <fstream>
 #include <iostream>
@@ -9,7 +10,7 @@
 
 namespace {
 
-int check(const std::string& path, const std::vector<std::string>& architectures) {
+int check(const std::string& path, std::vector<std::string> architectures) {
   std::ifstream file(path, std::ios::binary);
   const std::vector<std::uint8_t> contents{std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
   int problems = 0;
@@ -21,6 +22,8 @@ int check(const std::string& path, const std::vector<std::string>& architectures
       ++problems;
     }
   }
+  std::sort(found.begin(), found.end());
+  std::sort(architectures.begin(), architectures.end());
   if (found != architectures) {
     std::cerr << path << ": does not hold the expected architectures\n";
     ++problems;
