@@ -10,6 +10,7 @@ if(APPLE)
   foreach(name IN ITEMS CoreFoundation Foundation AppKit CoreGraphics ColorSync IOKit)
     target_link_options(ostrevin_frameworks INTERFACE "SHELL:-framework ${name}")
   endforeach()
+  target_link_options(ostrevin_frameworks INTERFACE -lobjc)
   return()
 endif()
 

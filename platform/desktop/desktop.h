@@ -36,7 +36,8 @@ struct Display {
   std::uint32_t model = 0;
   std::uint32_t serial = 0;
   std::string connector;  ///< such as "DP-1"; empty when the desktop does not say
-  std::vector<std::uint8_t> edid;  ///< the monitor's whole EDID as it was read; empty when there is none
+  /// Base block and extensions as the monitor sent them; empty without a valid EDID.
+  std::vector<std::uint8_t> edid = {};
 };
 
 /// A screen. The frame has its origin at the lower left corner of the main screen, y growing upwards.
