@@ -14,7 +14,6 @@ class LiveDesktop final : public Desktop {
   bool setDeviceProfile(const Uuid&, const std::string&) override { return false; }
 
  private:
-  X11Displays displays_;
   IccFolders profiles_{installedProfileFolders()};
   X11Displays displays_;
 };
