@@ -10,6 +10,7 @@ if(APPLE)
   foreach(name IN ITEMS CoreFoundation Foundation AppKit CoreGraphics ColorSync IOKit)
     target_link_options(ostrevin_frameworks INTERFACE "SHELL:-framework ${name}")
   endforeach()
+  target_link_options(ostrevin_frameworks INTERFACE -lobjc)
   return()
 endif()
 
@@ -32,4 +33,6 @@ target_compile_definitions(ostrevin_frameworks INTERFACE
   $<$<COMPILE_LANGUAGE:OBJCXX>:GNUSTEP_BASE_LIBRARY=1>
   $<$<COMPILE_LANGUAGE:OBJCXX>:GNU_RUNTIME=1>
   $<$<COMPILE_LANGUAGE:OBJCXX>:_NATIVE_OBJC_EXCEPTIONS>)
-target_link_libraries(ostrevin_frameworks INTERFACE ${FOUNDATION_LIBRARY} ${OBJC_LIBRARY} ${BLOCKS_LIBRARY})
+# The block runtime comes first: Foundation exports functions of the same names, which take a block that is still on the
+# stack for one on the heap and do not copy it.
+target_link_libraries(ostrevin_frameworks INTERFACE ${BLOCKS_LIBRARY} ${FOUNDATION_LIBRARY} ${OBJC_LIBRARY})

@@ -25,3 +25,9 @@ if(OSTREVIN_SANITIZE)
   add_compile_options(-fsanitize=${OSTREVIN_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
   add_link_options(-fsanitize=${OSTREVIN_SANITIZE})
 endif()
+
+# A library whose symbols must all be found when it is linked. Not with sanitizers: their functions are in programs only.
+set(OSTREVIN_NO_UNDEFINED_SYMBOLS "")
+if(NOT APPLE AND NOT OSTREVIN_SANITIZE)
+  set(OSTREVIN_NO_UNDEFINED_SYMBOLS -Wl,-z,defs)
+endif()

@@ -4,6 +4,7 @@
 #include <cstring>
 #include <stdexcept>
 
+#include "devhost/arguments.h"
 #include "devhost/autorelease.h"
 #include "devhost/native_values.h"
 
@@ -19,23 +20,13 @@ union ResultBuffer {
 
 std::string where(const Declaration& declaration, const std::string& place) { return declaration.name + ", " + place; }
 
-std::string countsText(const Declaration& declaration) {
-  const std::size_t all = declaration.parameters.size();
-  const std::size_t values = declaration.valueParameterCount();
-  const std::string text = std::to_string(values) + (values == 1 ? " argument" : " arguments");
-  return values == all ? text : text + ", or " + std::to_string(all) + " with those that are by reference";
-}
-
 /// The arguments of one call, in the form in which libffi wants them: an address each.
 class Frame {
  public:
   Frame(Host& host, const Declaration& declaration, const Values& arguments) : host_(host), declaration_(declaration) {
+    checkArgumentCount(declaration, arguments.size());
     const std::size_t count = declaration.parameters.size();
     const bool all_given = arguments.size() == count;
-    if (!all_given && arguments.size() != declaration.valueParameterCount()) {
-      throw ValueError(declaration.name + " takes " + countsText(declaration) + ", got " +
-                       std::to_string(arguments.size()) + ": " + declaration.text);
-    }
     slots_.reserve(count);
     addresses_.reserve(count);
     values_.reserve(count);

@@ -53,8 +53,8 @@ class NativeMethod {
   Declaration declaration_;
   Handler handler_;
   NativeSignature signature_;
-  ffi_closure* closure_ = nullptr;
   void* address_ = nullptr;
+  ffi_closure* closure_;
 };
 
 }  // namespace devhost

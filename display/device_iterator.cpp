@@ -5,6 +5,7 @@
 #include <chrono>
 #include <future>
 #include <iterator>
+#include <memory>
 #include <utility>
 
 #include "display/answer_wait.h"
@@ -86,16 +87,15 @@ bool seek(CFUUIDRef uuid) {
 /// promise belongs to this function and to the block together: a walk that goes on after the limit fulfils a promise
 /// that is still there, and that nobody waits on.
 bool walkMatches(std::chrono::seconds limit) {
-  __block std::promise<bool> promise;
-  const std::future<bool> answer = promise.get_future();
+  const auto promise = std::make_shared<std::promise<bool>>();
+  const std::future<bool> answer = promise->get_future();
   // Kept for the life of the process: deliberately a queue per query, so that a walk that hangs holds up no later one.
   const dispatch_queue_t queue = dispatch_queue_create("SERIAL_QUEUE", nullptr);
   if (queue == nullptr) {
     return false;
   }
   dispatch_async(queue, ^{
-    // The address is taken in here, where the promise has its final place on the heap.
-    ColorSyncIterateDeviceProfiles(device_iterator::deviceListIterator, &promise);
+    ColorSyncIterateDeviceProfiles(device_iterator::deviceListIterator, promise.get());
   });
   return internal::answer_wait(answer, limit) == std::future_status::ready;
 }

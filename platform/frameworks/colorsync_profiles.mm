@@ -19,14 +19,8 @@ using platform::calls::Call;
 using platform::desktop::InstalledProfile;
 namespace calls = platform::calls;
 
-#define TEXT_CONSTANT(text) reinterpret_cast<CFStringRef>(@text)
-
 extern "C" {
 
-CFStringRef kColorSyncProfileClass = TEXT_CONSTANT("ColorSyncProfileClass");
-CFStringRef kColorSyncProfileDescription = TEXT_CONSTANT("ColorSyncProfileDescription");
-CFStringRef kColorSyncProfileURL = TEXT_CONSTANT("ColorSyncProfileURL");
-CFStringRef kColorSyncSigDisplayClass = TEXT_CONSTANT("mntr");
 
 }  // extern "C"
 

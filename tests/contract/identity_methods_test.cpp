@@ -1,0 +1,78 @@
+// Name and profile of a display, through the rows.
+#include "tests/contract/fixture.h"
+
+namespace {
+
+using contract::MethodTest;
+using contract::Script;
+using devhost::Value;
+using testing::IsEmpty;
+
+using IdentityMethods = MethodTest;
+
+TEST_F(IdentityMethods, GetNameIsTheProductNameTaggedAsUtf8) {
+  const auto answer = plugin.call("GetName", {2});
+  EXPECT_EQ(answer["name"].text(), "Größe 27″");
+  EXPECT_EQ(answer["name"].string()->encoding(), devhost::kUtf8Encoding);
+}
+
+TEST_F(IdentityMethods, GetNameOfAnUnknownDisplayIsUnknown) {
+  EXPECT_EQ(plugin.call("GetName", {0})["name"].text(), "UNKNOWN");
+  EXPECT_EQ(plugin.call("GetName", {77})["name"].text(), "UNKNOWN");
+}
+
+TEST_F(IdentityMethods, GetNameReleasesTheStringThatTheArgumentHeld) {
+  const auto before = host.makeString("before");
+  const auto* const held = before.get();
+  const auto references = held->references();
+  const auto first = plugin.call("GetName", {1, before});
+  EXPECT_EQ(held->references(), references);
+  EXPECT_EQ(first["name"].text(), "Notebook");
+  EXPECT_EQ(plugin.call("GetName", {1, first["name"]})["name"].text(), "Notebook");
+  EXPECT_THAT(host.unreleasedStrings(), IsEmpty());
+  EXPECT_THAT(host.faults(), IsEmpty());
+}
+
+TEST_F(IdentityMethods, GetNameTakesANullArgument) {
+  EXPECT_EQ(plugin.call("GetName", {1, nullptr})["name"].text(), "Notebook");
+  EXPECT_THAT(host.faults(), IsEmpty());
+}
+
+TEST_F(IdentityMethods, GetNameIsRememberedPerDisplay) {
+  EXPECT_EQ(plugin.call("GetName", {1})["name"].text(), "Notebook");
+  session.desktop->change([](Script& script) { script.arrangement.services.clear(); });
+  EXPECT_EQ(plugin.call("GetName", {1})["name"].text(), "Notebook");
+  EXPECT_EQ(plugin.call("GetName", {3})["name"].text(), "UNKNOWN");
+}
+
+TEST_F(IdentityMethods, GetProfilePathIsAPathAndNotAUrl) {
+  EXPECT_EQ(plugin.call("GetProfilePath", {1})["path"].text(), "/a.icc");
+  EXPECT_EQ(plugin.call("GetProfilePath", {3})["path"].text(), "/not installed.icc");
+  EXPECT_THAT(host.unreleasedStrings(), IsEmpty());
+}
+
+TEST_F(IdentityMethods, GetProfilePathOfAnUnknownDisplayStoresAnEmptyString) {
+  EXPECT_EQ(plugin.call("GetProfilePath", {77, "before"})["path"].text(), "");
+  EXPECT_THAT(host.unreleasedStrings(), IsEmpty());
+}
+
+TEST_F(IdentityMethods, SetProfileIsWhatGetProfilePathReportsAfterwards) {
+  EXPECT_TRUE(plugin.call("SetProfile", {1, "/ein Ordner/größer #1?.icc"}).result.boolean());
+  EXPECT_EQ(plugin.call("GetProfilePath", {1})["path"].text(), "/ein Ordner/größer #1?.icc");
+  EXPECT_EQ(plugin.call("GetProfilePath", {2})["path"].text(), "/c.icc");
+}
+
+TEST_F(IdentityMethods, SetProfileIsFalseWhenColorSyncRefuses) {
+  session.desktop->change([](Script& script) { script.accepts_profiles = false; });
+  EXPECT_FALSE(plugin.call("SetProfile", {1, "/x.icc"}).result.boolean());
+}
+
+TEST_F(IdentityMethods, SetProfileIsFalseForAnUnknownDisplayANullPathAndAPathThatIsNoText) {
+  EXPECT_FALSE(plugin.call("SetProfile", {77, "/x.icc"}).result.boolean());
+  EXPECT_FALSE(plugin.call("SetProfile", {0, "/x.icc"}).result.boolean());
+  EXPECT_FALSE(plugin.call("SetProfile", {1, nullptr}).result.boolean());
+  EXPECT_FALSE(plugin.call("SetProfile", {1, "/\xFF.icc"}).result.boolean());
+  EXPECT_EQ(plugin.call("GetProfilePath", {1})["path"].text(), "/a.icc");
+}
+
+}  // namespace

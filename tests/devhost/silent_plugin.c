@@ -1,0 +1,5 @@
+/* A plugin that announces its version and registers nothing. */
+typedef void* (*Resolver)(const char*);
+__attribute__((visibility("default"))) void REALPluginMain(Resolver resolve);
+
+void REALPluginMain(Resolver resolve) { ((void (*)(int))resolve("RegisterPluginVersion"))(13); }

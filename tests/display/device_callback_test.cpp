@@ -1,0 +1,189 @@
+// The callback of a ColorSync walk, called directly with entries of all kinds.
+#include <future>
+
+#include "display/scripted_displays.h"
+
+namespace {
+
+using namespace display_tests;
+using DisplayServices::device_iterator;
+
+constexpr const char* kPath = "/profiles/custom.icc";
+
+/// Owns one entry, complete and matching display 1 until a value is replaced or left out.
+class MadeEntry {
+ public:
+  MadeEntry()
+      : dictionary_(OwnedRef<CFMutableDictionaryRef>::adopt(CFDictionaryCreateMutable(
+            kCFAllocatorDefault, 0, &kCFTypeDictionaryKeyCallBacks, &kCFTypeDictionaryValueCallBacks))),
+        url_(makeUrl(kPath)),
+        description_(makeString("Callback display")) {
+    set(kColorSyncDeviceClass, kColorSyncDisplayDeviceClass);
+    set(kColorSyncDeviceID, makeUuid(1).get());
+    set(kColorSyncDeviceDescription, description_.get());
+    set(kColorSyncDeviceProfileIsDefault, kCFBooleanTrue);
+    set(kColorSyncDeviceProfileIsCurrent, kCFBooleanTrue);
+    set(kColorSyncDeviceProfileURL, url_.get());
+  }
+
+  MadeEntry& set(CFStringRef key, CFTypeRef value) {
+    CFDictionarySetValue(dictionary_.get(), key, value);
+    return *this;
+  }
+  CFDictionaryRef get() const { return dictionary_.get(); }
+  CFURLRef url() const { return url_.get(); }
+  CFStringRef description() const { return description_.get(); }
+
+ private:
+  OwnedRef<CFMutableDictionaryRef> dictionary_;
+  OwnedRef<CFURLRef> url_;
+  OwnedRef<CFStringRef> description_;
+};
+
+std::vector<CFStringRef> allKeys() {
+  return {kColorSyncDeviceClass,
+          kColorSyncDeviceID,
+          kColorSyncDeviceDescription,
+          kColorSyncDeviceProfileIsDefault,
+          kColorSyncDeviceProfileIsCurrent,
+          kColorSyncDeviceProfileURL};
+}
+
+class DeviceListIterator : public DisplayTest {
+ protected:
+  DeviceListIterator() {
+    device_iterator::inUUIDstr = CFUUIDCreateString(kCFAllocatorDefault, makeUuid(1).get());
+    device_iterator::profile_path = nullptr;
+    device_iterator::device_name = nullptr;
+  }
+
+  bool goesOn(CFDictionaryRef entry) { return device_iterator::deviceListIterator(entry, &promise_); }
+  bool fulfilled() { return answer_.wait_for(std::chrono::seconds(0)) == std::future_status::ready; }
+  void expectNoMatch(CFDictionaryRef entry) {
+    EXPECT_TRUE(goesOn(entry));
+    EXPECT_FALSE(fulfilled());
+    EXPECT_EQ(device_iterator::profile_path, nullptr);
+    EXPECT_EQ(device_iterator::device_name, nullptr);
+  }
+
+  std::promise<bool> promise_;
+  std::future<bool> answer_ = promise_.get_future();
+};
+
+TEST_F(DeviceListIterator, KeepsUrlAndNameOfAMatchFulfilsThePromiseAndEndsTheWalk) {
+  const MadeEntry made;
+  EXPECT_FALSE(goesOn(made.get()));
+  ASSERT_TRUE(fulfilled());
+  EXPECT_TRUE(answer_.get());
+  EXPECT_EQ(device_iterator::profile_path, made.url());
+  EXPECT_EQ(device_iterator::device_name, made.description());
+}
+
+TEST_F(DeviceListIterator, TakesOneReferenceOnTheUrlOfAMatch) {
+  const MadeEntry made;
+  const CFIndex before = CFGetRetainCount(made.url());
+  goesOn(made.get());
+  EXPECT_EQ(CFGetRetainCount(made.url()), before + 1);
+}
+
+TEST_F(DeviceListIterator, KeepsTheNameOfAMatchAlive) {
+  const MadeEntry made;
+  const CFIndex before = CFGetRetainCount(made.description());
+  goesOn(made.get());
+  EXPECT_EQ(CFGetRetainCount(made.description()), before + 1);
+}
+
+TEST_F(DeviceListIterator, TakesNoReferenceOnWhatDoesNotMatch) {
+  MadeEntry made;
+  made.set(kColorSyncDeviceProfileIsCurrent, kCFBooleanFalse);
+  const CFIndex url_before = CFGetRetainCount(made.url());
+  const CFIndex name_before = CFGetRetainCount(made.description());
+  expectNoMatch(made.get());
+  EXPECT_EQ(CFGetRetainCount(made.url()), url_before);
+  EXPECT_EQ(CFGetRetainCount(made.description()), name_before);
+}
+
+TEST_F(DeviceListIterator, NeedsAllFourConditions) {
+  expectNoMatch(MadeEntry().set(kColorSyncDeviceID, makeUuid(2).get()).get());
+  expectNoMatch(MadeEntry().set(kColorSyncDeviceClass, makeString("prtr").get()).get());
+  expectNoMatch(MadeEntry().set(kColorSyncDeviceProfileIsDefault, kCFBooleanFalse).get());
+  expectNoMatch(MadeEntry().set(kColorSyncDeviceProfileIsCurrent, kCFBooleanFalse).get());
+}
+
+TEST_F(DeviceListIterator, PassesOverAnEntryThatLacksAValue) {
+  for (const CFStringRef missing : allKeys()) {
+    const auto partial = OwnedRef<CFMutableDictionaryRef>::adopt(CFDictionaryCreateMutable(
+        kCFAllocatorDefault, 0, &kCFTypeDictionaryKeyCallBacks, &kCFTypeDictionaryValueCallBacks));
+    const MadeEntry whole;
+    for (const CFStringRef key : allKeys()) {
+      if (key != missing) {
+        CFDictionarySetValue(partial.get(), key, CFDictionaryGetValue(whole.get(), key));
+      }
+    }
+    SCOPED_TRACE(text(missing));
+    expectNoMatch(partial.get());
+  }
+}
+
+TEST_F(DeviceListIterator, PassesOverAnEntryWithAValueOfAnotherType) {
+  const UInt8 byte = 1;
+  const auto data = OwnedRef<CFDataRef>::adopt(CFDataCreate(kCFAllocatorDefault, &byte, 1));
+  for (const CFStringRef key : allKeys()) {
+    SCOPED_TRACE(text(key));
+    expectNoMatch(MadeEntry().set(key, data.get()).get());
+  }
+  const std::int32_t one = 1;
+  const auto number = OwnedRef<CFNumberRef>::adopt(CFNumberCreate(kCFAllocatorDefault, kCFNumberSInt32Type, &one));
+  expectNoMatch(MadeEntry().set(kColorSyncDeviceProfileIsDefault, number.get()).get());
+}
+
+TEST_F(DeviceListIterator, PassesOverANullEntry) { expectNoMatch(nullptr); }
+
+TEST_F(DeviceListIterator, MatchesNothingWhileNothingIsSought) {
+  device_iterator::inUUIDstr = nullptr;
+  expectNoMatch(MadeEntry().get());
+}
+
+TEST_F(DeviceListIterator, PassesOverADeviceWhoseUuidGivesNoText) {
+  const MadeEntry made;
+  fail(Call::CFUUIDCreateString);
+  expectNoMatch(made.get());
+}
+
+TEST_F(DeviceListIterator, MatchesAgainAfterItsPromiseIsFulfilled) {
+  const MadeEntry first;
+  const MadeEntry second;
+  EXPECT_FALSE(goesOn(first.get()));
+  EXPECT_FALSE(goesOn(second.get()));
+  EXPECT_EQ(device_iterator::profile_path, second.url());
+  EXPECT_TRUE(answer_.get());
+}
+
+TEST_F(DeviceListIterator, CanDoWithoutAPromise) {
+  const MadeEntry made;
+  EXPECT_FALSE(device_iterator::deviceListIterator(made.get(), nullptr));
+  EXPECT_EQ(device_iterator::profile_path, made.url());
+}
+
+TEST_F(DeviceListIterator, DropsAMatchWhenAnotherDisplayIsSoughtMeanwhile) {
+  const MadeEntry made;
+  const CFStringRef other = CFUUIDCreateString(kCFAllocatorDefault, makeUuid(2).get());
+  platform::calls::setHook(Call::CFEqual, [other](std::uint64_t nth) {
+    if (nth == 4) {
+      device_iterator::inUUIDstr = other;
+    }
+    return Answer{};
+  });
+  expectNoMatch(made.get());
+  EXPECT_EQ(device_iterator::inUUIDstr, other);
+}
+
+TEST_F(DeviceListIterator, DiscardsTheRecordsOfDevices) {
+  const MadeEntry made;
+  const auto before = count(Call::CFDictionaryCreate);
+  goesOn(made.get());
+  EXPECT_EQ(device_iterator::devices_info, nullptr);
+  EXPECT_EQ(count(Call::CFDictionaryCreate), before);
+}
+
+}  // namespace

@@ -1,0 +1,165 @@
+// The set of active displays, and whether it has changed.
+#include "display/scripted_displays.h"
+
+namespace {
+
+using namespace display_tests;
+using DisplayServices::BuildInitialMonitorsSet;
+using DisplayServices::DisplaysChanged;
+using DisplayServices::monitors_set;
+using testing::SizeIs;
+using testing::UnorderedElementsAre;
+
+class MonitorsSet : public DisplayTest {
+ protected:
+  MonitorsSet() { monitors_set::initialSet.clear(); }
+  ~MonitorsSet() override { monitors_set::initialSet.clear(); }
+
+  static monitors_set::UuidSet build() {
+    monitors_set::UuidSet set;
+    monitors_set::buildSet(&set);
+    return set;
+  }
+
+  /// The count that the nth CGGetActiveDisplayList reports.
+  static void reportCount(std::uint64_t nth, std::int64_t number) {
+    platform::calls::setHook(Call::CGGetActiveDisplayList, [=](std::uint64_t this_one) {
+      Answer answer;
+      if (this_one == nth) {
+        answer.number = number;
+      }
+      return answer;
+    });
+  }
+};
+
+TEST_F(MonitorsSet, HoldsTheUuidsOfTheActiveDisplays) {
+  EXPECT_THAT(build(), UnorderedElementsAre(makeUuid(1).get(), makeUuid(2).get(), makeUuid(3).get()));
+}
+
+TEST_F(MonitorsSet, BuildAddsToWhatIsThere) {
+  const auto other = makeUuid(9);
+  monitors_set::UuidSet set = {other.get()};
+  monitors_set::buildSet(&set);
+  EXPECT_THAT(set, SizeIs(4));
+  monitors_set::buildSet(&set);
+  EXPECT_THAT(set, SizeIs(4));
+}
+
+TEST_F(MonitorsSet, BuildLeavesOneReferencePerDisplayBehind) {
+  const auto uuid = makeUuid(1);
+  const CFIndex before = CFGetRetainCount(uuid.get());
+  monitors_set::UuidSet set;
+  monitors_set::buildSet(&set);
+  monitors_set::buildSet(&set);
+  EXPECT_EQ(CFGetRetainCount(uuid.get()), before + 2);
+}
+
+TEST_F(MonitorsSet, HasNoDisplayTwice) {
+  edit([](Script& script) { script.arrangement.displays[1].uuid = uuidOf(1); });
+  EXPECT_THAT(build(), SizeIs(2));
+}
+
+TEST_F(MonitorsSet, OfNoDisplaysIsEmptyAndTheListIsNotAskedFor) {
+  edit([](Script& script) { script.arrangement.displays.clear(); });
+  const auto before = count(Call::CGGetActiveDisplayList);
+  EXPECT_THAT(build(), SizeIs(0));
+  EXPECT_EQ(count(Call::CGGetActiveDisplayList), before + 1);
+}
+
+TEST_F(MonitorsSet, IsLeftAsItWasWhenTheDisplaysCannotBeListed) {
+  fail(Call::CGGetActiveDisplayList, 1);
+  EXPECT_THAT(build(), SizeIs(0));
+  fail(Call::CGGetActiveDisplayList, 2);
+  EXPECT_THAT(build(), SizeIs(0));
+}
+
+TEST_F(MonitorsSet, ReadsNoMoreDisplaysThanItMadeRoomFor) {
+  reportCount(2, 1000);
+  EXPECT_THAT(build(), SizeIs(3));
+}
+
+TEST_F(MonitorsSet, TakesNoMoreDisplaysThanAreListedInTheEnd) {
+  reportCount(2, 1);
+  EXPECT_THAT(build(), UnorderedElementsAre(makeUuid(1).get()));
+  reportCount(2, 0);
+  EXPECT_THAT(build(), SizeIs(0));
+}
+
+TEST_F(MonitorsSet, TakesOnlyAsManyDisplaysAsWereCountedAtFirst) {
+  reportCount(1, 2);
+  EXPECT_THAT(build(), UnorderedElementsAre(makeUuid(1).get(), makeUuid(2).get()));
+}
+
+TEST_F(MonitorsSet, CountsADisplayWithoutUuidAsNull) {
+  edit([](Script& script) { script.arrangement.displays[0].uuid.reset(); });
+  EXPECT_THAT(build(), UnorderedElementsAre(nullptr, makeUuid(2).get(), makeUuid(3).get()));
+}
+
+TEST_F(MonitorsSet, IntoNothingIsNothing) { monitors_set::buildSet(nullptr); }
+
+using DisplaysHaveChanged = MonitorsSet;
+
+TEST_F(DisplaysHaveChanged, NotRightAfterTheFirstLook) {
+  BuildInitialMonitorsSet();
+  EXPECT_FALSE(DisplaysChanged());
+  EXPECT_FALSE(DisplaysChanged());
+}
+
+TEST_F(DisplaysHaveChanged, OnceBeforeTheFirstLook) {
+  EXPECT_TRUE(DisplaysChanged());
+  EXPECT_FALSE(DisplaysChanged());
+}
+
+TEST_F(DisplaysHaveChanged, NotBeforeTheFirstLookWhenThereAreNone) {
+  edit([](Script& script) { script.arrangement.displays.clear(); });
+  EXPECT_FALSE(DisplaysChanged());
+}
+
+TEST_F(DisplaysHaveChanged, OnceAfterADisplayIsConnectedAndOnceAfterItIsDisconnected) {
+  BuildInitialMonitorsSet();
+  edit([](Script& script) { script.arrangement.displays.push_back(display(4)); });
+  EXPECT_TRUE(DisplaysChanged());
+  EXPECT_FALSE(DisplaysChanged());
+  edit([](Script& script) { script.arrangement.displays.pop_back(); });
+  EXPECT_TRUE(DisplaysChanged());
+  EXPECT_FALSE(DisplaysChanged());
+}
+
+TEST_F(DisplaysHaveChanged, WhenOneDisplayTakesThePlaceOfAnother) {
+  BuildInitialMonitorsSet();
+  edit([](Script& script) { script.arrangement.displays[2].uuid = uuidOf(4); });
+  EXPECT_TRUE(DisplaysChanged());
+  EXPECT_FALSE(DisplaysChanged());
+}
+
+TEST_F(DisplaysHaveChanged, NotWhenTheyHaveAnotherPlaceOrderOrResolution) {
+  BuildInitialMonitorsSet();
+  edit([](Script& script) {
+    auto& displays = script.arrangement.displays;
+    std::swap(displays[0], displays[2]);
+    displays[0].bounds = {-1440.5, 30, 1280, 720};
+    displays[1].number = 77;
+  });
+  EXPECT_FALSE(DisplaysChanged());
+}
+
+TEST_F(DisplaysHaveChanged, WhenTheyCannotBeListedAndAgainWhenTheyCan) {
+  BuildInitialMonitorsSet();
+  fail(Call::CGGetActiveDisplayList);
+  EXPECT_TRUE(DisplaysChanged());
+  EXPECT_FALSE(DisplaysChanged());
+  platform::calls::removeAllHooks();
+  EXPECT_TRUE(DisplaysChanged());
+}
+
+TEST_F(DisplaysHaveChanged, NotForgettingADisplayThatIsGoneAtASecondFirstLook) {
+  BuildInitialMonitorsSet();
+  edit([](Script& script) { script.arrangement.displays.pop_back(); });
+  BuildInitialMonitorsSet();
+  EXPECT_THAT(monitors_set::initialSet, SizeIs(3)) << "a second look adds, it does not start afresh";
+  EXPECT_TRUE(DisplaysChanged());
+  EXPECT_THAT(monitors_set::initialSet, SizeIs(2));
+}
+
+}  // namespace

@@ -1,0 +1,287 @@
+// Every member of the host-call family, as members.txt lists it: what it asks the host for and when, what it passes,
+// and what it makes of the answer.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <bit>
+#include <cstdint>
+#include <functional>
+#include <map>
+#include <string>
+#include <type_traits>
+#include <utility>
+#include <vector>
+
+#include "host/host_calls.h"
+#include "recording_host.h"
+#include "sample_arguments.h"
+
+namespace {
+
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+
+bool gOwnByte = false;
+
+template <typename T>
+auto argument(int position) {
+  if constexpr (std::is_same_v<T, type::ownbyte>) {
+    return &gOwnByte;
+  } else {
+    return sample<T>(position);
+  }
+}
+
+// --- Members that are one call
+
+enum class Result { none, word, low32, float64, anybit, lowbyte, byte };
+
+/// What a member answered.
+struct Answer {
+  std::uint64_t bits = 0;  ///< The value, or the representation of a floating-point number.
+  std::size_t size = 0;    ///< Of the member's result type; 0 for none.
+  bool isBool = false;
+  bool isFloating = false;
+};
+
+template <typename Value>
+Answer answerOf(Value value) {
+  Answer answer{.size = sizeof(Value), .isBool = std::is_same_v<Value, bool>};
+  if constexpr (std::is_pointer_v<Value>) {
+    answer.bits = reinterpret_cast<std::uintptr_t>(value);
+  } else if constexpr (std::is_floating_point_v<Value>) {
+    answer.bits = std::bit_cast<std::uint64_t>(value);
+    answer.isFloating = true;
+  } else {
+    answer.bits = static_cast<std::uint64_t>(value);
+  }
+  return answer;
+}
+
+struct Member {
+  std::string group;
+  std::string name;
+  std::string entry;
+  Result result;
+  std::uint64_t missing;
+  void** slot;
+  std::vector<Expected> arguments;
+  std::function<Answer()> call;
+};
+
+template <typename... Types, typename Call>
+std::function<Answer()> caller(Call call) {
+  return [call] {
+    return [&]<int... kPositions>(std::integer_sequence<int, kPositions...>) {
+      if constexpr (std::is_void_v<decltype(call(argument<Types>(kPositions)...))>) {
+        call(argument<Types>(kPositions)...);
+        return Answer{};
+      } else {
+        return answerOf(call(argument<Types>(kPositions)...));
+      }
+    }
+    (std::make_integer_sequence<int, sizeof...(Types)>());
+  };
+}
+
+template <typename... Types>
+std::vector<Expected> expectedArguments() {
+  std::vector<Expected> result;
+  const auto add = [&](auto value, bool hidden) {
+    result.push_back(expectedOf(value));
+    result.back().hidden = hidden;
+  };
+  int position = 0;
+  (add(argument<Types>(position++), std::is_same_v<Types, type::ownbyte>), ...);
+  return result;
+}
+
+template <typename... Types, typename Call>
+Member member(const char* group, const char* name, const char* entry, Result result, std::uint64_t missing, void** slot,
+              Call call) {
+  return {group, name, entry, result, missing, slot, expectedArguments<Types...>(), caller<Types...>(call)};
+}
+
+// --- The list
+
+template <typename... Types>
+struct Add {
+  template <typename... Arguments>
+  static void to(std::vector<Member>& members, Arguments... arguments) {
+    members.push_back(member<Types...>(arguments...));
+  }
+};
+
+std::vector<Member> makeMembers() {
+  std::vector<Member> members;
+#define MEMBER(group, member, entry, result, missing, ...)                                      \
+  Add<__VA_ARGS__>::to(members, #group, #member, entry, Result::result, std::uint64_t{missing}, \
+                       &host::slots::member::address, [](auto... arguments) { return member(arguments...); });
+#define ELEMENT(group, member, entry, operation, element)
+#define SPECIAL(group, member)
+#include "members.inc"
+#undef SPECIAL
+#undef ELEMENT
+#undef MEMBER
+  return members;
+}
+
+const std::vector<Member>& allMembers() {
+  static const std::vector<Member> members = makeMembers();
+  return members;
+}
+
+// --- The tests, a group at a time
+
+class MembersOf : public ::testing::TestWithParam<const char*> {
+ protected:
+  /// Calls `test` with each member of the group, in its state before its first call, and a host that offers nothing.
+  template <typename Test>
+  static void forEach(Test test) {
+    for (const Member& member : allMembers()) {
+      if (member.group == GetParam()) {
+        SCOPED_TRACE(member.name);
+        RecordingHost host;
+        *member.slot = nullptr;
+        test(member, host);
+      }
+    }
+  }
+};
+
+/// `bits` is the integer, or the representation of the floating-point number.
+void expectAnswer(const Member& member, const Answer& answer, std::uint64_t bits) {
+  const bool isTruth = member.result == Result::anybit || member.result == Result::lowbyte;
+  const std::map<Result, std::size_t> sizes = {{Result::none, 0},    {Result::word, 8},   {Result::low32, 4},
+                                               {Result::float64, 8}, {Result::anybit, 1}, {Result::lowbyte, 1},
+                                               {Result::byte, 1}};
+  EXPECT_EQ(answer.size, sizes.at(member.result));
+  EXPECT_EQ(answer.isBool, isTruth);
+  EXPECT_EQ(answer.isFloating, member.result == Result::float64);
+  EXPECT_EQ(answer.bits, bits);
+}
+
+std::uint64_t narrowed(Result result, std::uint64_t raw) {
+  switch (result) {
+    case Result::none:
+      return 0;
+    case Result::word:
+    case Result::float64:
+      return raw;
+    case Result::low32:
+      return raw & 0xFFFFFFFF;
+    case Result::anybit:
+      return raw != 0 ? 1 : 0;
+    case Result::lowbyte:
+      return (raw & 0xFF) != 0 ? 1 : 0;
+    case Result::byte:
+      return raw & 0xFF;
+  }
+  return 0;
+}
+
+double answerAsDouble() { return std::bit_cast<double>(gAnswer); }
+
+TEST_P(MembersOf, TheGroupAskAgainOnEveryCallAndFallBackWhileTheHostLacksTheEntry) {
+  forEach([](const Member& member, RecordingHost& host) {
+    for (int call = 0; call < 3; ++call) {
+      expectAnswer(member, member.call(), member.missing);
+    }
+    EXPECT_THAT(host.asked(), ElementsAre(member.entry, member.entry, member.entry));
+    EXPECT_EQ(*member.slot, nullptr);
+  });
+}
+
+TEST_P(MembersOf, TheGroupAskOnceWhenTheHostHasTheEntry) {
+  forEach([](const Member& member, RecordingHost& host) {
+    host.offer(member.entry, &recordCall);
+    for (int call = 1; call <= 3; ++call) {
+      member.call();
+      EXPECT_EQ(gRecorded.count, call);
+    }
+    EXPECT_THAT(host.asked(), ElementsAre(member.entry));
+    host.withdraw(member.entry);
+    member.call();
+    EXPECT_EQ(gRecorded.count, 4) << "an entry that was found stays found";
+  });
+}
+
+TEST_P(MembersOf, TheGroupFindAnEntryThatTheHostHadNotAtFirst) {
+  forEach([](const Member& member, RecordingHost& host) {
+    member.call();
+    host.offer(member.entry, &recordCall);
+    member.call();
+    member.call();
+    EXPECT_EQ(gRecorded.count, 2);
+    EXPECT_THAT(host.asked(), ElementsAre(member.entry, member.entry));
+  });
+}
+
+void expectRegister(std::uint64_t found, const Expected& expected) {
+  if (expected.hidden) {
+    EXPECT_NE(found, expected.bits);
+    EXPECT_NE(found, 0U);
+  } else {
+    EXPECT_EQ(found & expected.mask, expected.bits);
+  }
+}
+
+TEST_P(MembersOf, TheGroupPassTheirArgumentsInOrderAndAtTheirWidth) {
+  forEach([](const Member& member, RecordingHost& host) {
+    host.offer(member.entry, &recordCall);
+    for (int call = 0; call < 2; ++call) {  // the call that finds the entry, and one after it
+      gRecorded = {};
+      member.call();
+      std::size_t integers = 0;
+      std::size_t floats = 0;
+      for (const Expected& expected : member.arguments) {
+        SCOPED_TRACE("argument " + std::to_string(integers + floats));
+        expectRegister(expected.floating ? std::bit_cast<std::uint64_t>(gRecorded.floats[floats++])
+                                         : gRecorded.integers[integers++],
+                       expected);
+      }
+    }
+  });
+}
+
+TEST_P(MembersOf, TheGroupNarrowTheAnswerByTheirRule) {
+  forEach([](const Member& member, RecordingHost& host) {
+    if (member.result == Result::float64) {
+      host.offer(member.entry, &answerAsDouble);
+    } else {
+      host.offer(member.entry, &recordCall);
+    }
+    for (const std::uint64_t raw : {0ULL, 0x100ULL, 0x1'0000'0000ULL, 0x02ULL, ~0ULL}) {
+      SCOPED_TRACE("the host answers " + std::to_string(raw));
+      gAnswer = raw;
+      expectAnswer(member, member.call(), narrowed(member.result, raw));
+    }
+  });
+}
+
+INSTANTIATE_TEST_SUITE_P(Host, MembersOf,
+                         ::testing::Values("Strings", "Text", "Objects", "PropertyGetters", "PropertySetters",
+                                           "Variants", "Arrays", "Pictures", "Graphics", "Controls", "Databases",
+                                           "Sockets", "AppleEvents", "Files", "Registration", "Runtime"),
+                         [](const auto& info) { return std::string(info.param); });
+
+TEST(Members, AskForTheirEntryEvenWhenAnotherMemberHasFoundIt) {
+  RecordingHost host;
+  for (const Member& member : allMembers()) {
+    host.offer(member.entry, &recordCall);
+    *member.slot = nullptr;
+  }
+  for (const Member& member : allMembers()) {
+    SCOPED_TRACE(member.name);
+    host.forgetAsked();
+    member.call();
+    EXPECT_THAT(host.asked(), ElementsAre(member.entry));
+  }
+  host.forgetAsked();
+  for (const Member& member : allMembers()) {
+    member.call();
+  }
+  EXPECT_THAT(host.asked(), IsEmpty());
+}
+
+}  // namespace

@@ -1,0 +1,220 @@
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <cstdlib>
+#include <optional>
+#include <thread>
+
+#include "desktop/desktop.h"
+#include "desktop/live.h"
+#include "desktop/x11_displays.h"
+#include "desktop/x11_round_trips.h"
+#include "live/agreement.h"
+#include "support/x_proxy.h"
+#include "support/xorg_server.h"
+
+namespace {
+
+using live_tests::expectAgreement;
+using live_tests::liveDesktopOf;
+using live_tests::waitForDisplays;
+using platform::desktop::X11Displays;
+using platform::desktop::X11Options;
+using std::chrono::milliseconds;
+using test_support::XorgServer;
+using test_support::XProxy;
+
+using Clock = std::chrono::steady_clock;
+
+/// How long a function takes.
+template <typename Function>
+Clock::duration timeOf(Function function) {
+  const auto begin = Clock::now();
+  function();
+  return Clock::now() - begin;
+}
+
+TEST(LostServer, LeavesNoDisplays) {
+  XorgServer server;
+  const auto desktop = liveDesktopOf(server);
+  ASSERT_EQ(desktop->arrangement()->displays.size(), 1u);
+  server.kill();
+  for (int i = 0; i < 100; ++i) {
+    const auto arrangement = desktop->arrangement();
+    EXPECT_TRUE(arrangement->displays.empty());
+    EXPECT_TRUE(arrangement->screens.empty());
+    EXPECT_TRUE(arrangement->services.empty());
+    EXPECT_EQ(arrangement->main_screen, std::nullopt);
+  }
+}
+
+TEST(LostServer, IsReplacedByALaterOneAtTheSameDisplay) {
+  const std::string display = XorgServer::reservedDisplay();
+  std::optional<XorgServer> server(std::in_place, display);
+  server->setMode("DUMMY0", 800, 600, 0, 0);
+  const auto desktop = liveDesktopOf(*server);
+  expectAgreement(*server, *desktop->arrangement());
+  server->kill();
+  EXPECT_TRUE(desktop->arrangement()->displays.empty());
+  server.reset();
+  server.emplace(display);
+  server->place({{"DUMMY0", {1024, 768, 0, 0}}, {"DUMMY1", {640, 480, 1024, 0}}});
+  waitForDisplays(*desktop);
+  expectAgreement(*server, *desktop->arrangement());
+}
+
+TEST(MissingServer, HasNoDisplays) {
+  for (const char* const display :
+       {"", ":", ":59999", "nonsense", ":0:0", "/no/such/socket", ":18446744073709551616"}) {
+    SCOPED_TRACE(display);
+    setenv("DISPLAY", display, 1);
+    const auto desktop = platform::desktop::makeLiveDesktop();
+    EXPECT_TRUE(desktop->arrangement()->displays.empty());
+    EXPECT_TRUE(desktop->arrangement()->displays.empty());
+  }
+}
+
+TEST(MissingServer, IsFoundOnceThereIsADisplayVariable) {
+  unsetenv("DISPLAY");
+  const auto desktop = platform::desktop::makeLiveDesktop();
+  EXPECT_TRUE(desktop->arrangement()->displays.empty());
+  XorgServer server;
+  setenv("DISPLAY", server.display().c_str(), 1);
+  waitForDisplays(*desktop);
+  expectAgreement(server, *desktop->arrangement());
+}
+
+TEST(MissingServer, IsLookedForOnlyNowAndThen) {
+  XorgServer server;
+  XProxy proxy(server.socket());
+  proxy.limit(0, XProxy::AtLimit::kClose);
+  constexpr milliseconds kPause(60000);
+  X11Displays displays({.display = proxy.display(), .pause_after_failure = kPause});
+  for (int i = 0; i < 1000; ++i) {
+    ASSERT_TRUE(displays.arrangement()->displays.empty());
+  }
+  EXPECT_EQ(proxy.connections(), 1u);
+}
+
+TEST(HungServer, ThatIsConnectedAnswersWhatIsKnown) {
+  XorgServer server;
+  const auto desktop = liveDesktopOf(server);
+  const auto before = desktop->arrangement();
+  server.pause();
+  EXPECT_EQ(desktop->arrangement(), before);
+  server.resume();
+}
+
+TEST(HungServer, HasNoDisplaysAfterTheTimeLimitUntilItGoesOn) {
+  XorgServer server;
+  server.pause();
+  const auto desktop = liveDesktopOf(server);
+  const auto first = timeOf([&] { EXPECT_TRUE(desktop->arrangement()->displays.empty()); });
+  EXPECT_GE(first, milliseconds(2000));
+  EXPECT_LT(first, milliseconds(10000));
+  const auto later = timeOf([&] { EXPECT_TRUE(desktop->arrangement()->displays.empty()); });
+  EXPECT_LT(later, milliseconds(1000));
+  server.resume();
+  waitForDisplays(*desktop);
+  expectAgreement(server, *desktop->arrangement());
+}
+
+/// An X server that goes wrong in the middle of what it sends.
+class BrokenServer : public testing::Test {
+ protected:
+  BrokenServer() { server.place({{"DUMMY0", {1024, 768, 0, 0}}, {"DUMMY1", {800, 600, 1024, 0}}}); }
+
+  X11Options options(milliseconds time_limit) const {
+    return {.display = proxy.display(), .time_limit = time_limit, .pause_after_failure = milliseconds(0)};
+  }
+
+  /// How many bytes the server sends until the first arrangement is there.
+  std::uint64_t bytesOfAReading() {
+    X11Displays displays(options(milliseconds(20000)));
+    EXPECT_EQ(displays.arrangement()->displays.size(), 2u);
+    return proxy.mostBytesFromServer();
+  }
+
+  XorgServer server;
+  XProxy proxy{server.socket()};
+};
+
+TEST_F(BrokenServer, ThatCutsTheConnectionAnywhereHasNoDisplays) {
+  const std::uint64_t whole = bytesOfAReading();
+  constexpr std::uint64_t kStep = 29;
+  for (std::uint64_t bytes = 0; bytes < whole; bytes += kStep) {
+    SCOPED_TRACE(bytes);
+    proxy.limit(bytes, XProxy::AtLimit::kClose);
+    X11Displays displays(options(milliseconds(20000)));
+    ASSERT_TRUE(displays.arrangement()->displays.empty());
+  }
+  proxy.resume();
+  X11Displays displays(options(milliseconds(20000)));
+  EXPECT_EQ(displays.arrangement()->displays.size(), 2u);
+}
+
+TEST_F(BrokenServer, ThatHangsAnywhereHasNoDisplaysUntilItGoesOn) {
+  const std::uint64_t whole = bytesOfAReading();
+  constexpr std::uint64_t kSteps = 40;
+  for (std::uint64_t step = 0; step < kSteps; ++step) {
+    const std::uint64_t bytes = whole * step / kSteps;
+    SCOPED_TRACE(bytes);
+    proxy.limit(bytes, XProxy::AtLimit::kStall);
+    X11Displays displays(options(milliseconds(20)));
+    ASSERT_TRUE(displays.arrangement()->displays.empty());
+    ASSERT_TRUE(displays.arrangement()->displays.empty());
+    proxy.resume();
+    const auto deadline = Clock::now() + std::chrono::seconds(20);
+    while (displays.arrangement()->displays.empty() && Clock::now() < deadline) {
+      std::this_thread::yield();
+    }
+    ASSERT_EQ(displays.arrangement()->displays.size(), 2u);
+  }
+}
+
+TEST_F(BrokenServer, ThatHangsWhileAChangeIsReadHasNoDisplaysUntilItGoesOn) {
+  X11Displays displays(options(milliseconds(50)));
+  ASSERT_EQ(displays.arrangement()->displays.size(), 2u);
+  const std::uint64_t known = proxy.mostBytesFromServer();
+  constexpr std::uint64_t kEventSize = 32;
+  proxy.limit(known + kEventSize, XProxy::AtLimit::kStall);
+  server.off("DUMMY1");
+  const auto deadline = Clock::now() + std::chrono::seconds(20);
+  while (!displays.arrangement()->displays.empty() && Clock::now() < deadline) {
+    std::this_thread::yield();
+  }
+  ASSERT_TRUE(displays.arrangement()->displays.empty());
+  proxy.resume();
+  while (displays.arrangement()->displays.size() != 1 && Clock::now() < deadline) {
+    std::this_thread::yield();
+  }
+  expectAgreement(server, *displays.arrangement());
+}
+
+TEST_F(BrokenServer, ThatHangsDoesNotKeepADesktopFromGoing) {
+  proxy.limit(100, XProxy::AtLimit::kStall);
+  {
+    X11Displays displays(options(milliseconds(10)));
+    EXPECT_TRUE(displays.arrangement()->displays.empty());
+  }
+  const auto before = platform::desktop::x11RoundTrips();
+  proxy.resume();
+  const auto deadline = Clock::now() + std::chrono::seconds(20);
+  while (platform::desktop::x11RoundTrips() == before && Clock::now() < deadline) {
+    std::this_thread::yield();
+  }
+  EXPECT_GT(platform::desktop::x11RoundTrips(), before) << "the reading goes on by itself";
+}
+
+TEST_F(BrokenServer, GetsNotAByteWhileNothingChanges) {
+  X11Displays displays(options(milliseconds(20000)));
+  const auto first = displays.arrangement();
+  ASSERT_EQ(first->displays.size(), 2u);
+  const std::uint64_t before = proxy.bytesFromClients();
+  for (int i = 0; i < 1000; ++i) {
+    ASSERT_EQ(displays.arrangement(), first);
+  }
+  EXPECT_EQ(proxy.bytesFromClients(), before);
+}
+
+}  // namespace
