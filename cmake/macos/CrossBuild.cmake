@@ -168,3 +168,11 @@ add_custom_target(check-macho
     -P ${CMAKE_CURRENT_LIST_DIR}/CheckMacho.cmake
   DEPENDS universal check-module
   VERBATIM)
+
+# --- what is installed, and packaged
+
+set(CMAKE_INSTALL_LIBDIR lib)
+install(PROGRAMS ${CMAKE_BINARY_DIR}/lib/Ostrevin.dylib DESTINATION ${CMAKE_INSTALL_LIBDIR})
+install(PROGRAMS ${CMAKE_BINARY_DIR}/bin/ostrevin-host DESTINATION ${CMAKE_INSTALL_BINDIR})
+ostrevin_install_common(Ostrevin.dylib)
+include(Packaging)
