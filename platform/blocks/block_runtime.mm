@@ -5,7 +5,7 @@
 // program of ours has these functions inside it, hidden. Blocks carry all that is needed to copy and free them, so that
 // it does not matter whose functions do it.
 //
-// The layouts are those of the published "Block Implementation Specification" of the compiler. Any thread.
+// The layouts are those of the compiler's published block ABI. Any thread.
 #include <Block.h>
 
 #import <Foundation/Foundation.h>
