@@ -164,11 +164,6 @@ TEST(Pools, ReleaseWhatWasAutoreleasedSinceThePush) {
   EXPECT_EQ(deaths, 2);
 }
 
-TEST(MakeCollectable, GivesBackWhatItIsGiven) {
-  EXPECT_EQ(CFMakeCollectable(nullptr), nullptr);
-  EXPECT_EQ(CFMakeCollectable(kCFBooleanTrue), kCFBooleanTrue);
-}
-
 TEST(NullDeath, StopsTheProcess) {
   EXPECT_DEATH(CFRetain(nullptr), "CFRetain: null is no object");
   EXPECT_DEATH(CFRelease(nullptr), "CFRelease: null is no object");
