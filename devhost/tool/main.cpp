@@ -1,6 +1,7 @@
 // ostrevin-host: loads the plugin as a host does, and shows what its methods answer.
 #include <CLI/CLI.hpp>
 
+#include <algorithm>
 #include <functional>
 #include <iostream>
 
@@ -39,6 +40,31 @@ constexpr const char* kFooter =
     "  2  wrong usage: an unknown option, method or argument, a wrong number of arguments, an unusable desktop file\n"
     "  3  --check found strings or other values that the plugin did not release, or releases that were wrong";
 
+/// The parser splits a text in brackets at its commas where many texts are expected. Texts behind "call" are kept whole
+/// by a byte in front, which cannot come from a command line that means something.
+constexpr char kKeptWhole = '\x01';
+
+std::vector<std::string> keepWhole(int count, char** texts) {
+  std::vector<std::string> kept(texts + 1, texts + count);
+  bool in_call = false;
+  for (std::string& text : kept) {
+    if (in_call && !text.empty() && text.front() == '[') {
+      text.insert(text.begin(), kKeptWhole);
+    }
+    in_call = in_call || text == "call";
+  }
+  return kept;
+}
+
+std::vector<std::string> unmarked(std::vector<std::string> texts) {
+  for (std::string& text : texts) {
+    if (!text.empty() && text.front() == kKeptWhole) {
+      text.erase(text.begin());
+    }
+  }
+  return texts;
+}
+
 /// What the command line asks for.
 struct Request {
   Options options;
@@ -64,8 +90,9 @@ void addCommands(CLI::App& app, Request& request) {
   call->add_option("METHOD", request.method, "Name of the method")->required();
   call->add_option("ARG", request.arguments,
                    "Arguments as the method declares them; by-reference ones may be left out");
-  call->callback(
-      [&] { request.run = [&](Session& session) { return callMethod(session, request.method, request.arguments); }; });
+  call->callback([&] {
+    request.run = [&](Session& session) { return callMethod(session, request.method, unmarked(request.arguments)); };
+  });
 
   CLI::App* const profiles =
       app.add_subcommand("profiles", "All installed profiles, or those of a display: name and path");
@@ -103,11 +130,13 @@ void addOptions(CLI::App& app, Options& options) {
 
 int run(const Request& request) {
   const std::string note = chooseDesktop(request.options.desktop, request.needs_displays, findExampleDesktop());
+  Session session(request.options);
+  const int answered = request.run(session);
+  // Said only now: a wrong usage is answered by the one line that is about it.
   if (!note.empty()) {
     Session::say(note);
   }
-  Session session(request.options);
-  const int status = session.finish(request.run(session));
+  const int status = session.finish(answered);
   std::cout.flush();
   if (!std::cout) {
     Session::say("the output could not be written");
@@ -141,7 +170,9 @@ int main(int count, char** texts) {
   addOptions(app, request.options);
   addCommands(app, request);
   try {
-    app.parse(count, texts);
+    std::vector<std::string> arguments = keepWhole(count, texts);
+    std::reverse(arguments.begin(), arguments.end());  // the order that the parser asks for
+    app.parse(std::move(arguments));
   } catch (const CLI::Success& help) {
     return app.exit(help);
   } catch (const CLI::ParseError& error) {

@@ -19,11 +19,6 @@ using platform::calls::Call;
 using platform::desktop::InstalledProfile;
 namespace calls = platform::calls;
 
-extern "C" {
-
-
-}  // extern "C"
-
 namespace {
 
 NSString* const kDisplayClass = @"mntr";

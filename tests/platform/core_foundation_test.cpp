@@ -8,6 +8,7 @@
 #include <cstdint>
 #include <cstdio>
 #include <cstring>
+#include <initializer_list>
 #include <limits>
 #include <optional>
 #include <set>
@@ -50,7 +51,7 @@ String makeString(const std::string& utf8) {
 
 std::optional<std::string> textOf(CFStringRef string) {
   std::vector<char> buffer(1 + static_cast<std::size_t>(CFStringGetMaximumSizeForEncoding(CFStringGetLength(string),
-                                                                                           kCFStringEncodingUTF8)));
+                                                                                          kCFStringEncodingUTF8)));
   if (!CFStringGetCString(string, buffer.data(), static_cast<CFIndex>(buffer.size()), kCFStringEncodingUTF8)) {
     return std::nullopt;
   }
@@ -163,11 +164,6 @@ TEST(Pools, ReleaseWhatWasAutoreleasedSinceThePush) {
   EXPECT_EQ(deaths, 2);
 }
 
-TEST(MakeCollectable, GivesBackWhatItIsGiven) {
-  EXPECT_EQ(CFMakeCollectable(nullptr), nullptr);
-  EXPECT_EQ(CFMakeCollectable(kCFBooleanTrue), kCFBooleanTrue);
-}
-
 TEST(NullDeath, StopsTheProcess) {
   EXPECT_DEATH(CFRetain(nullptr), "CFRetain: null is no object");
   EXPECT_DEATH(CFRelease(nullptr), "CFRelease: null is no object");
@@ -198,9 +194,8 @@ TEST(NullDeath, StopsTheProcessInFunctionsOfOneType) {
 }
 
 TEST(TypeIds, AreDistinct) {
-  const std::set<CFTypeID> ids = {CFBooleanGetTypeID(), CFDataGetTypeID(),   CFDictionaryGetTypeID(),
-                                  CFNumberGetTypeID(),  CFStringGetTypeID(), CFURLGetTypeID(),
-                                  CFUUIDGetTypeID()};
+  const std::set<CFTypeID> ids = {CFBooleanGetTypeID(), CFDataGetTypeID(), CFDictionaryGetTypeID(), CFNumberGetTypeID(),
+                                  CFStringGetTypeID(),  CFURLGetTypeID(),  CFUUIDGetTypeID()};
   EXPECT_EQ(ids.size(), 7U);
 }
 
@@ -281,8 +276,7 @@ TEST(StringCreate, TakesUtf8WithNulsInIt) {
 }
 
 TEST(StringCreate, OfNothingIsTheEmptyString) {
-  const String string =
-      String::adopt(CFStringCreateWithBytes(nullptr, nullptr, 0, kCFStringEncodingUTF8, false));
+  const String string = String::adopt(CFStringCreateWithBytes(nullptr, nullptr, 0, kCFStringEncodingUTF8, false));
   ASSERT_TRUE(string);
   EXPECT_EQ(CFStringGetLength(string.get()), 0);
   EXPECT_EQ(textOf(string.get()), "");
@@ -463,7 +457,8 @@ TEST(Numbers, BeyondTheReadersWidthAreCutAndSaySo) {
   EXPECT_THAT(read32(makeNumber(INT64_C(0x1234567890)).get()), testing::Pair(false, 0x34567890));
   EXPECT_THAT(read32(makeNumber(INT64_C(0x80000000)).get()), testing::Pair(false, INT32_MIN));
   EXPECT_THAT(read32(makeNumber(INT64_C(-0x80000001)).get()), testing::Pair(false, INT32_MAX));
-  EXPECT_THAT(read64(Number::adopt(probe::createNumber(static_cast<unsigned long long>(UINT64_MAX))).get()), testing::Pair(false, -1));
+  EXPECT_THAT(read64(Number::adopt(probe::createNumber(static_cast<unsigned long long>(UINT64_MAX))).get()),
+              testing::Pair(false, -1));
 }
 
 TEST(Numbers, WithFractionsAreCutAndSaySo) {
@@ -518,11 +513,12 @@ TEST(Uuids, AreReadInEitherCaseAndWrittenInUpperCase) {
 }
 
 TEST(Uuids, OfTextThatIsNotCanonicalAreNull) {
-  for (const char* const text :
-       {"", "E621E1F8", "E621E1F8C36C495A93FC0C247A3E6E5F", "E621E1F8-C36C-495A-93FC-0C247A3E6E5",
-        "E621E1F8-C36C-495A-93FC-0C247A3E6E5F0", "{E621E1F8-C36C-495A-93FC-0C247A3E6E5F}",
-        "G621E1F8-C36C-495A-93FC-0C247A3E6E5F", "E621E1F80C36C-495A-93FC-0C247A3E6E5F",
-        "E621E1F8-C36C-495A-93FC-0C247A3E6E5:", "\xC3\xA9" "21E1F8-C36C-495A-93FC-0C247A3E6E5F0"}) {
+  for (const char* const text : {"", "E621E1F8", "E621E1F8C36C495A93FC0C247A3E6E5F",
+                                 "E621E1F8-C36C-495A-93FC-0C247A3E6E5", "E621E1F8-C36C-495A-93FC-0C247A3E6E5F0",
+                                 "{E621E1F8-C36C-495A-93FC-0C247A3E6E5F}", "G621E1F8-C36C-495A-93FC-0C247A3E6E5F",
+                                 "E621E1F80C36C-495A-93FC-0C247A3E6E5F", "E621E1F8-C36C-495A-93FC-0C247A3E6E5:",
+                                 "\xC3\xA9"
+                                 "21E1F8-C36C-495A-93FC-0C247A3E6E5F0"}) {
     EXPECT_FALSE(makeUuid(text)) << text;
   }
 }

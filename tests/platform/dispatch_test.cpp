@@ -2,12 +2,12 @@
 #include <dispatch/dispatch.h>
 #include <gmock/gmock.h>
 
-#include <array>
+#include <algorithm>
 #include <atomic>
 #include <chrono>
 #include <cstdlib>
 #include <future>
-#include <mutex>
+#include <memory>
 #include <string>
 #include <thread>
 #include <vector>
@@ -178,12 +178,16 @@ TEST(Async, ThatIsMadeToFailNeverRunsTheBlock) {
 }
 
 TEST(AsyncDeath, OnNullStopsTheProcess) {
-  EXPECT_DEATH(dispatch_async(nullptr, ^{}), "dispatch_async: null is no object");
+  GTEST_FLAG_SET(death_test_style, "threadsafe");
+  EXPECT_DEATH(dispatch_async(nullptr,
+                              ^{
+                              }),
+               "dispatch_async: null is no object");
   EXPECT_DEATH(dispatch_async(dispatch_queue_create("Q", nullptr), nullptr), "dispatch_async: null is no object");
 }
 
-/// Exits with status 0 while the workers of several queues are at work: some are waiting for ever, the others run one block
-/// after another.
+/// Exits with status 0 while the workers of several queues are at work: some are waiting for ever, the others run one
+/// block after another.
 [[noreturn]] void exitWithBusyWorkers() {
   static std::atomic<int> started = 0;
   constexpr int kQueues = 4;
@@ -199,8 +203,10 @@ TEST(AsyncDeath, OnNullStopsTheProcess) {
     dispatch_async(busy, ^{
       ++started;
       for (;;) {
-        CFRelease(CFStringCreateWithBytes(nullptr, reinterpret_cast<const UInt8*>("text"), 4, kCFStringEncodingUTF8, false));
-        dispatch_async(dispatch_queue_create("SHORT", nullptr), ^{});
+        CFRelease(
+            CFStringCreateWithBytes(nullptr, reinterpret_cast<const UInt8*>("text"), 4, kCFStringEncodingUTF8, false));
+        dispatch_async(dispatch_queue_create("SHORT", nullptr), ^{
+                       });
         std::this_thread::yield();
       }
     });
@@ -211,6 +217,11 @@ TEST(AsyncDeath, OnNullStopsTheProcess) {
   std::exit(0);
 }
 
-TEST(ExitDeath, WithBusyWorkersIsAnOrdinaryExit) { EXPECT_EXIT(exitWithBusyWorkers(), testing::ExitedWithCode(0), "^$"); }
+TEST(ExitDeath, WithBusyWorkersIsAnOrdinaryExit) {
+  GTEST_FLAG_SET(death_test_style, "threadsafe");
+  for (int round = 0; round < 5; ++round) {
+    EXPECT_EXIT(exitWithBusyWorkers(), testing::ExitedWithCode(0), "^$");
+  }
+}
 
 }  // namespace

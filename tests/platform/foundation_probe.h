@@ -1,4 +1,5 @@
-// What Foundation itself answers, for tests of how it was made to behave. Each function has an autorelease pool of its own.
+// What Foundation itself answers, for tests of how it was made to behave. Each function has an autorelease pool of its
+// own.
 #pragma once
 
 #include <CoreFoundation/CoreFoundation.h>
@@ -20,11 +21,16 @@ std::optional<std::size_t> locationOf(const std::string& part, const std::string
 
 /// What stringWithUTF8String: makes of the bytes before the first NUL, as UTF-16; nothing for nil.
 std::optional<std::u16string> decoded(const std::string& utf8);
+
+/// Foundation makes no string whose surrogates do not come in pairs, but a part of a string may be one.
+enum class Part { kAll, kWithoutFirstUnit, kWithoutLastUnit };
+
 /// What UTF8String gives; nothing for null.
-std::optional<std::string> encoded(const std::u16string& text);
+std::optional<std::string> encoded(const std::u16string& text, Part part = Part::kAll);
 
 enum class Encoding { kAscii, kMacRoman, kUtf8, kUtf16BigEndian };
-std::optional<std::vector<std::uint8_t>> data(const std::u16string& text, Encoding encoding, bool lossy);
+std::optional<std::vector<std::uint8_t>> data(const std::u16string& text, Encoding encoding, bool lossy,
+                                              Part part = Part::kAll);
 
 // --- file URLs
 
@@ -38,8 +44,8 @@ struct FileUrl {
 
 /// fileURLWithPath: or, when the kind is said, fileURLWithPath:isDirectory:; nothing for nil.
 std::optional<FileUrl> fileUrl(const std::string& path, Kind kind = Kind::kUnsaid);
-/// The same for a path that may be no Unicode.
-bool makesFileUrl(const std::u16string& path);
+/// Whether both give a URL for this part of a path.
+bool makesFileUrl(const std::u16string& path, Part part);
 
 // --- the system's version
 

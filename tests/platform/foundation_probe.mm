@@ -31,8 +31,18 @@ class Pool {
 
 NSString* string(const std::string& utf8) { return [NSString stringWithUTF8String:utf8.c_str()]; }
 
-NSString* string(const std::u16string& text) {
-  return [NSString stringWithCharacters:reinterpret_cast<const unichar*>(text.data()) length:text.size()];
+NSString* string(const std::u16string& text, Part part) {
+  NSString* const whole = [NSString stringWithCharacters:reinterpret_cast<const unichar*>(text.data())
+                                                  length:text.size()];
+  switch (part) {
+    case Part::kAll:
+      return whole;
+    case Part::kWithoutFirstUnit:
+      return [whole substringFromIndex:1];
+    case Part::kWithoutLastUnit:
+      return [whole substringToIndex:[whole length] - 1];
+  }
+  return nil;
 }
 
 std::string text(NSString* string) {
@@ -90,15 +100,15 @@ std::optional<std::u16string> decoded(const std::string& utf8) {
   return units;
 }
 
-std::optional<std::string> encoded(const std::u16string& text) {
+std::optional<std::string> encoded(const std::u16string& text, Part part) {
   const Pool pool;
-  const char* const utf8 = [string(text) UTF8String];
+  const char* const utf8 = [string(text, part) UTF8String];
   return utf8 != nullptr ? std::optional<std::string>(utf8) : std::nullopt;
 }
 
-std::optional<std::vector<std::uint8_t>> data(const std::u16string& text, Encoding encoding, bool lossy) {
+std::optional<std::vector<std::uint8_t>> data(const std::u16string& text, Encoding encoding, bool lossy, Part part) {
   const Pool pool;
-  NSData* const made = [string(text) dataUsingEncoding:value(encoding) allowLossyConversion:lossy];
+  NSData* const made = [string(text, part) dataUsingEncoding:value(encoding) allowLossyConversion:lossy];
   if (made == nil) {
     return std::nullopt;
   }
@@ -108,18 +118,18 @@ std::optional<std::vector<std::uint8_t>> data(const std::u16string& text, Encodi
 
 std::optional<FileUrl> fileUrl(const std::string& path, Kind kind) {
   const Pool pool;
-  NSURL* const url = kind == Kind::kUnsaid
-                         ? [NSURL fileURLWithPath:string(path)]
-                         : [NSURL fileURLWithPath:string(path) isDirectory:kind == Kind::kDirectory];
+  NSURL* const url = kind == Kind::kUnsaid ? [NSURL fileURLWithPath:string(path)]
+                                           : [NSURL fileURLWithPath:string(path) isDirectory:kind == Kind::kDirectory];
   if (url == nil) {
     return std::nullopt;
   }
   return FileUrl{text([url absoluteString]), text([url path]), text([url lastPathComponent])};
 }
 
-bool makesFileUrl(const std::u16string& path) {
+bool makesFileUrl(const std::u16string& path, Part part) {
   const Pool pool;
-  return [NSURL fileURLWithPath:string(path)] != nil && [NSURL fileURLWithPath:string(path) isDirectory:NO] != nil;
+  NSString* const made = string(path, part);
+  return [NSURL fileURLWithPath:made] != nil && [NSURL fileURLWithPath:made isDirectory:NO] != nil;
 }
 
 bool systemIsAtLeast(long major, long minor, long patch) {

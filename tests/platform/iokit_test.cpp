@@ -263,9 +263,16 @@ TEST_F(Services, WithoutInformationAnswerNull) { EXPECT_FALSE(infoOf({.has_info 
 
 TEST_F(Services, TellAllNamesUnlessAskedForThePreferredOne) {
   const Language german({{"LANG", "de_DE.UTF-8"}});
-  const Names names = {{"en", "Screen"}, {"de", "Bildschirm"}, {"fr", "\xC3\x89" "cran"}};
+  const Names names = {{"en", "Screen"},
+                       {"de", "Bildschirm"},
+                       {"fr",
+                        "\xC3\x89"
+                        "cran"}};
   EXPECT_THAT(namesIn(infoOf({.product_names = names}).get()),
-              UnorderedElementsAre(Pair("en", "Screen"), Pair("de", "Bildschirm"), Pair("fr", "\xC3\x89" "cran")));
+              UnorderedElementsAre(Pair("en", "Screen"), Pair("de", "Bildschirm"),
+                                   Pair("fr",
+                                        "\xC3\x89"
+                                        "cran")));
   EXPECT_THAT(namesIn(infoOf({.product_names = names}, kIODisplayOnlyPreferredName).get()),
               ElementsAre(Pair("de", "Bildschirm")));
 }

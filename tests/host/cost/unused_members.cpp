@@ -1,5 +1,5 @@
-// A library that knows the whole host-call family and uses what a plugin of one module uses; check_used_members.cmake looks
-// at what became part of it.
+// A library that knows the whole host-call family and uses what a plugin of one module uses. What became part of it is
+// looked at by check_used_members.cmake.
 #include "host/host_calls.h"
 
 #define EXPORTED extern "C" __attribute__((visibility("default")))
