@@ -25,3 +25,9 @@ if(OSTREVIN_SANITIZE)
   add_compile_options(-fsanitize=${OSTREVIN_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
   add_link_options(-fsanitize=${OSTREVIN_SANITIZE})
 endif()
+
+# Libraries whose every symbol is resolved when they are linked, where that is not the linker's way anyway. Under a sanitizer
+# they cannot be: its functions are in the programs.
+if(NOT APPLE AND NOT OSTREVIN_SANITIZE)
+  set(OSTREVIN_RESOLVE_ALL -Wl,-z,defs)
+endif()
