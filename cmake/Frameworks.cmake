@@ -1,6 +1,6 @@
 # ostrevin::frameworks: what the plugin's code is compiled and linked against.
 #   macOS: the system's frameworks.
-#   elsewhere: our own headers under platform/include, over the system's Foundation and the block runtime, and the library
+#   elsewhere: our own headers under platform/include, over the system's Foundation and our block run-time, and the library
 #   that platform/ builds.
 add_library(ostrevin_frameworks INTERFACE)
 add_library(ostrevin::frameworks ALIAS ostrevin_frameworks)
@@ -21,18 +21,22 @@ find_path(FOUNDATION_INCLUDE_DIR Foundation/Foundation.h PATHS /usr/include/GNUs
 find_library(FOUNDATION_LIBRARY gnustep-base REQUIRED)
 file(GLOB objc_library_dirs /usr/lib/gcc/*/*)
 find_library(OBJC_LIBRARY objc HINTS ${objc_library_dirs} REQUIRED)
-find_library(BLOCKS_LIBRARY BlocksRuntime REQUIRED)
 
-target_include_directories(ostrevin_frameworks BEFORE INTERFACE ${CMAKE_SOURCE_DIR}/platform/include)
-target_include_directories(ostrevin_frameworks SYSTEM INTERFACE ${FOUNDATION_INCLUDE_DIR})
-target_compile_options(ostrevin_frameworks INTERFACE
+add_library(ostrevin_foundation INTERFACE)
+target_include_directories(ostrevin_foundation BEFORE INTERFACE ${CMAKE_SOURCE_DIR}/platform/include)
+target_include_directories(ostrevin_foundation SYSTEM INTERFACE ${FOUNDATION_INCLUDE_DIR})
+target_compile_options(ostrevin_foundation INTERFACE -fblocks
   "SHELL:-idirafter ${OBJC_RUNTIME_INCLUDE_DIR}"
   "$<$<COMPILE_LANGUAGE:OBJCXX>:SHELL:-fobjc-runtime=gcc -fobjc-exceptions -fexceptions -fconstant-string-class=NSConstantString>")
-target_compile_definitions(ostrevin_frameworks INTERFACE
+target_compile_definitions(ostrevin_foundation INTERFACE
   $<$<COMPILE_LANGUAGE:OBJCXX>:GNUSTEP>
   $<$<COMPILE_LANGUAGE:OBJCXX>:GNUSTEP_BASE_LIBRARY=1>
   $<$<COMPILE_LANGUAGE:OBJCXX>:GNU_RUNTIME=1>
   $<$<COMPILE_LANGUAGE:OBJCXX>:_NATIVE_OBJC_EXCEPTIONS>)
-# The block runtime comes first: Foundation exports functions of the same names, which take a block that is still on the
-# stack for one on the heap and do not copy it.
-target_link_libraries(ostrevin_frameworks INTERFACE ${BLOCKS_LIBRARY} ${FOUNDATION_LIBRARY} ${OBJC_LIBRARY})
+target_link_libraries(ostrevin_foundation INTERFACE ${FOUNDATION_LIBRARY} ${OBJC_LIBRARY})
+
+# Inside every library and program of ours, and before Foundation on the link line, which has functions of the same names.
+add_library(ostrevin_blocks STATIC ${CMAKE_SOURCE_DIR}/platform/blocks/block_runtime.mm)
+target_link_libraries(ostrevin_blocks PRIVATE ostrevin_foundation ostrevin::settings)
+
+target_link_libraries(ostrevin_frameworks INTERFACE ostrevin_blocks ostrevin_foundation)

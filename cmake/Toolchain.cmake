@@ -26,8 +26,8 @@ if(OSTREVIN_SANITIZE)
   add_link_options(-fsanitize=${OSTREVIN_SANITIZE})
 endif()
 
-# Libraries whose every symbol is resolved when they are linked, where that is not the linker's way anyway. Under a sanitizer
-# they cannot be: its functions are in the programs.
+# A library whose symbols must all be found when it is linked. Not with sanitizers: their functions are in programs only.
+set(OSTREVIN_NO_UNDEFINED_SYMBOLS "")
 if(NOT APPLE AND NOT OSTREVIN_SANITIZE)
-  set(OSTREVIN_RESOLVE_ALL -Wl,-z,defs)
+  set(OSTREVIN_NO_UNDEFINED_SYMBOLS -Wl,-z,defs)
 endif()

@@ -4,6 +4,7 @@
 #include <cstring>
 #include <stdexcept>
 
+#include "devhost/arguments.h"
 #include "devhost/autorelease.h"
 #include "devhost/native_values.h"
 
@@ -19,23 +20,13 @@ union ResultBuffer {
 
 std::string where(const Declaration& declaration, const std::string& place) { return declaration.name + ", " + place; }
 
-std::string countsText(const Declaration& declaration) {
-  const std::size_t all = declaration.parameters.size();
-  const std::size_t values = declaration.valueParameterCount();
-  const std::string text = std::to_string(values) + (values == 1 ? " argument" : " arguments");
-  return values == all ? text : text + ", or " + std::to_string(all) + " with those that are by reference";
-}
-
 /// The arguments of one call, in the form in which libffi wants them: an address each.
 class Frame {
  public:
   Frame(Host& host, const Declaration& declaration, const Values& arguments) : host_(host), declaration_(declaration) {
+    checkArgumentCount(declaration, arguments.size());
     const std::size_t count = declaration.parameters.size();
     const bool all_given = arguments.size() == count;
-    if (!all_given && arguments.size() != declaration.valueParameterCount()) {
-      throw ValueError(declaration.name + " takes " + countsText(declaration) + ", got " +
-                       std::to_string(arguments.size()) + ": " + declaration.text);
-    }
     slots_.reserve(count);
     addresses_.reserve(count);
     values_.reserve(count);
@@ -139,6 +130,34 @@ void storeThrough(Host& host, void* target, const Parameter& parameter, const Va
   std::memcpy(target, &slot, parameter.type.is_array ? sizeof slot : factsOf(parameter.type.type).width);
 }
 
+// libffi makes functions at run time since macOS 10.15; on an earlier one there is none to be had.
+
+/// A closure, and the address to call in `entry`; or null.
+ffi_closure* allocateClosure(void** entry) {
+  if (__builtin_available(macOS 10.15, *)) {
+    return static_cast<ffi_closure*>(ffi_closure_alloc(sizeof(ffi_closure), entry));
+  }
+  return nullptr;
+}
+
+bool prepareClosure(ffi_closure* closure, ffi_cif* interface, void (*function)(ffi_cif*, void*, void**, void*),
+                    void* context, void* entry) {
+  if (__builtin_available(macOS 10.15, *)) {
+    return ffi_prep_closure_loc(closure, interface, function, context, entry) == FFI_OK;
+  }
+  return false;
+}
+
+/// Null is let pass.
+void freeClosure(ffi_closure* closure) {
+  if (closure == nullptr) {
+    return;
+  }
+  if (__builtin_available(macOS 10.15, *)) {
+    ffi_closure_free(closure);
+  }
+}
+
 }  // namespace
 
 const ByReference& CallResult::find(std::string_view name) const {
@@ -193,18 +212,13 @@ NativeMethod::NativeMethod(Host& host, Declaration declaration, Handler handler)
       declaration_(std::move(declaration)),
       handler_(std::move(handler)),
       signature_(declaration_, true),
-      closure_(static_cast<ffi_closure*>(ffi_closure_alloc(sizeof(ffi_closure), &address_))) {
-  if (closure_ == nullptr ||
-      ffi_prep_closure_loc(closure_, &signature_.interface(), &NativeMethod::enter, this, address_) != FFI_OK) {
+      closure_(allocateClosure(&address_)) {
+  if (closure_ == nullptr || !prepareClosure(closure_, &signature_.interface(), &NativeMethod::enter, this, address_)) {
     throw std::runtime_error("no native entry for " + declaration_.text);
   }
 }
 
-NativeMethod::~NativeMethod() {
-  if (closure_ != nullptr) {
-    ffi_closure_free(closure_);
-  }
-}
+NativeMethod::~NativeMethod() { freeClosure(closure_); }
 
 void NativeMethod::enter(ffi_cif* /*interface*/, void* result, void** arguments, void* self) {
   static_cast<NativeMethod*>(self)->run(result, arguments);

@@ -27,7 +27,7 @@ void Plugin::loadLibrary() {
   library_ = dlopen(path_.c_str(), RTLD_NOW | RTLD_LOCAL);
   if (library_ == nullptr) {
     const char* const reason = dlerror();
-    throw PluginError("cannot load the plugin " + path_ + ": " + (reason == nullptr ? "no reason given" : reason));
+    throw PluginError("cannot load the plugin: " + (reason == nullptr ? path_ : std::string(reason)));
   }
   findAutoreleasePools(library_);
 }

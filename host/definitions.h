@@ -11,6 +11,7 @@ namespace host {
 
 /// `instance` plus `offset` bytes, for any instance: the sum is computed as a number, so null is no special case.
 inline void* addOffset(void* instance, std::int64_t offset) {
+  // NOLINTNEXTLINE(performance-no-int-to-ptr): arithmetic on a null pointer is not defined.
   return reinterpret_cast<void*>(reinterpret_cast<std::uintptr_t>(instance) + static_cast<std::uintptr_t>(offset));
 }
 

@@ -5,6 +5,8 @@
 #   CHECK_MODULE           the program check-module
 #   LIPO, NM, OBJDUMP      LLVM's tools, or Xcode's of the same names
 
+cmake_minimum_required(VERSION 3.25)
+
 set(slices arm64 x86_64)
 set(minimum_arm64 11.0)
 set(minimum_x86_64 10.13)
@@ -51,10 +53,11 @@ endfunction()
 function(check_minimum_version file slice)
   run(output ${OBJDUMP} --macho --private-headers --arch=${slice} ${file})
   if(output MATCHES "cmd LC_BUILD_VERSION\n[^\n]*\n *platform ([^\n]*)\n[^\n]*\n *minos ([0-9.]+)")
-    if(NOT CMAKE_MATCH_1 MATCHES "^(macos|MACOS|1)$")
-      problem("${file} (${slice}): for ${CMAKE_MATCH_1}, not macOS")
-    endif()
+    set(platform ${CMAKE_MATCH_1})
     set(found ${CMAKE_MATCH_2})
+    if(NOT platform MATCHES "^(macos|MACOS|1)$")
+      problem("${file} (${slice}): for ${platform}, not macOS")
+    endif()
   elseif(output MATCHES "cmd LC_VERSION_MIN_MACOSX\n[^\n]*\n *version ([0-9.]+)")
     set(found ${CMAKE_MATCH_1})
   else()

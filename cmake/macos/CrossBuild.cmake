@@ -67,7 +67,7 @@ set(OSTREVIN_x86_64_CLANG_TARGET x86_64-apple-macos10.13)
 # keeps them in its cache; what it hands to its linker, which -v prints, says where.
 function(ostrevin_zig_runtime slice folder)
   set(libraries libc++.a libc++abi.a libcompiler_rt.a)
-  if(EXISTS ${folder}/libcompiler_rt.a)
+  if(EXISTS ${folder}/availability.o)
     return()
   endif()
   message(STATUS "Building Zig's C++ library for ${slice}")
@@ -82,6 +82,11 @@ function(ostrevin_zig_runtime slice folder)
     ostrevin_macos_needs("Zig's ${library} for ${slice}." path)
     file(COPY ${path} DESTINATION ${folder})
   endforeach()
+  execute_process(
+    COMMAND ${OSTREVIN_ZIG} cc -target ${OSTREVIN_${slice}_ZIG_TARGET} -O2 -Wall -Wextra -Werror
+      -c ${CMAKE_SOURCE_DIR}/cmake/macos/availability.c -o ${folder}/availability.o
+    RESULT_VARIABLE result)
+  ostrevin_macos_needs("cmake/macos/availability.c compiled for ${slice}." result EQUAL 0)
 endfunction()
 
 execute_process(COMMAND ${OSTREVIN_ZIG} env WORKING_DIRECTORY / OUTPUT_VARIABLE zig_environment RESULT_VARIABLE result)
@@ -91,7 +96,7 @@ get_filename_component(zig_library_folder "${zig_library_folder}" ABSOLUTE BASE_
 set(OSTREVIN_LIBSYSTEM ${zig_library_folder}/libc/darwin/libSystem.tbd)
 ostrevin_macos_needs("Zig's libSystem.tbd." EXISTS ${OSTREVIN_LIBSYSTEM})
 
-include(${CMAKE_CURRENT_LIST_DIR}/HostHeaders.cmake)
+include(${CMAKE_CURRENT_LIST_DIR}/HostLibraries.cmake)
 
 # --- one build an architecture
 
@@ -118,6 +123,7 @@ foreach(slice IN LISTS OSTREVIN_SLICES)
       -DOSTREVIN_FUZZERS=OFF
       -Dnlohmann_json_DIR=${OSTREVIN_HOST_PACKAGES}
       -DCLI11_DIR=${OSTREVIN_HOST_PACKAGES}
+      -DFFI_LIBRARY=${OSTREVIN_FFI_LIBRARY}
     BUILD_ALWAYS ON
     USES_TERMINAL_CONFIGURE ON
     USES_TERMINAL_BUILD ON
@@ -162,3 +168,11 @@ add_custom_target(check-macho
     -P ${CMAKE_CURRENT_LIST_DIR}/CheckMacho.cmake
   DEPENDS universal check-module
   VERBATIM)
+
+# --- what is installed, and packaged
+
+set(CMAKE_INSTALL_LIBDIR lib)
+install(PROGRAMS ${CMAKE_BINARY_DIR}/lib/Ostrevin.dylib DESTINATION ${CMAKE_INSTALL_LIBDIR})
+install(PROGRAMS ${CMAKE_BINARY_DIR}/bin/ostrevin-host DESTINATION ${CMAKE_INSTALL_BINDIR})
+ostrevin_install_common(Ostrevin.dylib)
+include(Packaging)

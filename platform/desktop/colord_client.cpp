@@ -49,6 +49,16 @@ bool hasDefault(const Operation& operation, const char* device_path, const std::
   return profile && profile_path == cd_profile_get_object_path(profile.get());
 }
 
+/// colord's database keeps every property that a device is created with but this one, without which a restarted colord
+/// does not list it among the displays.
+bool keepKind(const Operation& operation, CdDevice* device) {
+  const char* const display = cd_device_kind_to_string(CD_DEVICE_KIND_DISPLAY);
+  const auto set = operation.start(
+      [&](auto... rest) { cd_device_set_property(device, CD_DEVICE_PROPERTY_KIND, display, rest...); });
+  ErrorSlot error;
+  return operation.wait(set) != nullptr && cd_device_set_property_finish(device, set->result.get(), error.place());
+}
+
 bool makeDefault(const Operation& operation, CdDevice* device, CdProfile* profile) {
   ErrorSlot error;
   const auto added = operation.start([&](auto... rest) {
@@ -215,8 +225,11 @@ ObjectRef<CdDevice> ColordClient::registerDevice(const Operation& operation, con
     return nullptr;
   }
   ObjectRef<CdDevice> device(cd_client_create_device_finish(client_.get(), created->result.get(), error.place()));
-  if (device || !error.is(CD_CLIENT_ERROR, CD_CLIENT_ERROR_ALREADY_EXISTS)) {
-    return device;
+  if (device) {
+    return connectDevice(operation, device.get()) && keepKind(operation, device.get()) ? std::move(device) : nullptr;
+  }
+  if (!error.is(CD_CLIENT_ERROR, CD_CLIENT_ERROR_ALREADY_EXISTS)) {
+    return nullptr;
   }
   // A session daemon was faster.
   const auto found = operation.start([&](auto... rest) { cd_client_find_device(client_.get(), id, rest...); });

@@ -107,12 +107,15 @@ ColordDevice describe(CdDevice* device, const std::map<std::string, std::string>
 
 }  // namespace
 
+// libcolord leaks a call that connects what is connected already, and with it the connection to the bus, which GIO then
+// never replaces.
+
 bool connectDevice(const Operation& operation, CdDevice* device) {
-  return finishConnecting(operation, device, startConnecting(operation, device));
+  return cd_device_get_connected(device) || finishConnecting(operation, device, startConnecting(operation, device));
 }
 
 bool connectProfile(const Operation& operation, CdProfile* profile) {
-  return finishConnecting(operation, profile, startConnecting(operation, profile));
+  return cd_profile_get_connected(profile) || finishConnecting(operation, profile, startConnecting(operation, profile));
 }
 
 std::shared_ptr<const std::vector<ColordDevice>> readDevices(const Operation& operation, GPtrArray* list) {

@@ -36,8 +36,7 @@ struct Display {
   std::uint32_t model = 0;
   std::uint32_t serial = 0;
   std::string connector;  ///< such as "DP-1"; empty when the desktop does not say
-  /// Base block and extensions as the monitor sent them; empty without a valid EDID.
-  std::vector<std::uint8_t> edid = {};
+  std::vector<std::uint8_t> edid;  ///< the monitor's whole EDID as it was read; empty without a valid one
 };
 
 /// A screen. The frame has its origin at the lower left corner of the main screen, y growing upwards.

@@ -117,7 +117,7 @@ std::string withoutDirectives(std::string_view resources) {
   while (!resources.empty()) {
     const auto line = resources.substr(0, resources.find('\n'));
     const auto first = line.find_first_not_of(" \t");
-    if (first != line.npos && line[first] != '#') {
+    if (first != std::string_view::npos && line[first] != '#') {
       kept.append(line).append("\n");
     }
     resources.remove_prefix(std::min(line.size() + 1, resources.size()));
@@ -127,7 +127,7 @@ std::string withoutDirectives(std::string_view resources) {
 
 std::optional<double> parseDpi(std::string_view text) {
   const auto first = text.find_first_not_of(" \t");
-  if (first == text.npos) {
+  if (first == std::string_view::npos) {
     return std::nullopt;
   }
   text = text.substr(first, text.find_last_not_of(" \t\r") - first + 1);
@@ -142,16 +142,15 @@ std::optional<double> parseDpi(std::string_view text) {
 }  // namespace
 
 std::optional<int> windowScalingFactor(std::span<const std::uint8_t> settings) {
-  constexpr std::uint32_t kLittleEndian = 0;
-  constexpr std::uint32_t kBigEndian = 1;
+  constexpr std::uint32_t kBigEndian = 1;  // 0 is the other order, and there is no third
   SettingsReader reader(settings);
   const auto byte_order = reader.number(1);
   const auto padding = reader.bytes(3);
   const auto change_count = reader.number(4);
-  if (!padding || !change_count || (byte_order != kLittleEndian && byte_order != kBigEndian)) {
+  if (!byte_order || *byte_order > kBigEndian || !padding || !change_count) {
     return std::nullopt;
   }
-  reader.setBigEndian(byte_order == kBigEndian);
+  reader.setBigEndian(*byte_order == kBigEndian);
   const auto count = reader.number(4);
   for (std::uint32_t i = 0; count && i < *count; ++i) {
     const auto setting = readSetting(reader);

@@ -11,11 +11,12 @@
 #include <unordered_map>
 
 #include "desktop/desktop.h"
+#include "desktop/export.h"
 #include "desktop/file_identity.h"
 
 namespace platform::desktop {
 
-class IccCache {
+class PLATFORM_API IccCache {
  public:
   /// What a file holds; null for a file that is no profile.
   using Content = std::shared_ptr<const InstalledProfile>;

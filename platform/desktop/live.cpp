@@ -1,5 +1,6 @@
 #include "desktop/live.h"
 
+#include "desktop/colord_devices.h"
 #include "desktop/icc_folders.h"
 #include "desktop/x11_displays.h"
 
@@ -9,13 +10,16 @@ namespace {
 class LiveDesktop final : public Desktop {
  public:
   std::shared_ptr<const Arrangement> arrangement() override { return displays_.arrangement(); }
-  void visitDeviceProfiles(const DeviceProfileVisitor&) override {}
+  void visitDeviceProfiles(const DeviceProfileVisitor& visit) override { devices_.visit(visit); }
   void visitInstalledProfiles(const InstalledProfileVisitor& visit) override { profiles_.visit(visit); }
-  bool setDeviceProfile(const Uuid&, const std::string&) override { return false; }
+  bool setDeviceProfile(const Uuid& device, const std::string& profile_path) override {
+    return devices_.assign(device, profile_path);
+  }
 
  private:
   IccFolders profiles_{installedProfileFolders()};
   X11Displays displays_;
+  ColordDevices devices_{[this] { return displays_.arrangement(); }};
 };
 
 }  // namespace

@@ -42,6 +42,7 @@ bool X11Connection::chooseScreen(int number) {
 
 std::vector<xcb_atom_t> X11Connection::atoms(const std::vector<std::string>& names) {
   std::vector<xcb_intern_atom_cookie_t> cookies;
+  cookies.reserve(names.size());
   for (const std::string& name : names) {
     cookies.push_back(xcb_intern_atom(connection_, 0, static_cast<std::uint16_t>(name.size()), name.data()));
   }

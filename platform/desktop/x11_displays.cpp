@@ -139,7 +139,7 @@ bool X11Displays::finishReading() {
   }
   reading_.reset();
   session_ = std::move(result->session);
-  current_ = session_ ? std::move(result->arrangement) : none_;
+  current_ = session_ ? result->arrangement : none_;
   if (!session_) {
     next_attempt_ = Clock::now() + options_.pause_after_failure;
   }

@@ -74,8 +74,6 @@ CFTypeRef CFAutorelease(CFTypeRef reference) {
   return [object(reference) autorelease];
 }
 
-CFTypeRef CFMakeCollectable(CFTypeRef reference) { return reference; }
-
 CFIndex CFGetRetainCount(CFTypeRef reference) {
   requireObject(reference, "CFGetRetainCount");
   return static_cast<CFIndex>([object(reference) retainCount]);

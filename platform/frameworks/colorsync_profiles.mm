@@ -19,17 +19,6 @@ using platform::calls::Call;
 using platform::desktop::InstalledProfile;
 namespace calls = platform::calls;
 
-#define TEXT_CONSTANT(text) reinterpret_cast<CFStringRef>(@text)
-
-extern "C" {
-
-CFStringRef kColorSyncProfileClass = TEXT_CONSTANT("ColorSyncProfileClass");
-CFStringRef kColorSyncProfileDescription = TEXT_CONSTANT("ColorSyncProfileDescription");
-CFStringRef kColorSyncProfileURL = TEXT_CONSTANT("ColorSyncProfileURL");
-CFStringRef kColorSyncSigDisplayClass = TEXT_CONSTANT("mntr");
-
-}  // extern "C"
-
 namespace {
 
 NSString* const kDisplayClass = @"mntr";
@@ -112,17 +101,15 @@ std::shared_ptr<const void> entryFor(const InstalledProfile& profile) {
   return entry;
 }
 
-/// Empty for what is no file URL, and for a path with a NUL in it: it names no file, though its beginning may.
+/// Empty for what is no file URL.
 std::string pathOf(CFURLRef reference) {
   NSURL* const url = (NSURL*)reference;
   if (![url isKindOfClass:[NSURL class]] || ![url isFileURL]) {
     return {};
   }
   const ScopedPool pool;
-  NSString* const text = [url path];
-  const char* const utf8 = [text UTF8String];
-  const std::string path = utf8 != nullptr ? utf8 : "";
-  return path.size() == [text lengthOfBytesUsingEncoding:NSUTF8StringEncoding] ? path : std::string();
+  const char* const path = [[url path] UTF8String];
+  return path != nullptr ? path : "";
 }
 
 /// Nothing unless the signature is four ASCII characters.

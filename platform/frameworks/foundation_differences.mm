@@ -33,6 +33,9 @@ struct Originals {
   NSRange (*rangeInImmutableString)(id, SEL, NSString*, NSStringCompareOptions, NSRange) = nullptr;
   NSData* (*data)(id, SEL, NSStringEncoding, BOOL) = nullptr;
   NSData* (*dataOfImmutableString)(id, SEL, NSStringEncoding, BOOL) = nullptr;
+  const char* (*utf8)(id, SEL) = nullptr;
+  const char* (*utf8OfUnicodeString)(id, SEL) = nullptr;
+  const char* (*utf8OfMutableString)(id, SEL) = nullptr;
   NSString* (*path)(id, SEL) = nullptr;
 };
 
@@ -59,7 +62,18 @@ NSRange rangeOfStringOptionsRange(id self, SEL selector, NSString* part, NSStrin
              : (originals.*Original)(self, selector, part, options, range);
 }
 
-// --- lossy conversion: always gives data; the system's Foundation gives up when a surrogate stands alone
+// --- surrogates that stand alone, as at the end of a part of a string: they make no UTF-8, where the system's
+// Foundation
+//     raises an exception, and a lossy conversion alters them, where it gives up
+
+template <auto Original>
+const char* utf8String(id self, SEL selector) {
+  @try {
+    return (originals.*Original)(self, selector);
+  } @catch (NSException*) {
+    return nullptr;
+  }
+}
 
 bool isHighSurrogate(unichar unit) { return (unit & 0xFC00) == 0xD800; }
 bool isLowSurrogate(unichar unit) { return (unit & 0xFC00) == 0xDC00; }
@@ -93,10 +107,10 @@ NSData* dataUsingEncoding(id self, SEL selector, NSStringEncoding encoding, BOOL
   return [withoutLoneSurrogates(self) dataUsingEncoding:encoding allowLossyConversion:lossy];
 }
 
-// --- file URLs: the path decides with its trailing slash or, when it has none and the caller does not say, the file
-// system.
-//     The system's Foundation asks the file system even when the caller says, leaves a trailing slash where the caller
-//     says that there is no directory, drops it from a relative path, and takes "~" for the root.
+// --- file URLs: whether one is a directory's is for the caller to say; when he does not, a trailing slash says so, and
+//     without one the file system. The system's Foundation asks the file system even when the caller says, leaves a
+//     trailing slash where the caller says that there is no directory, drops it from a relative path, and takes "~" for
+//     the root.
 
 /// Nil when the current directory is gone.
 NSString* absolutePath(NSString* path) {
@@ -194,9 +208,18 @@ Function replace(Class type, SEL selector, Function replacement) {
       class_replaceMethod(type, selector, reinterpret_cast<IMP>(replacement), method_getTypeEncoding(method)));
 }
 
+void doNothing(id, SEL) {}
+
+/// The run-time does not tell subclasses that are already in use of a replaced method, but it does of a new one.
+void tellSubclasses(Class type) {
+  class_addMethod(type, sel_registerName("platformHasReplacedMethods"), reinterpret_cast<IMP>(doNothing), "v16@0:8");
+}
+
 void replaceStringMethods() {
   const Class string = [NSString class];
-  // The class of most strings that hold their own characters overrides two of the methods.
+  // Classes that have these methods of their own; those that are not here hold no surrogates.
+  const Class unicode_string = objc_getClass("GSUnicodeString");
+  const Class mutable_string = objc_getClass("GSMutableString");
   const Class immutable_string = objc_getClass("GSImmutableString");
   originals.rangeOfString = replace(string, @selector(rangeOfString:), rangeOfString);
   originals.rangeOfStringOptions = replace(string, @selector(rangeOfString:options:), rangeOfStringOptions);
@@ -204,10 +227,16 @@ void replaceStringMethods() {
                                                 rangeOfStringOptionsRange<&Originals::rangeOfStringOptionsRange>);
   originals.rangeInImmutableString = replace(immutable_string, @selector(rangeOfString:options:range:),
                                              rangeOfStringOptionsRange<&Originals::rangeInImmutableString>);
+  originals.utf8 = replace(string, @selector(UTF8String), utf8String<&Originals::utf8>);
+  originals.utf8OfUnicodeString =
+      replace(unicode_string, @selector(UTF8String), utf8String<&Originals::utf8OfUnicodeString>);
+  originals.utf8OfMutableString =
+      replace(mutable_string, @selector(UTF8String), utf8String<&Originals::utf8OfMutableString>);
   originals.data =
       replace(string, @selector(dataUsingEncoding:allowLossyConversion:), dataUsingEncoding<&Originals::data>);
   originals.dataOfImmutableString = replace(immutable_string, @selector(dataUsingEncoding:allowLossyConversion:),
                                             dataUsingEncoding<&Originals::dataOfImmutableString>);
+  tellSubclasses(string);
 }
 
 void replaceUrlMethods() {
@@ -215,6 +244,7 @@ void replaceUrlMethods() {
   replace(url, @selector(initFileURLWithPath:), initFileUrlWithPath);
   replace(url, @selector(initFileURLWithPath:isDirectory:), initFileUrlWithPathIsDirectory);
   originals.path = replace(url, @selector(path), path);
+  tellSubclasses(url);
 }
 
 void closeDifferences() {
@@ -226,7 +256,8 @@ void closeDifferences() {
 
 }  // namespace
 
-/// Loaded with this library: by then the selectors that this file uses are registered, which is not so in an initialiser.
+/// Loaded with this library: by then the selectors that this file uses are registered, which is not so in an
+/// initialiser.
 @interface PlatformFoundationDifferences : NSObject
 @end
 

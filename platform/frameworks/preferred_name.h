@@ -5,6 +5,8 @@
 #include <utility>
 #include <vector>
 
+#include "desktop/export.h"
+
 namespace platform {
 
 /// Names by language code, such as "en" or "en_GB", in the order in which they are listed.
@@ -13,6 +15,6 @@ using ProductNames = std::vector<std::pair<std::string, std::string>>;
 /// Only the name in the language of the user's environment (the first of LANGUAGE, then LC_ALL, LC_MESSAGES and LANG,
 /// as for every program's messages): of the same language and country, else of the same language; else an English one,
 /// else the first. Empty when there is none at all.
-ProductNames onlyPreferred(const ProductNames& names);
+PLATFORM_API ProductNames onlyPreferred(const ProductNames& names);
 
 }  // namespace platform

@@ -4,6 +4,7 @@
 #include <CoreFoundation/CoreFoundation.h>
 
 #include "desktop/desktop.h"
+#include "desktop/export.h"
 
 #ifdef __OBJC__
 #import <Foundation/Foundation.h>
@@ -12,8 +13,8 @@
 namespace platform {
 
 /// The one object of this value, with a reference for the caller. Any thread.
-CFUUIDRef makeUuid(const desktop::Uuid& bytes);
-desktop::Uuid bytesOf(CFUUIDRef uuid);
+PLATFORM_API CFUUIDRef makeUuid(const desktop::Uuid& bytes);
+PLATFORM_API desktop::Uuid bytesOf(CFUUIDRef uuid);
 
 #ifdef __OBJC__
 bool isUuid(id object);

@@ -66,7 +66,7 @@ class MethodTest : public testing::Test {
 
   explicit MethodTest(Script script = threeDisplays()) : session(std::move(script)), plugin(support::loadFreshPlugin(host)) {}
 
-  /// An object whose event handler appends to `events`.
+  /// An object whose event handler appends to `events`. The test keeps it: the plugin takes no reference on its object.
   devhost::Ref<devhost::Object> listener(Events& events) {
     auto object = host.makeObject("Listener");
     object->addMethod("DisplayProfileFound( name as String, path as String )",

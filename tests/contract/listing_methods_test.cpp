@@ -18,7 +18,8 @@ using ListingMethods = MethodTest;
 
 TEST_F(ListingMethods, EventsComeByPath) {
   Events events;
-  plugin.call("SetObject", {listener(events)});
+  const auto object = listener(events);
+  plugin.call("SetObject", {object});
   plugin.call("ListAllInstalledProfiles");
   EXPECT_THAT(events, ElementsAre(Pair("B", "/a.icc"), Pair("A", "/b.icc"), Pair("B", "/c.icc")));
 }
@@ -38,7 +39,8 @@ TEST_F(ListingMethods, ArraysKeepPathOrderOfEqualNamesThatFollowOneAnother) {
 
 TEST_F(ListingMethods, DisplayEventsNameProfilesByTheInstalledOnes) {
   Events events;
-  plugin.call("SetObject", {listener(events)});
+  const auto object = listener(events);
+  plugin.call("SetObject", {object});
   plugin.call("ListDisplayProfiles", {1});
   EXPECT_THAT(events, ElementsAre(Pair("B", "/a.icc"), Pair("A", "/b.icc")));
   events.clear();
@@ -66,7 +68,8 @@ TEST_F(ListingMethods, ProfilesWithoutANameComeFirstInArrays) {
 TEST_F(ListingMethods, ADisplayWithoutProfilesRaisesNoEventAndGivesAnEmptyArray) {
   session.desktop->change([](Script& script) { script.device_profiles.clear(); });
   Events events;
-  plugin.call("SetObject", {listener(events)});
+  const auto object = listener(events);
+  plugin.call("SetObject", {object});
   plugin.call("ListDisplayProfiles", {1});
   EXPECT_THAT(events, IsEmpty());
   EXPECT_EQ(plugin.call("GetAssociatedProfilePathsArray", {1}).result.array()->upperBound(), -1);
@@ -80,8 +83,10 @@ TEST_F(ListingMethods, ADisplayWithoutAUuidGetsTheListOfTheDisplayBefore) {
 TEST_F(ListingMethods, TheSecondOfTwoObjectsGetsTheEvents) {
   Events first;
   Events second;
-  plugin.call("SetObject", {listener(first)});
-  plugin.call("SetObject", {listener(second)});
+  const auto first_object = listener(first);
+  plugin.call("SetObject", {first_object});
+  const auto second_object = listener(second);
+  plugin.call("SetObject", {second_object});
   plugin.call("ListAllInstalledProfiles");
   EXPECT_THAT(first, IsEmpty());
   EXPECT_EQ(second.size(), 3U);
@@ -115,7 +120,8 @@ TEST_F(ListingMethods, AskForTheEventWhenThereIsNoProfileToo) {
 }
 
 TEST_F(ListingMethods, RaiseNothingOnAnObjectWithoutTheEvent) {
-  plugin.call("SetObject", {host.makeObject("Silent")});
+  const auto object = host.makeObject("Silent");
+  plugin.call("SetObject", {object});
   plugin.call("ListAllInstalledProfiles");
   EXPECT_THAT(host.faults(), IsEmpty());
 }
@@ -127,7 +133,8 @@ TEST_F(ListingMethods, BuildTheirStringsWithoutAnEventToo) {
 
 TEST_F(ListingMethods, HandTheirStringsToTheHost) {
   Events events;
-  plugin.call("SetObject", {listener(events)});
+  const auto object = listener(events);
+  plugin.call("SetObject", {object});
   plugin.call("ListAllInstalledProfiles");
   plugin.call("GetInstalledProfilePathsArray");
   EXPECT_THAT(host.unreleased(), IsEmpty());
@@ -170,7 +177,8 @@ TEST_F(ListingMethods, AnEventMayChangeTheObject) {
 TEST_F(ListingMethods, RunWithoutTheHostsObjectMethods) {
   host.entries().remove("REALLoadObjectMethod");
   Events events;
-  plugin.call("SetObject", {listener(events)});
+  const auto object = listener(events);
+  plugin.call("SetObject", {object});
   plugin.call("ListAllInstalledProfiles");
   EXPECT_THAT(events, IsEmpty());
   EXPECT_EQ(host.unreleasedStrings().size(), 6U);

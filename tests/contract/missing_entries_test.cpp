@@ -24,7 +24,8 @@ TEST_P(MissingEntry, DisturbsNoMethod) {
   EXPECT_EQ(plugin.call("SetProfile", {1, "/b.icc"}).result.boolean(), reads_strings);
 
   Events events;
-  plugin.call("SetObject", {listener(events)});
+  const auto object = listener(events);
+  plugin.call("SetObject", {object});
   plugin.call("ListAllInstalledProfiles");
   EXPECT_EQ(events.size(), missing == "REALLoadObjectMethod" ? 0U : 3U);
 

@@ -72,6 +72,7 @@ DECLARED(CFRetain, CFTypeRef(CFTypeRef));
 DECLARED(CFRelease, void(CFTypeRef));
 DECLARED(CFGetRetainCount, CFIndex(CFTypeRef));
 DECLARED(CFEqual, Boolean(CFTypeRef, CFTypeRef));
+DECLARED(CFAutorelease, CFTypeRef(CFTypeRef));
 DECLARED(CFGetTypeID, CFTypeID(CFTypeRef));
 DECLARED(CFBooleanGetTypeID, CFTypeID());
 DECLARED(CFDataGetTypeID, CFTypeID());

@@ -149,11 +149,10 @@ TEST_F(NativeCallTest, AnUnknownMethodIsRefused) {
 }
 
 TEST_F(NativeCallTest, AWrongCountIsRefusedWithTheDeclaration) {
-  EXPECT_EQ(errorOf("Add", {1}), "Add takes 2 arguments, got 1: Add(a As Integer, b As Integer) As Integer");
-  EXPECT_EQ(errorOf("Echo", {}), "Echo takes 1 argument, got 0: Echo(text As String) As String");
-  EXPECT_EQ(
-      errorOf("WriteFive", {1, 2}),
-      "WriteFive takes 0 arguments, or 1 with those that are by reference, got 2: WriteFive(byref whole As Integer)");
+  EXPECT_EQ(errorOf("Add", {1}), "Add: expected 2 arguments, got 1: Add(a As Integer, b As Integer) As Integer");
+  EXPECT_EQ(errorOf("Echo", {}), "Echo: expected 1 argument, got 0: Echo(text As String) As String");
+  EXPECT_EQ(errorOf("WriteFive", {1, 2}),
+            "WriteFive: expected 0 arguments (1 with those by reference), got 2: WriteFive(byref whole As Integer)");
 }
 
 TEST_F(NativeCallTest, AWrongTypeIsRefusedWithWhatWasExpected) {

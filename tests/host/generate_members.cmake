@@ -5,6 +5,8 @@
 #   ELEMENT(group, member, "entry", operation, type)
 #   SPECIAL(group, member)
 # A line that does not have the list's form stops the build.
+cmake_minimum_required(VERSION 3.25)
+
 file(STRINGS ${MEMBERS} lines REGEX "^[^#]")
 set(group "")
 set(content "// Made from members.txt.\n")

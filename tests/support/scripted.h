@@ -12,7 +12,8 @@
 
 namespace support {
 
-/// The current desktop is `desktop` while this lives; afterwards no hook is left and the next use chooses a desktop anew.
+/// The current desktop is `desktop` while this lives; afterwards no hook is left and the next use chooses a desktop
+/// anew.
 class ScriptedSession {
  public:
   explicit ScriptedSession(platform::desktop::Script script = {})

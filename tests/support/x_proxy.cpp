@@ -79,6 +79,7 @@ struct XProxy::Connection {
   int client;
   int server;  ///< -1: none could be had
   std::uint64_t from_server = 0;
+  bool deaf = false;
 };
 
 XProxy::XProxy(std::filesystem::path server_socket) : server_socket_(std::move(server_socket)) {
@@ -133,8 +134,8 @@ void XProxy::serve() {
   while (!stopping_) {
     std::vector<pollfd> waiting{{wake_read_, POLLIN, 0}, {listener_, POLLIN, 0}};
     for (const auto& connection : open_) {
-      const bool stalled = connection->from_server >= limit_;
-      waiting.push_back({connection->client, POLLIN, 0});
+      const bool stalled = connection->from_server >= limit_ && at_limit_ == AtLimit::kStall;
+      waiting.push_back({connection->deaf ? -1 : connection->client, POLLIN, 0});
       waiting.push_back({stalled ? -1 : connection->server, POLLIN, 0});
     }
     poll(waiting.data(), waiting.size(), -1);
@@ -146,7 +147,7 @@ void XProxy::serve() {
       Connection& connection = *open_[i];
       const bool goes_on = (waiting[2 + 2 * i].revents == 0 || forwardFromClient(connection)) &&
                            (waiting[3 + 2 * i].revents == 0 || forwardFromServer(connection)) &&
-                           (connection.from_server < limit_ || at_limit_ == AtLimit::kStall);
+                           (connection.from_server < limit_ || at_limit_ != AtLimit::kClose);
       if (!goes_on) {
         open_[i].reset();
       }
@@ -183,13 +184,18 @@ bool XProxy::forwardFromClient(Connection& connection) {
 
 bool XProxy::forwardFromServer(Connection& connection) {
   Buffer buffer;
-  const std::uint64_t left = limit_ - std::min<std::uint64_t>(limit_, connection.from_server);
+  const std::uint64_t before = connection.from_server;
+  const std::uint64_t left = limit_ > before ? limit_ - before : connection.deaf ? buffer.size() : 0;
   const ssize_t count = read(connection.server, buffer.data(), std::min<std::uint64_t>(left, buffer.size()));
   if (count <= 0) {
     return left == 0;
   }
   connection.from_server += static_cast<std::uint64_t>(count);
   most_bytes_from_server_ = std::max<std::uint64_t>(most_bytes_from_server_, connection.from_server);
+  if (at_limit_ == AtLimit::kDeaf && connection.from_server >= limit_) {
+    shutdown(connection.client, SHUT_RD);  // before the client can answer to what it gets now
+    connection.deaf = true;
+  }
   return sendAll(connection.client, buffer.data(), static_cast<std::size_t>(count));
 }
 

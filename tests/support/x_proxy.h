@@ -16,7 +16,11 @@ namespace test_support {
 /// Any thread may call any function.
 class XProxy {
  public:
-  enum class AtLimit { kClose, kStall };
+  enum class AtLimit {
+    kClose,
+    kStall,  ///< the connection hangs until resume()
+    kDeaf,   ///< what the client writes from then on is refused; it still gets what the server sends
+  };
 
   explicit XProxy(std::filesystem::path server_socket);
   ~XProxy();
@@ -25,8 +29,7 @@ class XProxy {
 
   /// What DISPLAY is for the proxy.
   const std::string& display() const { return display_; }
-  /// From now on a connection gets this many bytes from the server, counted from its beginning, and no more: then it is
-  /// closed, or hangs until resume().
+  /// From now on a connection gets this many bytes from the server, counted from its beginning; then that happens.
   void limit(std::uint64_t bytes, AtLimit at_limit);
   /// Removes the limit, from connections that hang as well.
   void resume();

@@ -59,6 +59,8 @@ CF_EXPORT CFTypeRef CFRetain(CFTypeRef object);
 CF_EXPORT void CFRelease(CFTypeRef object);
 CF_EXPORT CFIndex CFGetRetainCount(CFTypeRef object);
 CF_EXPORT Boolean CFEqual(CFTypeRef first, CFTypeRef second);
+/// Releases `object` when the current autorelease pool is drained, and returns it.
+CF_EXPORT CFTypeRef CFAutorelease(CFTypeRef object);
 CF_EXPORT CFTypeID CFGetTypeID(CFTypeRef object);
 
 CF_EXPORT CFTypeID CFBooleanGetTypeID(void);

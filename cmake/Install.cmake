@@ -1,0 +1,62 @@
+# What `cmake --install` lays out: the library, the public headers, a CMake package, ostrevin-host and the documents. An
+# installed tree can be moved: programs and libraries find one another relative to themselves.
+#
+# ostrevin_install_common(): what is the same however the binaries were built.
+# ostrevin_install_binaries(): the targets of this build.
+include(CMakePackageConfigHelpers)
+include(GNUInstallDirs)
+
+set(OSTREVIN_INSTALL_INCLUDEDIR ${CMAKE_INSTALL_INCLUDEDIR}/ostrevin)
+set(OSTREVIN_INSTALL_CMAKEDIR ${CMAKE_INSTALL_LIBDIR}/cmake/Ostrevin)
+
+# The facade, and the services below it.
+set(OSTREVIN_PUBLIC_HEADERS
+  plugin/display.h
+  plugin/result_codes.h
+  display/device_iterator.h
+  display/display_services.h
+  display/monitors_set.h
+  display/screens.h
+  profile/profile_iterator.h
+  profile/profile_services.h
+  profile/result_codes.h
+  strings/export.h
+  strings/owned_ref.h
+  strings/string_services.h
+  strings/utils.h)
+
+function(ostrevin_install_common library_name)
+  foreach(header IN LISTS OSTREVIN_PUBLIC_HEADERS)
+    get_filename_component(folder ${header} DIRECTORY)
+    install(FILES ${CMAKE_SOURCE_DIR}/${header} DESTINATION ${OSTREVIN_INSTALL_INCLUDEDIR}/${folder})
+  endforeach()
+  install(FILES ${CMAKE_SOURCE_DIR}/README.md DESTINATION ${CMAKE_INSTALL_DOCDIR})
+  install(DIRECTORY ${CMAKE_SOURCE_DIR}/docs DESTINATION ${CMAKE_INSTALL_DOCDIR} FILES_MATCHING PATTERN "*.md")
+
+  set(OSTREVIN_LIBRARY_FILE ${CMAKE_INSTALL_LIBDIR}/${library_name})
+  set(OSTREVIN_PLATFORM_FILE ${CMAKE_INSTALL_LIBDIR}/libOstrevinPlatform.so)
+  configure_package_config_file(${CMAKE_SOURCE_DIR}/cmake/OstrevinConfig.cmake.in
+    ${CMAKE_BINARY_DIR}/package/OstrevinConfig.cmake
+    INSTALL_DESTINATION ${OSTREVIN_INSTALL_CMAKEDIR}
+    PATH_VARS OSTREVIN_INSTALL_INCLUDEDIR OSTREVIN_LIBRARY_FILE OSTREVIN_PLATFORM_FILE)
+  write_basic_package_version_file(${CMAKE_BINARY_DIR}/package/OstrevinConfigVersion.cmake
+    VERSION ${PROJECT_VERSION} COMPATIBILITY SameMajorVersion)
+  install(FILES
+    ${CMAKE_BINARY_DIR}/package/OstrevinConfig.cmake ${CMAKE_BINARY_DIR}/package/OstrevinConfigVersion.cmake
+    DESTINATION ${OSTREVIN_INSTALL_CMAKEDIR})
+endfunction()
+
+function(ostrevin_install_binaries)
+  ostrevin_install_common($<TARGET_FILE_NAME:Ostrevin>)
+  install(TARGETS Ostrevin LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
+  install(TARGETS ostrevin-host RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
+  if(APPLE)
+    return()
+  endif()
+  install(TARGETS OstrevinPlatform LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
+  install(DIRECTORY ${CMAKE_SOURCE_DIR}/platform/include/ DESTINATION ${OSTREVIN_INSTALL_INCLUDEDIR}/platform)
+  install(FILES ${CMAKE_SOURCE_DIR}/devhost/example-desktop.json DESTINATION ${CMAKE_INSTALL_DATADIR}/ostrevin)
+  file(RELATIVE_PATH from_programs_to_libraries /${CMAKE_INSTALL_BINDIR} /${CMAKE_INSTALL_LIBDIR})
+  set_target_properties(ostrevin-host PROPERTIES INSTALL_RPATH "$ORIGIN/${from_programs_to_libraries}")
+  set_target_properties(Ostrevin OstrevinPlatform PROPERTIES INSTALL_RPATH "$ORIGIN")
+endfunction()

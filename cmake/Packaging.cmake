@@ -1,0 +1,26 @@
+# Packages of what is installed: a .tar.gz everywhere, a .deb where Debian's tools are. Build them with `cpack` in the build
+# folder.
+set(CPACK_PACKAGE_NAME ostrevin)
+set(CPACK_PACKAGE_VENDOR "The Ostrevin maintainers")
+set(CPACK_PACKAGE_CONTACT "The Ostrevin maintainers")
+set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "${PROJECT_DESCRIPTION}")
+set(CPACK_PACKAGE_VERSION ${PROJECT_VERSION})
+set(CPACK_VERBATIM_VARIABLES ON)
+set(CPACK_GENERATOR TGZ)
+
+if(APPLE OR OSTREVIN_MACOS_CROSS)
+  set(CPACK_SYSTEM_NAME macos-universal)
+else()
+  set(CPACK_SYSTEM_NAME linux-${CMAKE_SYSTEM_PROCESSOR})
+  set(CPACK_STRIP_FILES ON)
+  find_program(OSTREVIN_DPKG_SHLIBDEPS dpkg-shlibdeps)
+  if(OSTREVIN_DPKG_SHLIBDEPS)
+    list(APPEND CPACK_GENERATOR DEB)
+  endif()
+endif()
+
+set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
+set(CPACK_DEBIAN_PACKAGE_SECTION libs)
+set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
+set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS ${CMAKE_LIBRARY_OUTPUT_DIRECTORY})
+include(CPack)

@@ -1,0 +1,61 @@
+// The live desktop is that of the X server, and may be replaced by one that a file describes.
+#include <xcb/xcb.h>
+
+#include <cstdlib>
+#include <memory>
+
+#include "desktop/current.h"
+#include "desktop/scripted.h"
+#include "devhost/tool/desktop_choice.h"
+
+namespace devhost::tool {
+namespace {
+
+constexpr const char* kDesktopVariable = "OSTREVIN_DESKTOP";
+
+std::string environmentText(const char* name) {
+  const char* const value = std::getenv(name);
+  return value == nullptr ? std::string() : std::string(value);
+}
+
+bool xServerIsThere() {
+  if (environmentText("DISPLAY").empty()) {
+    return false;
+  }
+  xcb_connection_t* const connection = xcb_connect(nullptr, nullptr);
+  const bool connected = xcb_connection_has_error(connection) == 0;
+  xcb_disconnect(connection);
+  return connected;
+}
+
+/// The variable is set as well, for what this process may start or ask later.
+void useFile(const std::string& path) {
+  try {
+    platform::desktop::setCurrent(
+        std::make_shared<platform::desktop::ScriptedDesktop>(platform::desktop::readScript(path)));
+  } catch (const std::runtime_error& error) {
+    throw DesktopError(error.what());
+  }
+  setenv(kDesktopVariable, path.c_str(), 1);
+}
+
+}  // namespace
+
+std::string chooseDesktop(const std::string& option, bool needs_displays, const std::string& example_path) {
+  if (option == kLiveDesktop) {
+    unsetenv(kDesktopVariable);
+    return {};
+  }
+  const std::string path = option.empty() ? environmentText(kDesktopVariable) : option;
+  if (!path.empty()) {
+    useFile(path);
+    return {};
+  }
+  if (!needs_displays || example_path.empty() || xServerIsThere()) {
+    return {};
+  }
+  useFile(example_path);
+  return "no X server: showing the example desktop " + example_path;
+}
+
+}  // namespace devhost::tool

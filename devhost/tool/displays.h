@@ -1,0 +1,30 @@
+// The active displays as the plugin's methods describe them.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "devhost/plugin.h"
+
+namespace devhost::tool {
+
+struct Display {
+  std::uint32_t number = 0;
+  std::optional<std::uint32_t> index;  ///< nothing when the display went away meanwhile
+  std::string name;
+  double x = 0;
+  double y = 0;
+  double width = 0;
+  double height = 0;
+  double scale = 0;
+  std::string profile;  ///< empty when there is none
+};
+
+/// Numbers of the active displays, the main one first, as a host's program gets them.
+std::vector<std::uint32_t> activeDisplayNumbers();
+/// One display, asked for at the plugin. Throws ValueError when the plugin lacks a method.
+Display describeDisplay(const Plugin& plugin, std::uint32_t number);
+
+}  // namespace devhost::tool

@@ -1,0 +1,63 @@
+#include <iostream>
+
+#include "devhost/tool/commands.h"
+#include "devhost/tool/displays.h"
+#include "devhost/tool/exit_status.h"
+#include "devhost/tool/json.h"
+#include "devhost/tool/progress.h"
+#include "devhost/tool/table.h"
+
+namespace devhost::tool {
+namespace {
+
+std::vector<Display> describeAll(const Plugin& plugin) {
+  Progress progress("displays");
+  std::vector<Display> displays;
+  for (const std::uint32_t number : activeDisplayNumbers()) {
+    displays.push_back(describeDisplay(plugin, number));
+    progress.step();
+  }
+  return displays;
+}
+
+Json toJson(const Display& display) {
+  return {{"number", display.number},
+          {"index", display.index ? Json(*display.index) : Json(nullptr)},
+          {"name", display.name},
+          {"bounds", {{"x", display.x}, {"y", display.y}, {"width", display.width}, {"height", display.height}}},
+          {"scale", display.scale},
+          {"profile", display.profile}};
+}
+
+std::vector<std::string> toRow(const Display& display) {
+  return {std::to_string(display.number),
+          display.index ? std::to_string(*display.index) : "-",
+          display.name,
+          numberText(display.width) + " x " + numberText(display.height) + " at " + numberText(display.x) + ", " +
+              numberText(display.y),
+          numberText(display.scale),
+          display.profile.empty() ? "-" : display.profile};
+}
+
+}  // namespace
+
+int listDisplays(Session& session) {
+  const std::vector<Display> displays = describeAll(session.plugin());
+  if (session.json()) {
+    Json document = jsonDocument("list");
+    document["displays"] = Json::array();
+    for (const Display& display : displays) {
+      document["displays"].push_back(toJson(display));
+    }
+    printJson(document);
+    return kDone;
+  }
+  Table table({"Number", "Index", "Name", "Bounds", "Scale", "Profile"});
+  for (const Display& display : displays) {
+    table.addRow(toRow(display));
+  }
+  std::cout << table;
+  return kDone;
+}
+
+}  // namespace devhost::tool

@@ -1,0 +1,231 @@
+// Strings, URLs and paths through the platform.
+#include <gmock/gmock.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "frameworks/autorelease_pool.h"
+#include "frameworks/system_version.h"
+#include "strings/owned_ref.h"
+#include "strings/string_services.h"
+
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+/// A test works inside an autorelease pool of its own.
+class Strings : public testing::Test {
+ protected:
+  ~Strings() override { platform::setSystemVersion(platform::kSystemVersion); }
+
+ private:
+  const platform::ScopedPool pool_;
+};
+
+class Paths : public Strings {
+ protected:
+  Paths() {
+    std::string name = (std::filesystem::temp_directory_path() / "strings-XXXXXX").string();
+    folder_ = mkdtemp(name.data());
+  }
+  ~Paths() override { std::filesystem::remove_all(folder_); }
+
+  std::string makeFile(const std::string& name) const {
+    std::ofstream(folder_ + "/" + name) << "content";
+    return folder_ + "/" + name;
+  }
+
+  std::string folder_;
+};
+
+CFStringRef string(const char* utf8) { return StringServices::UTF8StringToCFString(utf8); }
+
+std::string textOf(CFStringRef value) {
+  const char* const utf8 = StringServices::CFStringRefToUTF8String(value);
+  return utf8 != nullptr ? utf8 : "(null)";
+}
+
+std::string textOf(CFURLRef url) { return url != nullptr ? textOf(CFURLGetString(url)) : "(null)"; }
+
+std::string pathOf(CFURLRef url) {
+  const char* const path = StringServices::CFURLRefToPOSIXPath(url);
+  return path != nullptr ? path : "(null)";
+}
+
+std::vector<int> bytesOf(CFDataRef data) {
+  const UInt8* const bytes = CFDataGetBytePtr(data);
+  return {bytes, bytes + CFDataGetLength(data)};
+}
+
+constexpr const char* kAccents = "\xC3\xA9t\xC3\xA9";
+
+// --- strings
+
+TEST_F(Strings, GoThereAndBack) {
+  for (const char* const text : {"", "abc", kAccents, "\xE6\x97\xA5\xE6\x9C\xAC", "A\xF0\x9F\x98\x80", "e\xCC\x81"}) {
+    EXPECT_EQ(textOf(string(text)), text);
+  }
+}
+
+TEST_F(Strings, OfWhatIsNoUtf8AreNull) {
+  for (const char* const text : {"\xC0\x80", "\xE0\x80\x80", "\xED\xA0\x80", "\xF4\x90\x80\x80", "\x80", "\xFF",
+                                 "a\xC3", "a\xE2\x82", "a\xF0\x9F\x98"}) {
+    EXPECT_EQ(string(text), nullptr) << testing::PrintToString(text);
+  }
+}
+
+TEST_F(Strings, OfNullAreNull) {
+  EXPECT_EQ(string(nullptr), nullptr);
+  EXPECT_EQ(StringServices::CFStringRefToUTF8String(nullptr), nullptr);
+}
+
+TEST_F(Strings, BelongToThePool) {
+  CFStringRef made = nullptr;
+  {
+    const platform::ScopedPool pool;
+    made = string("a string that outlives its pool only because somebody retains it");
+    CFRetain(made);
+    EXPECT_EQ(CFGetRetainCount(made), 2);
+  }
+  EXPECT_EQ(CFGetRetainCount(made), 1);
+  CFRelease(made);
+}
+
+// --- data
+
+TEST_F(Strings, BecomeBigEndianUtf16WithoutAMark) {
+  EXPECT_THAT(bytesOf(StringServices::CFStringRefToUTF16BE(string("A\xC3\xA9\xF0\x9F\x98\x80"))),
+              ElementsAre(0x00, 0x41, 0x00, 0xE9, 0xD8, 0x3D, 0xDE, 0x00));
+  EXPECT_THAT(bytesOf(StringServices::CFStringRefToUTF16BE(string(""))), IsEmpty());
+}
+
+TEST_F(Strings, BecomeAsciiWithLosses) {
+  EXPECT_THAT(bytesOf(StringServices::CFStringRefToASCII(string("abc"))), ElementsAre('a', 'b', 'c'));
+  EXPECT_NE(StringServices::CFStringRefToASCII(string(kAccents)), nullptr);
+  EXPECT_NE(StringServices::CFStringRefToASCII(string("\xE6\x97\xA5\xF0\x9F\x98\x80")), nullptr);
+}
+
+TEST_F(Strings, BecomeMacRomanWithLosses) {
+  EXPECT_THAT(bytesOf(StringServices::CFStringRefToMac(string(kAccents))), ElementsAre(0x8E, 't', 0x8E));
+  EXPECT_NE(StringServices::CFStringRefToMac(string("\xE6\x97\xA5\xF0\x9F\x98\x80")), nullptr);
+}
+
+TEST_F(Strings, ThatAreNullBecomeNoData) {
+  EXPECT_EQ(StringServices::CFStringRefToUTF16BE(nullptr), nullptr);
+  EXPECT_EQ(StringServices::CFStringRefToASCII(nullptr), nullptr);
+  EXPECT_EQ(StringServices::CFStringRefToMac(nullptr), nullptr);
+}
+
+// --- codes
+
+TEST_F(Strings, TheCodesAreTheFirstOfAll) {
+  EXPECT_EQ(textOf(StringServices::CountryCode()), "AD");
+  EXPECT_EQ(textOf(StringServices::LanguageCode()), "aa");
+}
+
+// --- searching
+
+class Contains : public Strings, public testing::WithParamInterface<platform::SystemVersion> {
+ protected:
+  Contains() { platform::setSystemVersion(GetParam()); }
+
+  static bool contains(const char* text, const char* part) {
+    return StringServices::CFStringRefContains(string(text), string(part));
+  }
+};
+
+TEST_P(Contains, IsCaseSensitive) {
+  EXPECT_TRUE(contains("Display", "play"));
+  EXPECT_TRUE(contains("Display", "Display"));
+  EXPECT_FALSE(contains("Display", "display"));
+  EXPECT_FALSE(contains("play", "Display"));
+}
+
+TEST_P(Contains, IsFalseForTheEmptyPart) {
+  EXPECT_FALSE(contains("Display", ""));
+  EXPECT_FALSE(contains("", ""));
+}
+
+TEST_P(Contains, FindsCharactersOfAllWidths) {
+  EXPECT_TRUE(contains("\xE6\x97\xA5\xE6\x9C\xAC\xF0\x9F\x98\x80", "\xF0\x9F\x98\x80"));
+  EXPECT_FALSE(contains("\xE6\x97\xA5\xE6\x9C\xAC", "\xE8\xAA\x9E"));
+}
+
+TEST_P(Contains, IsFalseForNull) {
+  EXPECT_FALSE(contains(nullptr, "a"));
+  EXPECT_FALSE(contains("a", nullptr));
+  EXPECT_FALSE(contains(nullptr, nullptr));
+}
+
+INSTANTIATE_TEST_SUITE_P(BeforeAndSince, Contains,
+                         testing::Values(platform::SystemVersion{10, 9, 5}, platform::SystemVersion{10, 10, 0}),
+                         [](const auto& version) { return version.param.minor == 9 ? "Before" : "Since"; });
+
+// --- paths and URLs
+
+TEST_F(Paths, OfADirectoryMakeADirectoryUrlOnlyWhenTheFileSystemIsAsked) {
+  EXPECT_EQ(textOf(StringServices::POSIXPathToCFURLRef(folder_.c_str())), "file://" + folder_ + "/");
+  EXPECT_EQ(textOf(StringServices::CFStringToCFURL(string(folder_.c_str()))), "file://" + folder_);
+  EXPECT_EQ(textOf(StringServices::CFStringToCFURL(string((folder_ + "/").c_str()))), "file://" + folder_);
+}
+
+TEST_F(Paths, OfAFileMakeNoDirectoryUrl) {
+  const std::string path = makeFile("a b#c.icc");
+  EXPECT_EQ(textOf(StringServices::POSIXPathToCFURLRef(path.c_str())), "file://" + folder_ + "/a%20b%23c.icc");
+}
+
+TEST_F(Paths, ComeBackFromTheirUrls) {
+  for (const char* const name :
+       {"plain", "a b", "a#b", "a?b", "a%41b", "a;b", "\xC3\xA9", "\xF0\x9F\x98\x80", "a\\b"}) {
+    const std::string path = folder_ + "/" + name;
+    EXPECT_EQ(pathOf(StringServices::POSIXPathToCFURLRef(path.c_str())), path);
+    EXPECT_EQ(pathOf(StringServices::CFStringToCFURL(string(path.c_str()))), path);
+    EXPECT_EQ(textOf(StringServices::LastPathComponent(StringServices::POSIXPathToCFURLRef(path.c_str()))), name);
+  }
+  EXPECT_EQ(pathOf(StringServices::POSIXPathToCFURLRef(folder_.c_str())), folder_);
+}
+
+TEST_F(Paths, OfTheRootAreTheRoot) {
+  const CFURLRef root = StringServices::POSIXPathToCFURLRef("/");
+  EXPECT_EQ(pathOf(root), "/");
+  EXPECT_EQ(textOf(StringServices::LastPathComponent(root)), "/");
+}
+
+TEST_F(Paths, ThatAreRelativeOrEmptyStartAtTheCurrentDirectory) {
+  const std::string here = std::filesystem::current_path().string();
+  EXPECT_EQ(pathOf(StringServices::POSIXPathToCFURLRef("no such file")), here + "/no such file");
+  EXPECT_EQ(pathOf(StringServices::POSIXPathToCFURLRef("")), here);
+}
+
+TEST_F(Paths, ThatAreNullOrNoUtf8MakeNoUrl) {
+  EXPECT_EQ(StringServices::POSIXPathToCFURLRef(nullptr), nullptr);
+  EXPECT_EQ(StringServices::POSIXPathToCFURLRef("/\xFF"), nullptr);
+  EXPECT_EQ(StringServices::POSIXPathToCFURLRef("/a\xE2\x82"), nullptr);
+  EXPECT_EQ(StringServices::CFStringToCFURL(nullptr), nullptr);
+}
+
+TEST_F(Paths, OfNoUrlAreNull) {
+  EXPECT_EQ(StringServices::CFURLRefToPOSIXPath(nullptr), nullptr);
+  EXPECT_EQ(StringServices::LastPathComponent(nullptr), nullptr);
+}
+
+TEST_F(Paths, MayBeLongerThanAStackIsDeep) {
+  const std::string path = "/" + std::string(9000000, 'a');
+  EXPECT_TRUE(pathOf(StringServices::POSIXPathToCFURLRef(path.c_str())) == path);
+}
+
+TEST(StringServices, WorkOnAThreadThatHasAPool) {
+  std::string text;
+  std::thread([&text] {
+    const platform::ScopedPool pool;
+    text = pathOf(StringServices::POSIXPathToCFURLRef("/from/a/thread"));
+  }).join();
+  EXPECT_EQ(text, "/from/a/thread");
+}
+
+}  // namespace
