@@ -36,6 +36,19 @@ CFStringRef recordUuidKey() { return CFSTR("UUID"); }
 CFStringRef recordNameKey() { return CFSTR("Name"); }
 CFStringRef recordUrlKey() { return CFSTR("URL"); }
 
+// --- the shared variables: plain and unlocked, used by a query and by walks that outlived theirs at the same time.
+// Each access is atomic, so that whoever reads a reference finds the whole object behind it.
+
+template <typename Ref>
+Ref load(const Ref& variable) {
+  return __atomic_load_n(&variable, __ATOMIC_ACQUIRE);
+}
+
+template <typename Ref>
+void store(Ref& variable, Ref value) {
+  __atomic_store_n(&variable, value, __ATOMIC_RELEASE);
+}
+
 // --- the list of device records
 
 /// Null while there is no list, which is always.
@@ -79,7 +92,7 @@ bool seek(CFUUIDRef uuid) {
   if (text == nullptr) {
     return false;
   }
-  device_iterator::inUUIDstr = text;
+  store(device_iterator::inUUIDstr, text);
   return true;
 }
 
@@ -142,7 +155,7 @@ bool device_iterator::deviceListIterator(CFDictionaryRef entry, void* userInfo) 
   if (entry == nullptr) {
     return true;
   }
-  const CFStringRef sought = inUUIDstr;
+  const CFStringRef sought = load(inUUIDstr);
   const Entry values(entry);
   if (sought == nullptr || !values.isComplete()) {
     return true;
@@ -164,12 +177,12 @@ bool device_iterator::deviceListIterator(CFDictionaryRef entry, void* userInfo) 
   }
   // The query whose display this is may have given up while its entry was looked at; the variables belong to the next
   // one.
-  if (inUUIDstr != sought) {
+  if (load(inUUIDstr) != sought) {
     return true;
   }
   // Both references are kept for the life of the process: results are borrowed from the static variables.
-  profile_path = static_cast<CFURLRef>(CFRetain(values.url));
-  device_name = static_cast<CFStringRef>(CFRetain(values.description));
+  store(profile_path, static_cast<CFURLRef>(CFRetain(values.url)));
+  store(device_name, static_cast<CFStringRef>(CFRetain(values.description)));
   fulfil(static_cast<std::promise<bool>*>(userInfo));
   return false;
 }
@@ -182,12 +195,13 @@ CFURLRef device_iterator::profileForCGDirectDisplayID(CGDirectDisplayID displayI
   if (const CFDictionaryRef record = findRecord(inUUIDstr)) {
     return checkedValue<CFURLRef>(record, recordUrlKey(), CFURLGetTypeID());
   }
-  return walkMatches(kProfileLimit) ? profile_path : nullptr;
+  return walkMatches(kProfileLimit) ? load(profile_path) : nullptr;
 }
 
 CFURLRef ProfilePathForDisplay(CGDirectDisplayID displayID) {
-  device_iterator::device_name = CFSTR("Empty");
-  device_iterator::profile_path = nullptr;  // the reference that it held is deliberately not released
+  store(device_iterator::device_name, CFSTR("Empty"));
+  // The reference that it held is deliberately not released.
+  store(device_iterator::profile_path, CFURLRef{nullptr});
   const CFURLRef url = device_iterator::profileForCGDirectDisplayID(displayID);
   return url != nullptr ? static_cast<CFURLRef>(CFRetain(url)) : nullptr;
 }
@@ -197,9 +211,10 @@ CFStringRef displayNameUsingColorSync(CFUUIDRef uuid) {
     return unknownName();
   }
   if (const CFDictionaryRef record = findRecord(device_iterator::inUUIDstr)) {
-    return checkedValue<CFStringRef>(record, recordNameKey(), CFStringGetTypeID());
+    const auto name = checkedValue<CFStringRef>(record, recordNameKey(), CFStringGetTypeID());
+    return name != nullptr ? name : unknownName();
   }
-  return walkMatches(kNameLimit) ? device_iterator::device_name : unknownName();
+  return walkMatches(kNameLimit) ? load(device_iterator::device_name) : unknownName();
 }
 
 }  // namespace DisplayServices

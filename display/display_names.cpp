@@ -61,6 +61,12 @@ CFStringRef firstName(CFDictionaryRef names, CFIndex count) {
   return checkedCast<CFStringRef>(values.front(), CFStringGetTypeID());
 }
 
+/// What IOKit knows of the display behind a service, or null. Kept for the life of the process: a name that is returned
+/// lives inside it.
+CFDictionaryRef keptInfo(io_service_t service) {
+  return IODisplayCreateInfoDictionary(service, kIODisplayOnlyPreferredName);
+}
+
 }  // namespace
 
 io_service_t device_iterator::IOServicePortFromCGDisplayID(CGDirectDisplayID displayID) {
@@ -92,8 +98,7 @@ CFStringRef DisplayNameForID(CGDirectDisplayID displayID) {
     if (!service) {
       return unknownName();
     }
-    // Kept for the life of the process: the name that is returned lives inside it.
-    info = IODisplayCreateInfoDictionary(service.get(), kIODisplayOnlyPreferredName);
+    info = keptInfo(service.get());
   }
   const auto names = info != nullptr
                          ? checkedValue<CFDictionaryRef>(info, CFSTR(kDisplayProductName), CFDictionaryGetTypeID())
