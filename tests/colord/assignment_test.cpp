@@ -84,7 +84,8 @@ TEST_F(Assignment, OfAFileWhoseContentsChangedSince) {
 }
 
 TEST_F(Assignment, OfAGreyDisplayProfile) {
-  writeFile(colord_.directory() / "grey.icc", readFile("/usr/share/color/icc/colord/AppleRGB.icc").replace(16, 4, "GRAY"));
+  writeFile(colord_.directory() / "grey.icc",
+            readFile("/usr/share/color/icc/colord/AppleRGB.icc").replace(16, 4, "GRAY"));
   EXPECT_TRUE(assign(colord_.directory() / "grey.icc"));
   expectDefault(colord_.directory() / "grey.icc");
 }

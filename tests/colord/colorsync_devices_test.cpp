@@ -41,8 +41,8 @@ DeviceProfile fullEntry() {
 using Visit = std::function<bool(CFDictionaryRef)>;
 
 void iterate(Visit visit) {
-  ColorSyncIterateDeviceProfiles(
-      [](CFDictionaryRef entry, void* data) { return (*static_cast<Visit*>(data))(entry); }, &visit);
+  ColorSyncIterateDeviceProfiles([](CFDictionaryRef entry, void* data) { return (*static_cast<Visit*>(data))(entry); },
+                                 &visit);
 }
 
 Script scriptOf(std::vector<DeviceProfile> entries) {
@@ -111,8 +111,8 @@ TEST(IterateDeviceProfiles, LetsGoOfAnEntryAfterItsCallback) {
   OwnedRef<CFURLRef> kept_url;
   iterate([&](CFDictionaryRef entry) {
     kept_entry = OwnedRef<CFDictionaryRef>::retain(entry);
-    kept_url = OwnedRef<CFURLRef>::retain(
-        static_cast<CFURLRef>(CFDictionaryGetValue(entry, kColorSyncDeviceProfileURL)));
+    kept_url =
+        OwnedRef<CFURLRef>::retain(static_cast<CFURLRef>(CFDictionaryGetValue(entry, kColorSyncDeviceProfileURL)));
     return true;
   });
   EXPECT_EQ(CFGetRetainCount(kept_entry.get()), 1);
@@ -136,9 +136,8 @@ OwnedRef<CFUUIDRef> uuidRef(std::uint8_t last) {
 }
 
 OwnedRef<CFURLRef> fileUrl(const char* path) {
-  return OwnedRef<CFURLRef>::adopt(
-      CFURLCreateWithFileSystemPath(kCFAllocatorDefault, CFStringRef(__CFStringMakeConstantString(path)),
-                                    kCFURLPOSIXPathStyle, false));
+  return OwnedRef<CFURLRef>::adopt(CFURLCreateWithFileSystemPath(
+      kCFAllocatorDefault, CFStringRef(__CFStringMakeConstantString(path)), kCFURLPOSIXPathStyle, false));
 }
 
 OwnedRef<CFDictionaryRef> dictionary(const void* key, const void* value) {

@@ -36,7 +36,8 @@ std::map<std::string, std::string> properties(const ColordRegistration& registra
 
 TEST(MatchDevices, PairsByConnectorAndEdidWhateverTheOrder) {
   const std::vector<Display> displays{makeDisplay(1, "DP-1", firstEdid()), makeDisplay(2, "DP-2", secondEdid())};
-  const std::vector<ColordDevice> devices{device("b", "DP-2", md5(secondEdid())), device("a", "DP-1", md5(firstEdid()))};
+  const std::vector<ColordDevice> devices{device("b", "DP-2", md5(secondEdid())),
+                                          device("a", "DP-1", md5(firstEdid()))};
   EXPECT_THAT(matchDevices(displays, devices), ElementsAre(Optional(1), Optional(0)));
 }
 

@@ -69,7 +69,8 @@ void writeText(const char* file, const char* text) {
   }
 }
 
-/// A mount namespace of the process's own; for a user without privileges in a user namespace in which it has its own id.
+/// A mount namespace of the process's own; for a user without privileges in a user namespace in which it has its own
+/// id.
 bool ownMounts(const std::string& user_map, const std::string& group_map) {
   if (unshare(CLONE_NEWNS) != 0) {
     if (unshare(CLONE_NEWUSER | CLONE_NEWNS) != 0) {
@@ -200,11 +201,10 @@ std::string PrivateColord::registerDevice(const std::string& id, const std::map<
     g_variant_builder_add(&properties, "{ss}", key.c_str(), value.c_str());
   }
   GError* error = nullptr;
-  const Variant answer(g_dbus_connection_call_sync(connection_.get(), kColordName, kColordPath, kColordName,
-                                                   "CreateDevice",
-                                                   g_variant_new("(ssa{ss})", id.c_str(), "normal", &properties),
-                                                   G_VARIANT_TYPE("(o)"), G_DBUS_CALL_FLAGS_NONE, kCallTimeoutMs,
-                                                   nullptr, &error));
+  const Variant answer(
+      g_dbus_connection_call_sync(connection_.get(), kColordName, kColordPath, kColordName, "CreateDevice",
+                                  g_variant_new("(ssa{ss})", id.c_str(), "normal", &properties), G_VARIANT_TYPE("(o)"),
+                                  G_DBUS_CALL_FLAGS_NONE, kCallTimeoutMs, nullptr, &error));
   if (!answer) {
     throw std::runtime_error("CreateDevice: " + takeMessage(error));
   }
@@ -215,9 +215,9 @@ std::string PrivateColord::registerDevice(const std::string& id, const std::map<
 
 void PrivateColord::deleteDevice(const std::string& object_path) {
   GError* error = nullptr;
-  const Variant answer(g_dbus_connection_call_sync(
-      connection_.get(), kColordName, kColordPath, kColordName, "DeleteDevice",
-      g_variant_new("(o)", object_path.c_str()), nullptr, G_DBUS_CALL_FLAGS_NONE, kCallTimeoutMs, nullptr, &error));
+  const Variant answer(g_dbus_connection_call_sync(connection_.get(), kColordName, kColordPath, kColordName,
+                                                   "DeleteDevice", g_variant_new("(o)", object_path.c_str()), nullptr,
+                                                   G_DBUS_CALL_FLAGS_NONE, kCallTimeoutMs, nullptr, &error));
   if (!answer) {
     throw std::runtime_error("DeleteDevice: " + takeMessage(error));
   }

@@ -1,12 +1,13 @@
 // A real colord of the test's own, on a real system bus of the test's own.
 //
 // The bus is a dbus-daemon on a socket in a temporary directory, named to this process and its children by
-// DBUS_SYSTEM_BUS_ADDRESS. colord runs in a mount namespace in which /var/lib/colord is a directory of the test's, so tests
-// can run at the same time and the computer's own colord is not touched; its plugins, which start processes of their own to
-// look for scanners, are hidden from it there. Both die with the test.
+// DBUS_SYSTEM_BUS_ADDRESS. colord runs in a mount namespace in which /var/lib/colord is a directory of the test's, so
+// tests can run at the same time and the computer's own colord is not touched; its plugins, which start processes of
+// their own to look for scanners, are hidden from it there. Both die with the test.
 //
-// There is no polkit on the bus. None is needed: colord lets root and the user that it runs as itself do everything without
-// asking, and it runs as the user of the test, root or not. So what polkit would deny to a user is not tested here.
+// There is no polkit on the bus. None is needed: colord lets root and the user that it runs as itself do everything
+// without asking, and it runs as the user of the test, root or not. So what polkit would deny to a user is not tested
+// here.
 //
 // A test creates the rig before anything in the process uses the system bus.
 #pragma once
