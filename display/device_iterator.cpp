@@ -11,6 +11,7 @@
 #include "display/answer_wait.h"
 #include "display/checked_value.h"
 #include "display/display_services.h"
+#include "display/kept.h"
 #include "display/unknown_name.h"
 
 namespace DisplayServices {
@@ -27,6 +28,7 @@ internal::AnswerWait internal::answer_wait = [](const std::future<bool>& answer,
 namespace {
 
 using internal::checkedValue;
+using internal::kept;
 using internal::unknownName;
 
 constexpr std::chrono::seconds kProfileLimit{2};
@@ -88,7 +90,7 @@ bool seek(CFUUIDRef uuid) {
     return false;
   }
   // Kept for the life of the process, like every one before it: a walk that outlived its query compares against it.
-  const CFStringRef text = CFUUIDCreateString(kCFAllocatorDefault, uuid);
+  const CFStringRef text = kept(CFUUIDCreateString(kCFAllocatorDefault, uuid));
   if (text == nullptr) {
     return false;
   }
@@ -103,7 +105,7 @@ bool walkMatches(std::chrono::seconds limit) {
   const auto promise = std::make_shared<std::promise<bool>>();
   const std::future<bool> answer = promise->get_future();
   // Kept for the life of the process: deliberately a queue per query, so that a walk that hangs holds up no later one.
-  const dispatch_queue_t queue = dispatch_queue_create("SERIAL_QUEUE", nullptr);
+  auto* const queue = dispatch_queue_create("SERIAL_QUEUE", nullptr);
   if (queue == nullptr) {
     return false;
   }
@@ -181,15 +183,15 @@ bool device_iterator::deviceListIterator(CFDictionaryRef entry, void* userInfo) 
     return true;
   }
   // Both references are kept for the life of the process: results are borrowed from the static variables.
-  store(profile_path, static_cast<CFURLRef>(CFRetain(values.url)));
-  store(device_name, static_cast<CFStringRef>(CFRetain(values.description)));
+  store(profile_path, kept(static_cast<CFURLRef>(CFRetain(values.url))));
+  store(device_name, kept(static_cast<CFStringRef>(CFRetain(values.description))));
   fulfil(static_cast<std::promise<bool>*>(userInfo));
   return false;
 }
 
 CFURLRef device_iterator::profileForCGDirectDisplayID(CGDirectDisplayID displayID) {
   // The UUID is deliberately not released.
-  if (!seek(CGDisplayCreateUUIDFromDisplayID(displayID))) {
+  if (!seek(kept(CGDisplayCreateUUIDFromDisplayID(displayID)))) {
     return nullptr;
   }
   if (const CFDictionaryRef record = findRecord(inUUIDstr)) {
@@ -203,6 +205,7 @@ CFURLRef ProfilePathForDisplay(CGDirectDisplayID displayID) {
   // The reference that it held is deliberately not released.
   store(device_iterator::profile_path, CFURLRef{nullptr});
   const CFURLRef url = device_iterator::profileForCGDirectDisplayID(displayID);
+  // NOLINTNEXTLINE(clang-analyzer-osx.cocoa.RetainCount): the caller's, although the name does not say so
   return url != nullptr ? static_cast<CFURLRef>(CFRetain(url)) : nullptr;
 }
 

@@ -1,5 +1,6 @@
 // The names of displays that were asked for once.
 #include "display/display_services.h"
+#include "display/kept.h"
 #include "display/unknown_name.h"
 
 namespace DisplayServices {
@@ -7,14 +8,14 @@ namespace {
 
 /// What a name is kept under: the UUID's text, or null. The text is deliberately not released.
 CFStringRef keptKey(CFUUIDRef uuid) {
-  return uuid != nullptr ? CFUUIDCreateString(kCFAllocatorDefault, uuid) : nullptr;
+  return uuid != nullptr ? internal::kept(CFUUIDCreateString(kCFAllocatorDefault, uuid)) : nullptr;
 }
 
 }  // namespace
 
 CFStringRef KnownDisplayForID(CGDirectDisplayID displayID) {
   // The UUID is deliberately not released.
-  return __knownDisplayForUUID(CGDisplayCreateUUIDFromDisplayID(displayID));
+  return __knownDisplayForUUID(internal::kept(CGDisplayCreateUUIDFromDisplayID(displayID)));
 }
 
 CFStringRef __knownDisplayForUUID(CFUUIDRef uuid) {  // NOLINT(bugprone-reserved-identifier): exported so
