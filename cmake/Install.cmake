@@ -7,6 +7,7 @@ include(CMakePackageConfigHelpers)
 include(GNUInstallDirs)
 
 set(OSTREVIN_INSTALL_INCLUDEDIR ${CMAKE_INSTALL_INCLUDEDIR}/ostrevin)
+set(OSTREVIN_INSTALL_DOCDIR ${CMAKE_INSTALL_DATAROOTDIR}/doc/ostrevin)
 set(OSTREVIN_INSTALL_CMAKEDIR ${CMAKE_INSTALL_LIBDIR}/cmake/Ostrevin)
 
 # The facade, and the services below it.
@@ -30,8 +31,8 @@ function(ostrevin_install_common library_name)
     get_filename_component(folder ${header} DIRECTORY)
     install(FILES ${CMAKE_SOURCE_DIR}/${header} DESTINATION ${OSTREVIN_INSTALL_INCLUDEDIR}/${folder})
   endforeach()
-  install(FILES ${CMAKE_SOURCE_DIR}/README.md DESTINATION ${CMAKE_INSTALL_DOCDIR})
-  install(DIRECTORY ${CMAKE_SOURCE_DIR}/docs DESTINATION ${CMAKE_INSTALL_DOCDIR} FILES_MATCHING PATTERN "*.md")
+  install(FILES ${CMAKE_SOURCE_DIR}/README.md DESTINATION ${OSTREVIN_INSTALL_DOCDIR})
+  install(DIRECTORY ${CMAKE_SOURCE_DIR}/docs DESTINATION ${OSTREVIN_INSTALL_DOCDIR} FILES_MATCHING PATTERN "*.md")
 
   set(OSTREVIN_LIBRARY_FILE ${CMAKE_INSTALL_LIBDIR}/${library_name})
   set(OSTREVIN_PLATFORM_FILE ${CMAKE_INSTALL_LIBDIR}/libOstrevinPlatform.so)
