@@ -2,6 +2,7 @@
 
 #include <colord.h>
 
+#include <map>
 #include <stdexcept>
 
 namespace bench {
@@ -18,9 +19,13 @@ struct UnrefArray {
 };
 using OwnedArray = std::unique_ptr<GPtrArray, UnrefArray>;
 
+bool connect(CdProfile* profile) {
+  return cd_profile_get_connected(profile) != FALSE || cd_profile_connect_sync(profile, nullptr, nullptr) != FALSE;
+}
+
 std::string firstProfileFile(CdDevice* device) {
   const Owned<CdProfile> profile(cd_device_get_default_profile(device));
-  if (!profile || cd_profile_connect_sync(profile.get(), nullptr, nullptr) == FALSE) {
+  if (!profile || !connect(profile.get())) {
     return "";
   }
   const char* const file = cd_profile_get_filename(profile.get());
@@ -30,7 +35,26 @@ std::string firstProfileFile(CdDevice* device) {
 }  // namespace
 
 struct DirectProfile::Client {
+  /// The device to ask: the one that was kept of the same path, else this one, connected. Null when it does not
+  /// connect.
+  CdDevice* connected(CdDevice* device) {
+    const std::string path = cd_device_get_object_path(device);
+    const auto found = kept.find(path);
+    if (found != kept.end()) {
+      return found->second.get();
+    }
+    if (cd_device_connect_sync(device, nullptr, nullptr) == FALSE) {
+      return nullptr;
+    }
+    if (keeps) {
+      kept.emplace(path, static_cast<CdDevice*>(g_object_ref(device)));
+    }
+    return device;
+  }
+
   Owned<CdClient> client{cd_client_new()};
+  bool keeps = false;
+  std::map<std::string, Owned<CdDevice>> kept;
 };
 
 DirectProfile::DirectProfile() : client_(std::make_unique<Client>()) {
@@ -41,12 +65,14 @@ DirectProfile::DirectProfile() : client_(std::make_unique<Client>()) {
 
 DirectProfile::~DirectProfile() = default;
 
+void DirectProfile::keepConnected() { client_->keeps = true; }
+
 std::string DirectProfile::file(const std::string& output) const {
   const OwnedArray devices(
       cd_client_get_devices_by_kind_sync(client_->client.get(), CD_DEVICE_KIND_DISPLAY, nullptr, nullptr));
   for (guint i = 0; devices && i < devices->len; ++i) {
-    auto* const device = static_cast<CdDevice*>(g_ptr_array_index(devices.get(), i));
-    if (cd_device_connect_sync(device, nullptr, nullptr) == FALSE) {
+    CdDevice* const device = client_->connected(static_cast<CdDevice*>(g_ptr_array_index(devices.get(), i)));
+    if (device == nullptr) {
       continue;
     }
     const char* const connector = cd_device_get_metadata_item(device, CD_DEVICE_METADATA_XRANDR_NAME);

@@ -6,7 +6,7 @@
 
 namespace bench {
 
-/// One thread. Connected to colord once; every answer is read anew.
+/// One thread. Connected to colord once; the devices are asked for at every call.
 class DirectProfile {
  public:
   /// Throws std::runtime_error without a colord.
@@ -14,6 +14,10 @@ class DirectProfile {
   ~DirectProfile();
   DirectProfile(const DirectProfile&) = delete;
   DirectProfile& operator=(const DirectProfile&) = delete;
+
+  /// From now on devices and profiles stay connected once they are, so that a walk asks colord for the list of devices
+  /// only.
+  void keepConnected();
 
   /// Walks the display devices and their profiles up to the first one of the output's device, and answers its file;
   /// "" when there is none.

@@ -61,17 +61,10 @@ class PairedTiming {
     }
     const double ratio = median(ratios);
     const bool over = ratio > bar;
-    over_ += over ? 1 : 0;
     std::printf("%-44s %12.0f %12.0f %7.3f %6.2f%s\n", name.c_str(), median(plugin_times), median(direct_times), ratio,
                 bar, over ? "  over" : "");
     std::fflush(stdout);
   }
-
-  /// 1 when a ratio was over its bar.
-  int exitStatus() const { return over_ == 0 ? 0 : 1; }
-
- private:
-  int over_ = 0;
 };
 
 /// Keeps the compiler from leaving out what makes the value.
