@@ -1,7 +1,7 @@
 // The desktop as the frameworks see it: one model, filled either from the computer's real desktop or from a script.
 //
-// Everything here is plain data. A string is UTF-8, a path is a POSIX path, a length is in points. A member that is absent
-// (nullopt) is an answer too: the frameworks then leave the value out, or answer null.
+// Everything here is plain data. A string is UTF-8, a path is a POSIX path, a length is in points. A member that is
+// absent (nullopt) is an answer too: the frameworks then leave the value out, or answer null.
 #pragma once
 
 #include <array>
@@ -35,7 +35,7 @@ struct Display {
   std::uint32_t vendor = 0;  ///< EDID's 16-bit packed manufacturer id
   std::uint32_t model = 0;
   std::uint32_t serial = 0;
-  std::string connector;  ///< such as "DP-1"; empty when the desktop does not say
+  std::string connector;           ///< such as "DP-1"; empty when the desktop does not say
   std::vector<std::uint8_t> edid;  ///< the monitor's whole EDID as it was read; empty without a valid one
 };
 
@@ -57,10 +57,10 @@ struct DisplayService {
 
 /// What belongs together at one moment. Never changed once it is published.
 struct Arrangement {
-  std::vector<Display> displays;            ///< the main display first
-  std::vector<Screen> screens;              ///< in the order in which AppKit lists them
-  std::optional<std::size_t> main_screen;   ///< index into `screens`
-  std::vector<DisplayService> services;     ///< in the order in which IOKit lists them
+  std::vector<Display> displays;           ///< the main display first
+  std::vector<Screen> screens;             ///< in the order in which AppKit lists them
+  std::optional<std::size_t> main_screen;  ///< index into `screens`
+  std::vector<DisplayService> services;    ///< in the order in which IOKit lists them
 };
 
 /// One (device, profile) entry of a colour-managed device.
@@ -80,8 +80,9 @@ struct InstalledProfile {
   std::optional<std::string> profile_class;  ///< the four characters of the class signature, such as "mntr"
   std::optional<std::string> description;
   std::optional<std::string> path;
-  /// Present when the desktop may visit this very entry, unchanged, again. It belongs to whoever visits.
-  std::shared_ptr<Kept> kept{};
+  /// Not null when the desktop may visit this very entry, unchanged, again. The place lives as long as the entry; what
+  /// is in it is the business of whoever visits.
+  Kept* kept = nullptr;
 };
 
 /// A visitor answers false to end the walk.
