@@ -1,5 +1,5 @@
-// The geometry methods through their rows, and the same framework calls made directly, over the desktop that is there (a
-// scripted one with OSTREVIN_DESKTOP=FILE). Every method is asked about the last display, the longest way to search.
+// The geometry methods through their rows, and the same framework calls made directly, over the desktop that is there
+// (a scripted one with OSTREVIN_DESKTOP=FILE). Every method is asked about the last display, the longest way to search.
 #include <benchmark/benchmark.h>
 
 #include <vector>

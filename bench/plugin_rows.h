@@ -1,8 +1,8 @@
 // The plugin's methods by their rows, as a host that has read the module record calls them.
 #pragma once
 
-#include <cstring>
 #include <dlfcn.h>
+#include <cstring>
 #include <stdexcept>
 #include <string>
 #include <string_view>

@@ -11,6 +11,7 @@
 #include "display/answer_wait.h"
 #include "display/checked_value.h"
 #include "display/display_services.h"
+#include "display/kept.h"
 #include "display/unknown_name.h"
 
 namespace DisplayServices {
@@ -27,6 +28,7 @@ internal::AnswerWait internal::answer_wait = [](const std::future<bool>& answer,
 namespace {
 
 using internal::checkedValue;
+using internal::kept;
 using internal::unknownName;
 
 constexpr std::chrono::seconds kProfileLimit{2};
@@ -35,6 +37,19 @@ constexpr std::chrono::seconds kNameLimit{10};
 CFStringRef recordUuidKey() { return CFSTR("UUID"); }
 CFStringRef recordNameKey() { return CFSTR("Name"); }
 CFStringRef recordUrlKey() { return CFSTR("URL"); }
+
+// --- the shared variables: plain and unlocked, used by a query and by walks that outlived theirs at the same time.
+// Each access is atomic, so that whoever reads a reference finds the whole object behind it.
+
+template <typename Ref>
+Ref load(const Ref& variable) {
+  return __atomic_load_n(&variable, __ATOMIC_ACQUIRE);
+}
+
+template <typename Ref>
+void store(Ref& variable, Ref value) {
+  __atomic_store_n(&variable, value, __ATOMIC_RELEASE);
+}
 
 // --- the list of device records
 
@@ -75,11 +90,11 @@ bool seek(CFUUIDRef uuid) {
     return false;
   }
   // Kept for the life of the process, like every one before it: a walk that outlived its query compares against it.
-  const CFStringRef text = CFUUIDCreateString(kCFAllocatorDefault, uuid);
+  const CFStringRef text = kept(CFUUIDCreateString(kCFAllocatorDefault, uuid));
   if (text == nullptr) {
     return false;
   }
-  device_iterator::inUUIDstr = text;
+  store(device_iterator::inUUIDstr, text);
   return true;
 }
 
@@ -90,7 +105,7 @@ bool walkMatches(std::chrono::seconds limit) {
   const auto promise = std::make_shared<std::promise<bool>>();
   const std::future<bool> answer = promise->get_future();
   // Kept for the life of the process: deliberately a queue per query, so that a walk that hangs holds up no later one.
-  const dispatch_queue_t queue = dispatch_queue_create("SERIAL_QUEUE", nullptr);
+  auto* const queue = dispatch_queue_create("SERIAL_QUEUE", nullptr);
   if (queue == nullptr) {
     return false;
   }
@@ -142,7 +157,7 @@ bool device_iterator::deviceListIterator(CFDictionaryRef entry, void* userInfo) 
   if (entry == nullptr) {
     return true;
   }
-  const CFStringRef sought = inUUIDstr;
+  const CFStringRef sought = load(inUUIDstr);
   const Entry values(entry);
   if (sought == nullptr || !values.isComplete()) {
     return true;
@@ -164,31 +179,33 @@ bool device_iterator::deviceListIterator(CFDictionaryRef entry, void* userInfo) 
   }
   // The query whose display this is may have given up while its entry was looked at; the variables belong to the next
   // one.
-  if (inUUIDstr != sought) {
+  if (load(inUUIDstr) != sought) {
     return true;
   }
   // Both references are kept for the life of the process: results are borrowed from the static variables.
-  profile_path = static_cast<CFURLRef>(CFRetain(values.url));
-  device_name = static_cast<CFStringRef>(CFRetain(values.description));
+  store(profile_path, kept(static_cast<CFURLRef>(CFRetain(values.url))));
+  store(device_name, kept(static_cast<CFStringRef>(CFRetain(values.description))));
   fulfil(static_cast<std::promise<bool>*>(userInfo));
   return false;
 }
 
 CFURLRef device_iterator::profileForCGDirectDisplayID(CGDirectDisplayID displayID) {
   // The UUID is deliberately not released.
-  if (!seek(CGDisplayCreateUUIDFromDisplayID(displayID))) {
+  if (!seek(kept(CGDisplayCreateUUIDFromDisplayID(displayID)))) {
     return nullptr;
   }
   if (const CFDictionaryRef record = findRecord(inUUIDstr)) {
     return checkedValue<CFURLRef>(record, recordUrlKey(), CFURLGetTypeID());
   }
-  return walkMatches(kProfileLimit) ? profile_path : nullptr;
+  return walkMatches(kProfileLimit) ? load(profile_path) : nullptr;
 }
 
 CFURLRef ProfilePathForDisplay(CGDirectDisplayID displayID) {
-  device_iterator::device_name = CFSTR("Empty");
-  device_iterator::profile_path = nullptr;  // the reference that it held is deliberately not released
+  store(device_iterator::device_name, CFSTR("Empty"));
+  // The reference that it held is deliberately not released.
+  store(device_iterator::profile_path, CFURLRef{nullptr});
   const CFURLRef url = device_iterator::profileForCGDirectDisplayID(displayID);
+  // NOLINTNEXTLINE(clang-analyzer-osx.cocoa.RetainCount): the caller's, although the name does not say so
   return url != nullptr ? static_cast<CFURLRef>(CFRetain(url)) : nullptr;
 }
 
@@ -197,9 +214,10 @@ CFStringRef displayNameUsingColorSync(CFUUIDRef uuid) {
     return unknownName();
   }
   if (const CFDictionaryRef record = findRecord(device_iterator::inUUIDstr)) {
-    return checkedValue<CFStringRef>(record, recordNameKey(), CFStringGetTypeID());
+    const auto name = checkedValue<CFStringRef>(record, recordNameKey(), CFStringGetTypeID());
+    return name != nullptr ? name : unknownName();
   }
-  return walkMatches(kNameLimit) ? device_iterator::device_name : unknownName();
+  return walkMatches(kNameLimit) ? load(device_iterator::device_name) : unknownName();
 }
 
 }  // namespace DisplayServices

@@ -8,6 +8,7 @@
 #include "display/checked_value.h"
 #include "display/display_services.h"
 #include "display/io_object.h"
+#include "display/kept.h"
 #include "display/unknown_name.h"
 #include "strings/owned_ref.h"
 
@@ -17,6 +18,7 @@ namespace {
 using internal::checkedCast;
 using internal::checkedValue;
 using internal::IoObject;
+using internal::kept;
 using internal::unknownName;
 
 /// A number of the information dictionary, cut to 32 bits; nothing when it is missing, no number, or unreadable.
@@ -61,10 +63,16 @@ CFStringRef firstName(CFDictionaryRef names, CFIndex count) {
   return checkedCast<CFStringRef>(values.front(), CFStringGetTypeID());
 }
 
+/// What IOKit knows of the display behind a service, or null. Kept for the life of the process: a name that is returned
+/// lives inside it.
+CFDictionaryRef keptInfo(io_service_t service) {
+  return kept(IODisplayCreateInfoDictionary(service, kIODisplayOnlyPreferredName));
+}
+
 }  // namespace
 
 io_service_t device_iterator::IOServicePortFromCGDisplayID(CGDirectDisplayID displayID) {
-  const CFMutableDictionaryRef matching = IOServiceMatching("IODisplayConnect");
+  auto* const matching = IOServiceMatching("IODisplayConnect");
   io_iterator_t existing = 0;
   // The call consumes the matching dictionary.
   if (matching == nullptr || IOServiceGetMatchingServices(kIOMasterPortDefault, matching, &existing) != KERN_SUCCESS) {
@@ -92,8 +100,7 @@ CFStringRef DisplayNameForID(CGDirectDisplayID displayID) {
     if (!service) {
       return unknownName();
     }
-    // Kept for the life of the process: the name that is returned lives inside it.
-    info = IODisplayCreateInfoDictionary(service.get(), kIODisplayOnlyPreferredName);
+    info = keptInfo(service.get());
   }
   const auto names = info != nullptr
                          ? checkedValue<CFDictionaryRef>(info, CFSTR(kDisplayProductName), CFDictionaryGetTypeID())
@@ -108,7 +115,7 @@ CFStringRef DisplayNameForID(CGDirectDisplayID displayID) {
     return name;
   }
   // The UUID is deliberately not released.
-  return displayNameUsingColorSync(CGDisplayCreateUUIDFromDisplayID(displayID));
+  return displayNameUsingColorSync(kept(CGDisplayCreateUUIDFromDisplayID(displayID)));
 }
 
 }  // namespace DisplayServices

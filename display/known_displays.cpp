@@ -1,12 +1,21 @@
 // The names of displays that were asked for once.
 #include "display/display_services.h"
+#include "display/kept.h"
 #include "display/unknown_name.h"
 
 namespace DisplayServices {
+namespace {
+
+/// What a name is kept under: the UUID's text, or null. The text is deliberately not released.
+CFStringRef keptKey(CFUUIDRef uuid) {
+  return uuid != nullptr ? internal::kept(CFUUIDCreateString(kCFAllocatorDefault, uuid)) : nullptr;
+}
+
+}  // namespace
 
 CFStringRef KnownDisplayForID(CGDirectDisplayID displayID) {
   // The UUID is deliberately not released.
-  return __knownDisplayForUUID(CGDisplayCreateUUIDFromDisplayID(displayID));
+  return __knownDisplayForUUID(internal::kept(CGDisplayCreateUUIDFromDisplayID(displayID)));
 }
 
 CFStringRef __knownDisplayForUUID(CFUUIDRef uuid) {  // NOLINT(bugprone-reserved-identifier): exported so
@@ -16,19 +25,18 @@ CFStringRef __knownDisplayForUUID(CFUUIDRef uuid) {  // NOLINT(bugprone-reserved
     displayDict = CFDictionaryCreateMutable(kCFAllocatorDefault, 0, &kCFTypeDictionaryKeyCallBacks,
                                             &kCFTypeDictionaryValueCallBacks);
   }
-  if (uuid == nullptr) {
+  const CFStringRef key = keptKey(uuid);
+  if (key == nullptr) {
     return internal::unknownName();
   }
-  // The text is deliberately not released.
-  const CFStringRef key = CFUUIDCreateString(kCFAllocatorDefault, uuid);
-  if (key == nullptr || displayDict == nullptr) {
-    return internal::unknownName();
-  }
-  if (const void* const known = CFDictionaryGetValue(displayDict, key)) {
+  const void* const known = displayDict != nullptr ? CFDictionaryGetValue(displayDict, key) : nullptr;
+  if (known != nullptr) {
     return static_cast<CFStringRef>(known);
   }
   const CFStringRef name = DisplayNameForID(CGDisplayGetDisplayIDFromUUID(uuid));
-  CFDictionarySetValue(displayDict, key, name);
+  if (displayDict != nullptr) {
+    CFDictionarySetValue(displayDict, key, name);
+  }
   return name;
 }
 

@@ -8,6 +8,7 @@
 #include <new>
 
 #include "display/display_services.h"
+#include "display/kept.h"
 
 namespace DisplayServices {
 
@@ -32,7 +33,7 @@ void monitors_set::buildSet(UuidSet* set) {
   count = std::min(count, capacity);
   for (std::uint32_t i = 0; i < count; ++i) {
     // The reference is kept for the life of the process, also that of a UUID that is in the set already.
-    set->insert(CGDisplayCreateUUIDFromDisplayID(displays[i]));
+    set->insert(internal::kept(CGDisplayCreateUUIDFromDisplayID(displays[i])));
   }
 }
 

@@ -12,8 +12,8 @@ void PluginEntry() { REALRegisterModule(&DisplayModuleDefinition); }
 
 }  // namespace
 
-/// Called once by the host, on its own thread. Keeps the resolver, announces the version of the host's interface, and then
-/// registers the module. A host without "RegisterPluginVersion" is deliberately not supported, and not tested for.
+/// Called once by the host, on its own thread. Keeps the resolver, announces the version of the host's interface, and
+/// then registers the module. A host without "RegisterPluginVersion" is deliberately not supported, and not tested for.
 extern "C" OSTREVIN_API void REALPluginMain(REALresolver resolver) {
   gResolver = resolver;
   host::invoke<void>(CallResolver("RegisterPluginVersion"), static_cast<int>(kHostInterfaceVersion));

@@ -1,7 +1,8 @@
 // The module's methods: one wrapper each, and the table that binds each to its declaration.
 //
-// The host calls a wrapper on its own thread. A wrapper turns host values into native ones, calls the facade, and turns the
-// answer back. Nothing below is meant to throw, and no handler is installed here: the locals clean up, and that is all.
+// The host calls a wrapper on its own thread. A wrapper turns host values into native ones, calls the facade, and turns
+// the answer back. Nothing below is meant to throw, and no handler is installed here: the locals clean up, and that is
+// all.
 #include <algorithm>
 #include <cstdint>
 #include <cstring>
@@ -13,6 +14,7 @@
 #include <utility>
 
 #include "host/arrays.h"
+#include "host/call.h"
 #include "host/objects.h"
 #include "host/strings.h"
 #include "plugin/display.h"
@@ -26,7 +28,6 @@ namespace {
 
 /// The declaration by which the host finds the event's method.
 constexpr const char* kProfileFound = "DisplayProfileFound( name as String, path as String )";
-using ProfileFound = void (*)(REALobjectStruct* object, REALstringStruct* name, REALstringStruct* path);
 
 /// The host's code for arrays of strings, and the upper bound of an empty array.
 constexpr std::uint32_t kStringElements = 3;
@@ -40,8 +41,8 @@ REALstringStruct* hostString(const char* bytes, std::size_t length) {
 
 REALstringStruct* hostString(const std::string& text) { return hostString(text.data(), text.size()); }
 
-/// Stores a new string in a by-reference argument, which owns it from then on. The string that was there is released, a null
-/// one too: what that means is the host's affair.
+/// Stores a new string in a by-reference argument, which owns it from then on. The string that was there is released, a
+/// null one too: what that means is the host's affair.
 void store(REALstringStruct** slot, REALstringStruct* string) {
   REALUnlockString(*slot);
   *slot = string;
@@ -61,17 +62,17 @@ std::string textOf(REALstringStruct* string) {
 const std::string& nameIn(const std::string& name) { return name; }
 const std::string& nameIn(const std::tuple<std::string, bool, bool>& entry) { return std::get<0>(entry); }
 
-/// Calls the object's method once per profile, by path. The strings are made whether or not there is such a method, and are the
-/// host's from then on. `profiles` is the caller's own copy: the event may call back into the plugin.
+/// Calls the object's method once per profile, by path. The strings are made whether or not there is such a method, and
+/// are the host's from then on. `profiles` is the caller's own copy: the event may call back into the plugin.
 template <typename Profiles>
 void raiseProfileFound(const Profiles& profiles) {
   // Deliberately asked for once, and for a null object too: what the host answers then is the host's affair.
-  const auto found = reinterpret_cast<ProfileFound>(REALLoadObjectMethod(gHostObj, kProfileFound));
+  void* const found = REALLoadObjectMethod(gHostObj, kProfileFound);
   for (const auto& [path, entry] : profiles) {
     REALstringStruct* const name_string = hostString(nameIn(entry));
     REALstringStruct* const path_string = hostString(path);
     if (found != nullptr) {
-      found(gHostObj, name_string, path_string);
+      host::invoke<void>(found, gHostObj, name_string, path_string);
     }
   }
 }
@@ -152,8 +153,10 @@ std::int32_t RB_QV02Read(REALstringStruct* path, REALstringStruct** xmlString) {
 
 // --- the table: the host's declaration of each method and the function it calls, whose parameters follow it exactly
 
-#define METHOD(declaration, function) \
-  { reinterpret_cast<REALfunction>(&(function)), nullptr, declaration, {} }
+#define METHOD(declaration, function)                                     \
+  {                                                                       \
+    reinterpret_cast<REALfunction>(&(function)), nullptr, declaration, {} \
+  }
 
 // Declarations are parsed by the host and deliberately keep their irregular blanks and capitals.
 // clang-format off

@@ -7,7 +7,9 @@
 namespace {
 
 constexpr char32_t kFirstSupplementary = 0x10000;
-constexpr std::size_t kAsciiStep = sizeof(std::uint64_t);
+constexpr char32_t kLastCodePoint = 0x10FFFF;
+constexpr std::size_t kAsciiStep = sizeof(std::uint64_t);  // characters that are looked at together
+constexpr std::size_t kMostBytesPerUnit = 3;
 
 [[noreturn]] void refuseBytes() { throw std::range_error("wstring_convert: from_bytes error"); }
 [[noreturn]] void refuseUnits() { throw std::range_error("wstring_convert: to_bytes error"); }
@@ -17,45 +19,7 @@ constexpr std::size_t kAsciiStep = sizeof(std::uint64_t);
 using Byte = unsigned char;
 
 bool isContinuation(Byte byte) { return (byte & 0xC0) == 0x80; }
-
-/// What the first byte of a sequence says about it. The range of the second byte is where overlong forms, surrogates
-/// and values above U+10FFFF are refused.
-struct Lead {
-  std::size_t length = 0;  ///< 0: no sequence begins like this
-  Byte second_first = 0x80;
-  Byte second_last = 0xBF;
-};
-
-Lead leadOf(Byte byte) {
-  if (byte < 0xC2) {
-    return {};
-  }
-  if (byte < 0xE0) {
-    return {.length = 2};
-  }
-  switch (byte) {
-    case 0xE0:
-      return {.length = 3, .second_first = 0xA0};
-    case 0xED:
-      return {.length = 3, .second_last = 0x9F};
-    case 0xF0:
-      return {.length = 4, .second_first = 0x90};
-    case 0xF4:
-      return {.length = 4, .second_last = 0x8F};
-    default:
-      return {.length = byte < 0xF0 ? 3U : byte < 0xF4 ? 4U : 0U};
-  }
-}
-
-/// Units that the text makes if it is valid: one per character, and one more per sequence of four bytes.
-std::size_t countUnits(const std::string& text) {
-  std::size_t units = 0;
-  for (const char character : text) {
-    const auto byte = static_cast<Byte>(character);
-    units += static_cast<std::size_t>(!isContinuation(byte)) + static_cast<std::size_t>(byte >= 0xF0);
-  }
-  return units;
-}
+bool isSurrogate(char32_t code) { return (code & 0xFFFFF800) == 0xD800; }
 
 bool isAscii(const Byte* bytes) {
   std::uint64_t word = 0;
@@ -63,39 +27,61 @@ bool isAscii(const Byte* bytes) {
   return (word & 0x8080808080808080U) == 0;
 }
 
-/// The character that begins at `bytes`, which is not ASCII; `bytes` moves behind it.
-char32_t decode(const Byte*& bytes, const Byte* end) {
-  const Lead lead = leadOf(*bytes);
-  if (lead.length == 0 || static_cast<std::size_t>(end - bytes) < lead.length || bytes[1] < lead.second_first ||
-      bytes[1] > lead.second_last) {
+/// The bits of a sequence of `length` bytes. Refuses it when it is cut short.
+char32_t bitsOf(const Byte* bytes, const Byte* end, std::ptrdiff_t length) {
+  if (end - bytes < length) {
     refuseBytes();
   }
-  char32_t character = *bytes & (0x7FU >> lead.length);
-  for (std::size_t i = 1; i < lead.length; ++i) {
+  char32_t bits = bytes[0] & (0x7FU >> length);
+  for (std::ptrdiff_t i = 1; i < length; ++i) {
     if (!isContinuation(bytes[i])) {
       refuseBytes();
     }
-    character = character << 6 | (bytes[i] & 0x3FU);
+    bits = bits << 6 | (bytes[i] & 0x3FU);
   }
-  bytes += lead.length;
-  return character;
+  return bits;
+}
+
+/// Writes the character that begins at `bytes`, which is not ASCII; both move behind it.
+void decode(const Byte*& bytes, const Byte* end, wchar_t*& out) {
+  const Byte lead = *bytes;
+  if (lead < 0xE0) {
+    const char32_t code = bitsOf(bytes, end, 2);
+    if (lead < 0xC2) {  // a continuation byte, or an overlong form
+      refuseBytes();
+    }
+    *out++ = static_cast<wchar_t>(code);
+    bytes += 2;
+  } else if (lead < 0xF0) {
+    const char32_t code = bitsOf(bytes, end, 3);
+    if (code < 0x800 || isSurrogate(code)) {
+      refuseBytes();
+    }
+    *out++ = static_cast<wchar_t>(code);
+    bytes += 3;
+  } else {
+    const char32_t code = bitsOf(bytes, end, 4);
+    if (lead > 0xF4 || code < kFirstSupplementary || code > kLastCodePoint) {
+      refuseBytes();
+    }
+    *out++ = static_cast<wchar_t>(0xD800 + ((code - kFirstSupplementary) >> 10));
+    *out++ = static_cast<wchar_t>(0xDC00 + (code & 0x3FF));
+    bytes += 4;
+  }
 }
 
 // --- UTF-16 to UTF-8
 
 bool isHighSurrogate(char32_t unit) { return unit >= 0xD800 && unit <= 0xDBFF; }
 bool isLowSurrogate(char32_t unit) { return unit >= 0xDC00 && unit <= 0xDFFF; }
-bool isSurrogate(char32_t unit) { return unit >= 0xD800 && unit <= 0xDFFF; }
 
-/// Bytes that the text makes if it is valid.
-std::size_t countBytes(const std::wstring& text) {
-  std::size_t bytes = 0;
-  for (const wchar_t element : text) {
-    const auto unit = static_cast<char32_t>(element);
-    bytes += 1 + static_cast<std::size_t>(unit >= 0x80) +
-             static_cast<std::size_t>(unit >= 0x800 && !isSurrogate(unit));  // four bytes for two surrogates
+/// Whether the next kAsciiStep units are all ASCII.
+bool isAscii(const wchar_t* units) {
+  std::uint32_t all = 0;
+  for (std::size_t i = 0; i < kAsciiStep; ++i) {
+    all |= static_cast<std::uint32_t>(units[i]);
   }
-  return bytes;
+  return all < 0x80;
 }
 
 /// The character that begins at `units`; `units` moves behind it.
@@ -141,8 +127,8 @@ char* encode(char32_t character, char* out) {
 namespace Utils {
 
 std::wstring utf8_to_utf16(
-    std::string text) {  // NOLINT(performance-unnecessary-value-param): the interface is by value
-  std::wstring units(countUnits(text), L'\0');
+    std::string text) {                    // NOLINT(performance-unnecessary-value-param): the interface is by value
+  std::wstring units(text.size(), L'\0');  // no text makes more units than it has bytes
   wchar_t* out = units.data();
   const auto* bytes = reinterpret_cast<const Byte*>(text.data());
   const Byte* const end = bytes + text.size();
@@ -153,27 +139,28 @@ std::wstring utf8_to_utf16(
     } else if (*bytes < 0x80) {
       *out++ = *bytes++;
     } else {
-      const char32_t character = decode(bytes, end);
-      if (character < kFirstSupplementary) {
-        *out++ = static_cast<wchar_t>(character);
-      } else {
-        *out++ = static_cast<wchar_t>(0xD800 + ((character - kFirstSupplementary) >> 10));
-        *out++ = static_cast<wchar_t>(0xDC00 + (character & 0x3FF));
-      }
+      decode(bytes, end, out);
     }
   }
+  units.resize(static_cast<std::size_t>(out - units.data()));
   return units;
 }
 
 std::string utf16_to_utf8(
     std::wstring text) {  // NOLINT(performance-unnecessary-value-param): the interface is by value
-  std::string bytes(countBytes(text), '\0');
+  std::string bytes(text.size() * kMostBytesPerUnit, '\0');
   char* out = bytes.data();
   const wchar_t* units = text.data();
   const wchar_t* const end = units + text.size();
   while (units != end) {
-    out = encode(combine(units, end), out);
+    if (static_cast<std::size_t>(end - units) >= kAsciiStep && isAscii(units)) {
+      out = std::transform(units, units + kAsciiStep, out, [](wchar_t unit) { return static_cast<char>(unit); });
+      units += kAsciiStep;
+    } else {
+      out = encode(combine(units, end), out);
+    }
   }
+  bytes.resize(static_cast<std::size_t>(out - bytes.data()));
   return bytes;
 }
 

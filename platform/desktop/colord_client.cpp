@@ -27,8 +27,8 @@ bool colordFindsItself(const std::string& file) {
 
 /// The same for the same path, whatever the file holds at the moment.
 std::string profileIdFor(const std::string& file) {
-  const std::unique_ptr<char, decltype(&g_free)> digits(
-      g_compute_checksum_for_string(G_CHECKSUM_MD5, file.c_str(), -1), g_free);
+  const std::unique_ptr<char, decltype(&g_free)> digits(g_compute_checksum_for_string(G_CHECKSUM_MD5, file.c_str(), -1),
+                                                        g_free);
   return std::string("file-") + digits.get();
 }
 
@@ -53,20 +53,18 @@ bool hasDefault(const Operation& operation, const char* device_path, const std::
 /// does not list it among the displays.
 bool keepKind(const Operation& operation, CdDevice* device) {
   const char* const display = cd_device_kind_to_string(CD_DEVICE_KIND_DISPLAY);
-  const auto set = operation.start(
-      [&](auto... rest) { cd_device_set_property(device, CD_DEVICE_PROPERTY_KIND, display, rest...); });
+  const auto set =
+      operation.start([&](auto... rest) { cd_device_set_property(device, CD_DEVICE_PROPERTY_KIND, display, rest...); });
   ErrorSlot error;
   return operation.wait(set) != nullptr && cd_device_set_property_finish(device, set->result.get(), error.place());
 }
 
 bool makeDefault(const Operation& operation, CdDevice* device, CdProfile* profile) {
   ErrorSlot error;
-  const auto added = operation.start([&](auto... rest) {
-    cd_device_add_profile(device, CD_DEVICE_RELATION_HARD, profile, rest...);
-  });
-  if (operation.wait(added) == nullptr ||
-      (!cd_device_add_profile_finish(device, added->result.get(), error.place()) &&
-       !error.is(CD_DEVICE_ERROR, CD_DEVICE_ERROR_PROFILE_ALREADY_ADDED))) {
+  const auto added =
+      operation.start([&](auto... rest) { cd_device_add_profile(device, CD_DEVICE_RELATION_HARD, profile, rest...); });
+  if (operation.wait(added) == nullptr || (!cd_device_add_profile_finish(device, added->result.get(), error.place()) &&
+                                           !error.is(CD_DEVICE_ERROR, CD_DEVICE_ERROR_PROFILE_ALREADY_ADDED))) {
     return false;
   }
   const auto made = operation.start([&](auto... rest) { cd_device_make_profile_default(device, profile, rest...); });
@@ -240,8 +238,8 @@ ObjectRef<CdDevice> ColordClient::registerDevice(const Operation& operation, con
 }
 
 ObjectRef<CdProfile> ColordClient::findProfile(const Operation& operation, const std::string& file) {
-  const auto found = operation.start(
-      [&](auto... rest) { cd_client_find_profile_by_filename(client_.get(), file.c_str(), rest...); });
+  const auto found =
+      operation.start([&](auto... rest) { cd_client_find_profile_by_filename(client_.get(), file.c_str(), rest...); });
   if (operation.wait(found) == nullptr) {
     return nullptr;
   }

@@ -1,11 +1,11 @@
 // ColordClient: what this process says to colord, through libcolord on the system bus.
 //
 // Every member function is for one thread, the one whose default main context the object was made for; each takes the
-// operation that limits it. libcolord's own synchronous functions are not used: they run the process's default main context,
-// which is not ours, and wait without limit.
+// operation that limits it. libcolord's own synchronous functions are not used: they run the process's default main
+// context, which is not ours, and wait without limit.
 //
-// Devices are read once and kept until colord says that something changed. Each reading begins with one call to colord; its
-// answer comes after every change that colord announced before it, so what is kept is never older than the call.
+// Devices are read once and kept until colord says that something changed. Each reading begins with one call to colord;
+// its answer comes after every change that colord announced before it, so what is kept is never older than the call.
 #pragma once
 
 #include <colord.h>
@@ -32,8 +32,8 @@ class ColordClient {
   /// The display devices that this user may see; null when colord did not answer. Starts colord where the bus can.
   Devices devices(const Operation& operation);
 
-  /// Makes the file the default profile of the display's device, which is registered first where there is none. False when
-  /// colord refused or did not answer; what was done until then stays.
+  /// Makes the file the default profile of the display's device, which is registered first where there is none. False
+  /// when colord refused or did not answer; what was done until then stays.
   bool assign(const Operation& operation, const std::vector<Display>& displays, std::size_t display,
               const std::string& file);
 
@@ -63,10 +63,10 @@ class ColordClient {
   guint signal_watch_ = 0;
   ObjectRef<CdClient> client_;
   bool owner_reported_ = false;
-  std::string owner_;             ///< colord's unique name on the bus; empty while it does not run
-  bool restarted_ = false;        ///< since takeRestart() was asked last
-  std::string restored_owner_;    ///< the colord that knows the assigned profiles
-  bool changed_ = true;           ///< since `known_` was read
+  std::string owner_;           ///< colord's unique name on the bus; empty while it does not run
+  bool restarted_ = false;      ///< since takeRestart() was asked last
+  std::string restored_owner_;  ///< the colord that knows the assigned profiles
+  bool changed_ = true;         ///< since `known_` was read
   Devices known_;
 };
 

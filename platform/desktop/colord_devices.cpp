@@ -96,8 +96,7 @@ ColordDevices::ColordDevices(std::function<std::shared_ptr<const Arrangement>()>
 
 void ColordDevices::visit(const DeviceProfileVisitor& visit) const {
   const auto arrangement = arrangement_();
-  const auto devices =
-      askSession<ColordClient::Devices>(nullptr, [](Session& session) { return session.devices(); });
+  const auto devices = askSession<ColordClient::Devices>(nullptr, [](Session& session) { return session.devices(); });
   if (!devices) {
     return;
   }
@@ -118,8 +117,7 @@ bool ColordDevices::assign(const Uuid& device, const std::string& profile_path) 
     return false;
   }
   const auto index = static_cast<std::size_t>(display - displays.begin());
-  return askSession<bool>(false,
-                          [&](Session& session) { return session.assign(arrangement, index, profile_path); });
+  return askSession<bool>(false, [&](Session& session) { return session.assign(arrangement, index, profile_path); });
 }
 
 }  // namespace platform::desktop

@@ -71,7 +71,8 @@ std::vector<Candidate> candidates(const std::vector<Display>& displays, const st
   return found;
 }
 
-/// The names that tell one monitor from another, as colord itself puts them together; just "xrandr" when there are none.
+/// The names that tell one monitor from another, as colord itself puts them together; just "xrandr" when there are
+/// none.
 std::string monitorId(CdEdid* edid) {
   std::string id = "xrandr";
   if (edid == nullptr) {
@@ -96,7 +97,7 @@ std::string chooseId(const std::vector<Display>& displays, std::size_t display, 
   const auto taken = [&](const std::string& id) {
     return std::any_of(devices.begin(), devices.end(), [&](const ColordDevice& device) { return device.id == id; });
   };
-  const std::string monitor = monitorId(edid);
+  std::string monitor = monitorId(edid);
   if (monitor != "xrandr" && !sharesItsEdid(displays, display) && !taken(monitor)) {
     return monitor;
   }
@@ -159,8 +160,8 @@ ColordRegistration registrationFor(const std::vector<Display>& displays, std::si
   }
   add(CD_DEVICE_METADATA_XRANDR_NAME, registered.connector);
   add(CD_DEVICE_METADATA_OUTPUT_EDID_MD5, md5(registered.edid));
-  add(CD_DEVICE_METADATA_OUTPUT_PRIORITY, display == 0 ? CD_DEVICE_METADATA_OUTPUT_PRIORITY_PRIMARY
-                                                       : CD_DEVICE_METADATA_OUTPUT_PRIORITY_SECONDARY);
+  add(CD_DEVICE_METADATA_OUTPUT_PRIORITY,
+      display == 0 ? CD_DEVICE_METADATA_OUTPUT_PRIORITY_PRIMARY : CD_DEVICE_METADATA_OUTPUT_PRIORITY_SECONDARY);
   return registration;
 }
 

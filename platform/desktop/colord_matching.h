@@ -21,13 +21,15 @@ namespace platform::desktop {
 ///   2. its connector, where one of the two has no EDID to compare,
 ///   3. its EDID, at another connector: the monitor was plugged in elsewhere,
 ///   4. its model and serial number, where the device has no checksum.
-/// A device with the display's connector and another monitor's EDID is that other monitor's. Between equals, a device that
-/// is registered for a monitor that is there comes before one that colord only remembers, then the one changed last.
+/// A device with the display's connector and another monitor's EDID is that other monitor's. Between equals, a device
+/// that is registered for a monitor that is there comes before one that colord only remembers, then the one changed
+/// last.
 PLATFORM_API std::vector<std::optional<std::size_t>> matchDevices(const std::vector<Display>& displays,
                                                                   const std::vector<ColordDevice>& devices);
 
 /// What a session daemon would register the display with: "xrandr" and the EDID's vendor, name and serial number as the
-/// id, or the connector where the EDID does not tell the display from another one. `devices` are those registered already.
+/// id, or the connector where the EDID does not tell the display from another one. `devices` are those registered
+/// already.
 PLATFORM_API ColordRegistration registrationFor(const std::vector<Display>& displays, std::size_t display,
                                                 const std::vector<ColordDevice>& devices);
 

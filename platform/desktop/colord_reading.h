@@ -16,8 +16,8 @@ namespace platform::desktop {
 bool connectDevice(const Operation& operation, CdDevice* device);
 bool connectProfile(const Operation& operation, CdProfile* profile);
 
-/// `list` holds CdDevice objects, one an object path or more. A device that goes away meanwhile is left out. Null when the
-/// operation expired.
+/// `list` holds CdDevice objects, one an object path or more. A device that goes away meanwhile is left out. Null when
+/// the operation expired.
 std::shared_ptr<const std::vector<ColordDevice>> readDevices(const Operation& operation, GPtrArray* list);
 
 }  // namespace platform::desktop

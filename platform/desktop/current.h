@@ -8,8 +8,8 @@
 
 namespace platform::desktop {
 
-/// Chosen on first use and kept: the scripted desktop that the file named by OSTREVIN_DESKTOP describes, or the live one.
-/// A file that cannot be used gives one line on stderr and a desktop without displays.
+/// Chosen on first use and kept: the scripted desktop that the file named by OSTREVIN_DESKTOP describes, or the live
+/// one. A file that cannot be used gives one line on stderr and a desktop without displays.
 PLATFORM_API std::shared_ptr<Desktop> current();
 
 /// Replaces the current desktop, for tests and tools; null means that the next use chooses again.

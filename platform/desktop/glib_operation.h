@@ -1,7 +1,7 @@
 // Operation: a sequence of asynchronous GLib calls with one time limit, written as if they were synchronous.
 //
-// An operation belongs to the thread that owns its main context. While it waits it runs that context, so everything else
-// that the context serves goes on meanwhile.
+// An operation belongs to the thread that owns its main context. While it waits it runs that context, so everything
+// else that the context serves goes on meanwhile.
 #pragma once
 
 #include <chrono>

@@ -94,7 +94,7 @@ class Builder {
   bool end_array() { return close(); }
 
   bool key(std::string& text) {
-    Object& object = std::get<Object>(open_.back().content);
+    auto& object = std::get<Object>(open_.back().content);
     for (const Member& member : object) {
       if (member.key == text) {
         throw Error(position_.token_line, "the key " + inQuotes(text) + " occurs twice in one object");

@@ -15,11 +15,11 @@ namespace platform::desktop {
 
 /// What a walk does besides visiting the entries, and how often it visits them all.
 struct WalkBehaviour {
-  std::function<void()> before;                ///< runs on the walking thread; may block, which is a walk that hangs
-  std::chrono::milliseconds delay{0};          ///< waits this long first
-  bool hang = false;                           ///< waits until releaseWalks() is called
-  unsigned repeat = 1;                         ///< visits the entries this many times
-  std::function<void()> after;                 ///< runs on the walking thread when the walk is over
+  std::function<void()> before;        ///< runs on the walking thread; may block, which is a walk that hangs
+  std::chrono::milliseconds delay{0};  ///< waits this long first
+  bool hang = false;                   ///< waits until releaseWalks() is called
+  unsigned repeat = 1;                 ///< visits the entries this many times
+  std::function<void()> after;         ///< runs on the walking thread when the walk is over
 };
 
 /// Everything that a scripted desktop answers.

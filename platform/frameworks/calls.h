@@ -1,6 +1,7 @@
 // Every framework call passes through here on its way in: it is counted, and a test may make it fail.
 //
-// The calls are listed once, in calls.def; a framework function begins with `if (calls::enter(Call::Name)) return FAILURE;`.
+// The calls are listed once, in calls.def; a framework function begins with `if (calls::enter(Call::Name)) return
+// FAILURE;`.
 #pragma once
 
 #include <array>
@@ -27,12 +28,12 @@ inline constexpr std::size_t kCallCount = static_cast<std::size_t>(Call::kCount)
 
 /// What a hook makes of one call.
 struct Answer {
-  bool fail = false;                     ///< the call does nothing and answers its failure value: null, an error code, false
+  bool fail = false;  ///< the call does nothing and answers its failure value: null, an error code, false
   std::optional<std::int64_t> number{};  ///< the count that CGGetActiveDisplayList or CGGetDisplaysWithRect reports
 };
 
-/// `nth` is 1 for the first call after the hook was set. A hook runs on the calling thread, before the call does its work;
-/// it may change the desktop, and must not set hooks.
+/// `nth` is 1 for the first call after the hook was set. A hook runs on the calling thread, before the call does its
+/// work; it may change the desktop, and must not set hooks.
 using Hook = std::function<Answer(std::uint64_t nth)>;
 
 /// Sets, or with an empty function removes, the hook of one call. Not while calls are being made on other threads.

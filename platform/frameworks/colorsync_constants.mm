@@ -1,5 +1,5 @@
-// ColorSync's constants. Keys are only ever compared with one another; the two signatures are ICC's and are compared with
-// what profiles contain.
+// ColorSync's constants. Keys are only ever compared with one another; the two signatures are ICC's and are compared
+// with what profiles contain.
 #include <ColorSync/ColorSync.h>
 
 #import <Foundation/Foundation.h>

@@ -32,9 +32,7 @@ NSString* stringOf(const std::optional<std::string>& text) {
   return text ? [NSString stringWithUTF8String:text->c_str()] : nil;
 }
 
-id booleanOf(const std::optional<bool>& value) {
-  return value ? (id)(*value ? kCFBooleanTrue : kCFBooleanFalse) : nil;
-}
+id booleanOf(const std::optional<bool>& value) { return value ? (id)(*value ? kCFBooleanTrue : kCFBooleanFalse) : nil; }
 
 id uuidOf(const std::optional<Uuid>& value) { return value ? [(id)platform::makeUuid(*value) autorelease] : nil; }
 

@@ -1,7 +1,8 @@
 // Messages for this library's first initialisers.
 //
-// The selectors that a source file's message expressions use are registered by an initialiser of that file, which may run
-// later. These functions find class and selector by name instead, and so work as soon as Foundation itself is loaded.
+// The selectors that a source file's message expressions use are registered by an initialiser of that file, which may
+// run later. These functions find class and selector by name instead, and so work as soon as Foundation itself is
+// loaded.
 #pragma once
 
 #include <objc/message.h>

@@ -68,9 +68,7 @@ struct ScreenListContents {
   return index < _contents->screens.size() ? _contents->screens[index] : nil;
 }
 
-- (NSUInteger)countByEnumeratingWithState:(NSFastEnumerationState*)state
-                                  objects:(id*)stackbuf
-                                    count:(NSUInteger)len {
+- (NSUInteger)countByEnumeratingWithState:(NSFastEnumerationState*)state objects:(id*)stackbuf count:(NSUInteger)len {
   (void)stackbuf;
   (void)len;
   // A list never changes: nothing ever counts a change.
@@ -93,8 +91,8 @@ struct ScreenListContents {
 
 namespace {
 
-/// The list for the arrangement of this moment. A list that is out of date is given to the autorelease pool, so that a screen
-/// borrowed from it stays valid as long as anything else borrowed in the same pool.
+/// The list for the arrangement of this moment. A list that is out of date is given to the autorelease pool, so that a
+/// screen borrowed from it stays valid as long as anything else borrowed in the same pool.
 PlatformScreenList* currentList() {
   static PlatformScreenList* list = nil;
   const auto arrangement = platform::desktop::current()->arrangement();

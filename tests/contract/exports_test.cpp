@@ -1,9 +1,9 @@
 // What the built library exports, compared with the list in the tree; nm and ldd say what is true.
 #include <gmock/gmock.h>
 
+#include <fnmatch.h>
 #include <algorithm>
 #include <cstdio>
-#include <fnmatch.h>
 #include <fstream>
 #include <memory>
 #include <sstream>
@@ -74,18 +74,13 @@ TEST(Exports, EveryListedSymbolIsExportedOnce) {
 }
 
 TEST(Exports, OnlyTheEntryTheVersionsAndTheFiveNamespacesAreListed) {
-  const std::vector<std::string> allowed = {"REALPluginMain",
-                                            "OstrevinVersionNumber",
-                                            "OstrevinVersionString",
-                                            "_ZN7Display*",
-                                            "_ZN15DisplayServices*",
-                                            "_ZN15ProfileServices*",
-                                            "_ZN14StringServices*",
-                                            "_ZN5Utils*"};
+  const std::vector<std::string> allowed = {
+      "REALPluginMain",        "OstrevinVersionNumber", "OstrevinVersionString", "_ZN7Display*",
+      "_ZN15DisplayServices*", "_ZN15ProfileServices*", "_ZN14StringServices*",  "_ZN5Utils*"};
   for (const std::string& symbol : exportedSymbols()) {
-    EXPECT_TRUE(std::any_of(allowed.begin(), allowed.end(),
-                            [&](const std::string& pattern) { return matches(pattern, symbol); }))
-        << symbol;
+    EXPECT_TRUE(std::any_of(allowed.begin(), allowed.end(), [&](const std::string& pattern) {
+      return matches(pattern, symbol);
+    })) << symbol;
   }
 }
 

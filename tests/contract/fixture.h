@@ -30,7 +30,8 @@ inline DeviceProfile deviceProfile(std::uint32_t display, const std::string& pat
           .profile_path = path};
 }
 
-inline InstalledProfile installed(const std::string& path, const std::string& name, const std::string& profile_class = "mntr") {
+inline InstalledProfile installed(const std::string& path, const std::string& name,
+                                  const std::string& profile_class = "mntr") {
   return {profile_class, name, path};
 }
 
@@ -41,8 +42,7 @@ inline void addDisplay(Script& script, std::uint32_t number, platform::desktop::
   display.model = number;
   display.serial = number * 10;
   script.arrangement.displays.push_back(display);
-  script.arrangement.services.push_back(
-      {true, display.vendor, display.model, display.serial, {{{"en", name}}}});
+  script.arrangement.services.push_back({true, display.vendor, display.model, display.serial, {{{"en", name}}}});
 }
 
 inline Script threeDisplays() {
@@ -64,7 +64,8 @@ class MethodTest : public testing::Test {
  protected:
   using Events = std::vector<std::pair<std::string, std::string>>;  // name, path
 
-  explicit MethodTest(Script script = threeDisplays()) : session(std::move(script)), plugin(support::loadFreshPlugin(host)) {}
+  explicit MethodTest(Script script = threeDisplays())
+      : session(std::move(script)), plugin(support::loadFreshPlugin(host)) {}
 
   /// An object whose event handler appends to `events`. The test keeps it: the plugin takes no reference on its object.
   devhost::Ref<devhost::Object> listener(Events& events) {

@@ -66,10 +66,12 @@ TEST_F(GeometryMethods, DisplayIDForWindowLooksAtTheRectangleBelowTheWindow) {
 TEST_F(GeometryMethods, DisplayIDForWindowTakesTheFullRangeOfIntegers) {
   constexpr std::int64_t kLeast = -2147483648LL;
   constexpr std::int64_t kGreatest = 2147483647LL;
-  EXPECT_EQ(plugin.call("DisplayIDForWindow", {kGreatest, kGreatest, kGreatest, kGreatest}).result.unsignedNumber(), 0U);
+  EXPECT_EQ(plugin.call("DisplayIDForWindow", {kGreatest, kGreatest, kGreatest, kGreatest}).result.unsignedNumber(),
+            0U);
   EXPECT_EQ(plugin.call("DisplayIDForWindow", {kLeast, kLeast, kGreatest, kGreatest}).result.unsignedNumber(), 2U)
       << "everything left of the main display and below its upper edge";
-  EXPECT_EQ(plugin.call("DisplayIDForWindow", {-1000, -2147480000LL, kGreatest, 2147480000LL}).result.unsignedNumber(), 1U);
+  EXPECT_EQ(plugin.call("DisplayIDForWindow", {-1000, -2147480000LL, kGreatest, 2147480000LL}).result.unsignedNumber(),
+            1U);
 }
 
 TEST_F(GeometryMethods, SeeWhatChangedSinceTheLastCall) {

@@ -50,17 +50,19 @@ TEST_F(ListingMethods, DisplayEventsNameProfilesByTheInstalledOnes) {
 
 TEST_F(ListingMethods, DisplayArraysComeByNameThenDefaultThenCurrent) {
   session.desktop->change([](Script& script) {
-    script.installed_profiles = {contract::installed("/1", "N"), contract::installed("/2", "N"), contract::installed("/3", "N")};
-    script.device_profiles = {contract::deviceProfile(1, "/1", true, false), contract::deviceProfile(1, "/2", false, true),
+    script.installed_profiles = {contract::installed("/1", "N"), contract::installed("/2", "N"),
+                                 contract::installed("/3", "N")};
+    script.device_profiles = {contract::deviceProfile(1, "/1", true, false),
+                              contract::deviceProfile(1, "/2", false, true),
                               contract::deviceProfile(1, "/3", false, false)};
   });
-  EXPECT_THAT(plugin.call("GetAssociatedProfilePathsArray", {1}).result.array()->texts(), ElementsAre("/3", "/2", "/1"));
+  EXPECT_THAT(plugin.call("GetAssociatedProfilePathsArray", {1}).result.array()->texts(),
+              ElementsAre("/3", "/2", "/1"));
 }
 
 TEST_F(ListingMethods, ProfilesWithoutANameComeFirstInArrays) {
-  session.desktop->change([](Script& script) {
-    script.installed_profiles.push_back(contract::installed("/z.icc", ""));
-  });
+  session.desktop->change(
+      [](Script& script) { script.installed_profiles.push_back(contract::installed("/z.icc", "")); });
   EXPECT_THAT(plugin.call("GetInstalledProfilePathsArray").result.array()->texts(),
               ElementsAre("/z.icc", "/b.icc", "/c.icc", "/a.icc"));
 }

@@ -1,5 +1,5 @@
-/* A second host, independent of devhost: a page of plain C that loads the plugin and looks at the raw memory it is handed.
-   Usage: plain_host LIBRARY. Prints what is wrong and exits with the number of wrong things. */
+/* A second host, independent of devhost: a page of plain C that loads the plugin and looks at the raw memory it is
+   handed. Usage: plain_host LIBRARY. Prints what is wrong and exits with the number of wrong things. */
 #include <dlfcn.h>
 #include <stdint.h>
 #include <stdio.h>
@@ -13,7 +13,8 @@ static const char* const kDeclarations[15] = {
     /* clang-format off */
     "GetRect(displayID As UInt32, byref left As Integer, byref top As Integer, byref right As Integer, byref bottom As Integer)",
     /* clang-format on */
-    "GetCGRect(displayID As UInt32, byref x As Double, byref y As Double, byref width As Double, byref height As Double)",
+    "GetCGRect(displayID As UInt32, byref x As Double, byref y As Double, byref width As Double, byref height As "
+    "Double)",
     "GetProfilePath(displayID As UInt32, byref path As String)",
     "GetIndex(displayID As UInt32) As UInt32",
     "GetScale(displayID As UInt32) As Double",

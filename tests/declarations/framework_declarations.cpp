@@ -1,6 +1,7 @@
 // What the plugin relies on in the frameworks' headers, asserted at compile time: function types, type definitions,
 // struct layouts, constants and macros. The same assertions are compiled against platform/include and against Apple's
 // SDK, so the two cannot drift apart. framework_declarations.mm compiles this file again as Objective-C++.
+#include <Block.h>
 #include <ColorSync/ColorSync.h>
 #include <CoreFoundation/CoreFoundation.h>
 #include <CoreGraphics/CoreGraphics.h>
@@ -23,9 +24,10 @@
 // The constant NAME has this value, and the type TYPE takes it without a cast.
 #define CONSTANT(name, type, value) \
   static_assert(std::is_convertible_v<decltype(name), type> && (name) == (value), #name)
-#define MEMBER(record, name, type, offset)                                                                      \
-  static_assert(std::is_same_v<decltype(record::name), type> && offsetof(record, name) == (offset), #record ":" \
-                                                                                                            ":" #name)
+#define MEMBER(record, name, type, offset)                                                                  \
+  static_assert(std::is_same_v<decltype(record::name), type> && offsetof(record, name) == (offset), #record \
+                ":"                                                                                         \
+                ":" #name)
 #define TEXT(name, value) static_assert(std::string_view(name) == (value), #name)
 
 // A deprecated name that the plugin uses is still one that it declares.
@@ -249,6 +251,13 @@ TEXT(kDisplaySerialNumber, "DisplaySerialNumber");
 TEXT(kDisplayProductName, "DisplayProductName");
 DECLARED(IODisplayCreateInfoDictionary, CFDictionaryRef(io_service_t, IOOptionBits));
 
+// --- blocks
+
+DECLARED(_Block_copy, void*(const void*));
+DECLARED(_Block_release, void(const void*));
+DECLARED(Block_copy(static_cast<void (^)(int)>(nullptr)), void (^)(int));
+DECLARED(Block_release(static_cast<void (^)(int)>(nullptr)), void);
+
 // --- libdispatch
 
 #ifndef __OBJC__  // on the Mac, queues are objects to Objective-C
@@ -259,7 +268,7 @@ TYPE(dispatch_block_t, void (^)());
 DECLARED(dispatch_queue_create, dispatch_queue_t(const char*, dispatch_queue_attr_t) noexcept);
 DECLARED(dispatch_async, void(dispatch_queue_t, dispatch_block_t) noexcept);
 
-// --- AppKit and Foundation's geometry
+// --- AppKit and Foundation, as far as they are declared beside the system's own Foundation
 
 #ifdef __OBJC__
 #import <AppKit/AppKit.h>
@@ -272,4 +281,9 @@ DECLARED([NSScreen mainScreen], NSScreen*);
 DECLARED([[NSScreen mainScreen] frame], NSRect);
 DECLARED([[NSScreen mainScreen] backingScaleFactor], CGFloat);
 static_assert(std::is_convertible_v<NSScreen*, NSObject*>, "NSScreen");
+
+MEMBER(NSOperatingSystemVersion, majorVersion, NSInteger, 0);
+MEMBER(NSOperatingSystemVersion, minorVersion, NSInteger, 8);
+MEMBER(NSOperatingSystemVersion, patchVersion, NSInteger, 16);
+DECLARED([[NSProcessInfo processInfo] isOperatingSystemAtLeastVersion:NSOperatingSystemVersion()], BOOL);
 #endif

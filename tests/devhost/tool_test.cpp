@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <filesystem>
 #include <fstream>
 #include <nlohmann/json.hpp>
 
@@ -19,20 +20,23 @@ using ::testing::IsEmpty;
 using ::testing::Not;
 using ::testing::StartsWith;
 
-struct Run : test_support::ProcessResult {
+struct ToolRun : test_support::ProcessResult {
   json document() const { return json::parse(output); }
   std::size_t errorLines() const { return static_cast<std::size_t>(std::count(errors.begin(), errors.end(), '\n')); }
 };
 
-/// Without an X server, and without a desktop file unless the options name one.
-Run runTool(std::vector<std::string> arguments, const std::vector<std::string>& environment = {}) {
+/// With neither an X server nor a desktop file, unless the options or the variables name one.
+struct Variables {
+  std::string display;
+  std::string desktop;
+};
+
+ToolRun runTool(std::vector<std::string> arguments, const Variables& variables = {}) {
   arguments.insert(arguments.begin(), OSTREVIN_HOST);
-  test_support::Environment variables{"DISPLAY=", "OSTREVIN_DESKTOP="};
-  variables.insert(variables.end(), environment.begin(), environment.end());
-  return {test_support::run(arguments, variables)};
+  return {test_support::run(arguments, {"DISPLAY=" + variables.display, "OSTREVIN_DESKTOP=" + variables.desktop})};
 }
 
-Run runSample(std::vector<std::string> arguments) {
+ToolRun runSample(std::vector<std::string> arguments) {
   arguments.insert(arguments.begin(), {"--plugin", SAMPLE_PLUGIN, "--desktop", "live"});
   return runTool(arguments);
 }
@@ -50,8 +54,9 @@ class ToolTest : public ::testing::Test {
 
 constexpr const char* kTwoDisplays = R"({
   "displays": [
-    {"number": 7, "bounds": [0, 0, 1440, 900], "name": "Red\u001b[31m\nLine", "scale": 2, "profiles": ["/p/a.icc", "/p/b.icc"]},
-    {"number": 9, "bounds": [-1440.5, 0, 1440, 900], "name": "Zweiter", "scale": 1}
+    {"number": 7, "bounds": [0, 0, 1440, 900], "name": "Red\u001b[31m\nLine", "model": 1, "scale": 2,
+     "profiles": ["/p/a.icc", "/p/b.icc"]},
+    {"number": 9, "bounds": [-1440.5, 0, 1440, 900], "name": "Zweiter", "model": 2, "profiles": ["/p/b.icc"]}
   ],
   "installed_profiles": [
     {"class": "mntr", "description": "B", "path": "/p/a.icc"},
@@ -60,22 +65,24 @@ constexpr const char* kTwoDisplays = R"({
   ]
 })";
 
+constexpr const char* kDisplayWithoutProfile = R"({"displays": [{"number": 9, "bounds": [0, 0, 800, 600]}]})";
+
 // --- list
 
 TEST_F(ToolTest, ListsTheDisplaysWithoutACommand) {
   const std::string desktop = write("desktop.json", kTwoDisplays);
-  const Run run = runTool({"--desktop", desktop});
+  const ToolRun run = runTool({"--desktop", desktop});
   EXPECT_EQ(run.exit_status, 0);
   EXPECT_EQ(run.output,
-            "Number  Index  Name               Bounds                     Scale  Profile\n"
-            "7       0      Red\\x1b[31m\\nLine  1440 x 900 at 0, 0         2      /p/a.icc\n"
-            "9       1      Zweiter            1440 x 900 at -1440.5, 0  1      -\n");
+            "Number  Index  Name               Bounds                    Scale  Profile\n"
+            "7       0      Red\\x1b[31m\\nLine  1440 x 900 at 0, 0        2      /p/a.icc\n"
+            "9       1      Zweiter            1440 x 900 at -1440.5, 0  1      /p/b.icc\n");
   EXPECT_THAT(run.errors, IsEmpty());
   EXPECT_EQ(runTool({"--desktop", desktop, "list"}).output, run.output);
 }
 
 TEST_F(ToolTest, ListsTheDisplaysAsJson) {
-  const Run run = runTool({"--json", "--desktop", write("desktop.json", kTwoDisplays)});
+  const ToolRun run = runTool({"--json", "--desktop", write("desktop.json", kTwoDisplays)});
   EXPECT_EQ(run.exit_status, 0);
   const json document = run.document();
   EXPECT_EQ(document["format"], "ostrevin-host");
@@ -86,22 +93,29 @@ TEST_F(ToolTest, ListsTheDisplaysAsJson) {
             json::parse(R"({"number": 7, "index": 0, "name": "Red\u001b[31m\nLine", "scale": 2.0, "profile": "/p/a.icc",
                             "bounds": {"x": 0.0, "y": 0.0, "width": 1440.0, "height": 900.0}})"));
   EXPECT_EQ(document["displays"][1]["bounds"]["x"], -1440.5);
-  EXPECT_EQ(document["displays"][1]["profile"], "");
+  EXPECT_EQ(document["displays"][1]["profile"], "/p/b.icc");
+}
+
+TEST_F(ToolTest, ListsADisplayWithoutNameAndProfile) {
+  const std::string desktop = write("desktop.json", kDisplayWithoutProfile);
+  EXPECT_EQ(runTool({"--desktop", desktop}).output,
+            "Number  Index  Name     Bounds             Scale  Profile\n"
+            "9       0      UNKNOWN  800 x 600 at 0, 0  1      -\n");
 }
 
 TEST_F(ToolTest, TakesTheDesktopFileFromTheEnvironmentToo) {
-  const Run run = runTool({"--json"}, {"OSTREVIN_DESKTOP=" + write("desktop.json", kTwoDisplays)});
+  const ToolRun run = runTool({"--json"}, {"", write("desktop.json", kTwoDisplays)});
   EXPECT_EQ(run.document()["displays"].size(), 2U);
 }
 
 TEST_F(ToolTest, TheOptionLiveOverrulesTheEnvironment) {
-  const Run run = runTool({"--json", "--desktop", "live"}, {"OSTREVIN_DESKTOP=" + write("desktop.json", kTwoDisplays)});
+  const ToolRun run = runTool({"--json", "--desktop", "live"}, {"", write("desktop.json", kTwoDisplays)});
   EXPECT_EQ(run.exit_status, 0);
   EXPECT_EQ(run.document()["displays"].size(), 0U);
 }
 
 TEST(Tool, ShowsTheExampleDesktopWithoutAnXServerAndSaysSoInOneLine) {
-  const Run run = runTool({"--json"});
+  const ToolRun run = runTool({"--json"});
   EXPECT_EQ(run.exit_status, 0);
   EXPECT_EQ(run.document()["displays"].size(), 4U);
   EXPECT_THAT(run.errors, StartsWith("ostrevin-host: no X server: showing the example desktop "));
@@ -109,32 +123,32 @@ TEST(Tool, ShowsTheExampleDesktopWithoutAnXServerAndSaysSoInOneLine) {
 }
 
 TEST(Tool, ShowsTheExampleDesktopWhenTheXServerCannotBeReached) {
-  const Run run = runTool({"--json"}, {"DISPLAY=:64999"});
+  const ToolRun run = runTool({"--json"}, {":64999", ""});
   EXPECT_EQ(run.document()["displays"].size(), 4U);
   EXPECT_EQ(run.errorLines(), 1U);
 }
 
 TEST(Tool, TheLiveDesktopWithoutAnXServerIsAnEmptyTable) {
-  const Run run = runTool({"--desktop", "live"});
+  const ToolRun run = runTool({"--desktop", "live"});
   EXPECT_EQ(run.exit_status, 0);
   EXPECT_EQ(run.output, "Number  Index  Name  Bounds  Scale  Profile\n");
   EXPECT_THAT(run.errors, IsEmpty());
 }
 
 TEST_F(ToolTest, AnUnusableDesktopFileIsOneLineAndWrongUsage) {
-  const Run malformed = runTool({"--desktop", write("desktop.json", "{\n\"displays\": 3}")});
+  const ToolRun malformed = runTool({"--desktop", write("desktop.json", "{\n\"displays\": 3}")});
   EXPECT_EQ(malformed.exit_status, 2);
   EXPECT_THAT(malformed.errors, HasSubstr("desktop.json:2: "));
   EXPECT_EQ(malformed.errorLines(), 1U);
   EXPECT_THAT(malformed.output, IsEmpty());
   EXPECT_EQ(runTool({"--desktop", "/nowhere/desktop.json"}).exit_status, 2);
-  EXPECT_EQ(runTool({}, {"OSTREVIN_DESKTOP=/nowhere/desktop.json"}).exit_status, 2);
+  EXPECT_EQ(runTool({}, {"", "/nowhere/desktop.json"}).exit_status, 2);
 }
 
 // --- methods and call
 
 TEST(Tool, PrintsTheMethodsAsRegistered) {
-  const Run run = runTool({"methods"});
+  const ToolRun run = runTool({"methods"});
   EXPECT_EQ(run.exit_status, 0);
   EXPECT_THAT(run.output, StartsWith("Ostrevin, interface version 13\nSetObject( obj As Object )\n"));
   EXPECT_THAT(run.output, HasSubstr("\nDisplayIDForWindow(left as Integer, top as Integer, width as Integer, height as "
@@ -150,11 +164,10 @@ TEST(Tool, PrintsTheMethodsAsJson) {
   EXPECT_EQ(module["name"], "Ostrevin");
   EXPECT_EQ(module["methods"].size(), 15U);
   EXPECT_EQ(module["methods"][3],
-            json::parse(R"({"declaration": "GetName(displayID As UInt32, byref name As String)", "name": "GetName",
-                            "parameters": [{"name": "displayID", "type": "UInt32", "by_reference": false},
-                                           {"name": "name", "type": "String", "by_reference": true}],
-                            "result": null
-})"));
+            json::parse(R"json({"declaration": "GetName(displayID As UInt32, byref name As String)", "name": "GetName",
+                                "parameters": [{"name": "displayID", "type": "UInt32", "by_reference": false},
+                                               {"name": "name", "type": "String", "by_reference": true}],
+                                "result": null})json"));
 }
 
 TEST(Tool, LoadsAndCallsAnotherPlugin) {
@@ -202,7 +215,7 @@ TEST(Tool, AWrongCallIsOneLineAndWrongUsage) {
       {{"tag", "/p/a.icc"}, "SIG is required"},
   };
   for (const auto& [arguments, message] : wrong) {
-    const Run run = runTool(arguments);
+    const ToolRun run = runTool(arguments);
     EXPECT_EQ(run.exit_status, 2) << message;
     EXPECT_THAT(run.errors, AllOf(StartsWith("ostrevin-host: "), HasSubstr(message)));
     EXPECT_EQ(run.errorLines(), 1U) << run.errors;
@@ -211,7 +224,7 @@ TEST(Tool, AWrongCallIsOneLineAndWrongUsage) {
 }
 
 TEST(Tool, APluginThatCannotBeLoadedIsOneLine) {
-  const Run run = runTool({"--plugin", "/nowhere/libNothing.so"});
+  const ToolRun run = runTool({"--plugin", "/nowhere/libNothing.so"});
   EXPECT_EQ(run.exit_status, 1);
   EXPECT_THAT(run.errors, HasSubstr("cannot load the plugin: /nowhere/libNothing.so"));
   EXPECT_EQ(run.errorLines(), 1U);
@@ -220,27 +233,31 @@ TEST(Tool, APluginThatCannotBeLoadedIsOneLine) {
 TEST_F(ToolTest, SetProfileReadsBackWhatTheDisplayReports) {
   const std::string desktop = write("desktop.json", kTwoDisplays);
   const std::string profile = write("new.icc", "");
-  const Run taken = runTool({"--desktop", desktop, "call", "SetProfile", "7", profile});
+  const ToolRun taken = runTool({"--desktop", desktop, "call", "SetProfile", "7", profile});
   EXPECT_EQ(taken.exit_status, 0);
   EXPECT_EQ(taken.output, "result: True\n");
   EXPECT_THAT(taken.errors, IsEmpty());
 
-  const Run refused = runTool({"--desktop", desktop, "call", "SetProfile", "9", profile});
+  const std::string other = write("other.json", kDisplayWithoutProfile);
+  const ToolRun refused = runTool({"--desktop", other, "call", "SetProfile", "9", profile});
   EXPECT_EQ(refused.exit_status, 1);
   EXPECT_EQ(refused.output, "result: False\n");
   EXPECT_EQ(refused.errors, "ostrevin-host: display 9 does not report " + profile + " afterwards, but no profile\n");
 }
 
 TEST_F(ToolTest, SetProfileResolvesARelativePath) {
-  const Run run =
-      runTool({"--desktop", write("desktop.json", kTwoDisplays), "call", "setprofile", "9", "a/../new.icc"});
-  EXPECT_THAT(run.errors, AllOf(HasSubstr("does not report /"), HasSubstr("/new.icc afterwards")));
+  const std::string desktop = write("desktop.json", R"({"accepts_profiles": false, "displays": [
+      {"number": 9, "bounds": [0, 0, 800, 600], "name": "Nine", "profiles": ["/p/b.icc"]}]})");
+  const ToolRun run = runTool({"--desktop", desktop, "call", "setprofile", "9", "./new.icc"});
+  EXPECT_EQ(run.exit_status, 1);
+  EXPECT_EQ(run.errors, "ostrevin-host: display 9 does not report " +
+                            (std::filesystem::current_path() / "new.icc").string() + " afterwards, but /p/b.icc\n");
 }
 
 // --- profiles
 
 TEST_F(ToolTest, ListsTheInstalledProfilesByTheEvents) {
-  const Run run = runTool({"--desktop", write("desktop.json", kTwoDisplays), "profiles"});
+  const ToolRun run = runTool({"--desktop", write("desktop.json", kTwoDisplays), "profiles"});
   EXPECT_EQ(run.exit_status, 0);
   EXPECT_EQ(run.output, "Name  Path\nB     /p/a.icc\nA     /p/b.icc\n");
 }
@@ -251,11 +268,11 @@ TEST_F(ToolTest, ListsTheProfilesOfADisplay) {
   EXPECT_EQ(document["display"], 7);
   EXPECT_EQ(document["profiles"],
             json::parse(R"([{"name": "B", "path": "/p/a.icc"}, {"name": "A", "path": "/p/b.icc"}])"));
-  EXPECT_EQ(runTool({"--desktop", desktop, "profiles", "9"}).output, "Name  Path\n");
+  EXPECT_EQ(runTool({"--desktop", desktop, "profiles", "9"}).output, "Name  Path\nA     /p/b.icc\n");
 }
 
 TEST_F(ToolTest, SaysWhenThereIsNoDisplayOfTheNumber) {
-  const Run run = runTool({"--desktop", write("desktop.json", kTwoDisplays), "profiles", "8"});
+  const ToolRun run = runTool({"--desktop", write("desktop.json", kTwoDisplays), "profiles", "8"});
   EXPECT_EQ(run.exit_status, 0);
   EXPECT_EQ(run.errors, "ostrevin-host: no active display has the number 8\n");
 }
@@ -286,13 +303,13 @@ TEST_F(ToolTest, AShortListShowsNoProgress) {
 
 TEST_F(ToolTest, AFileThatIsNoProfileHasNoTagAndNoDocument) {
   const std::string path = write("empty.icc", "");
-  const Run tag = runTool({"tag", path, "rXYZ"});
+  const ToolRun tag = runTool({"tag", path, "rXYZ"});
   EXPECT_EQ(tag.exit_status, 1);
   EXPECT_EQ(tag.output, "no\n");
   EXPECT_THAT(tag.errors, IsEmpty());
   EXPECT_EQ(runTool({"tag", path, "rXYZ", "--json"}).document()["exists"], false);
 
-  const Run document = runTool({"qv02", path});
+  const ToolRun document = runTool({"qv02", path});
   EXPECT_EQ(document.exit_status, 1);
   EXPECT_THAT(document.output, IsEmpty());
   EXPECT_EQ(document.errors, "ostrevin-host: " + path + " has no readable QV02 document (code 466)\n");
@@ -305,13 +322,13 @@ TEST_F(ToolTest, AFileThatIsNoProfileHasNoTagAndNoDocument) {
 // --- check
 
 TEST(Tool, CheckReportsWhatWasNotReleased) {
-  const Run run = runSample({"--check", "call", "Keep", "kept\x1b"});
+  const ToolRun run = runSample({"--check", "call", "Keep", "kept\x1b"});
   EXPECT_EQ(run.exit_status, 3);
   EXPECT_EQ(run.errors, "ostrevin-host: not released: string \"kept\\x1b\" (5 bytes)\n");
 }
 
 TEST(Tool, CheckReportsWrongReleases) {
-  const Run run = runSample({"--check", "call", "ReleaseTwice", "text"});
+  const ToolRun run = runSample({"--check", "call", "ReleaseTwice", "text"});
   EXPECT_EQ(run.exit_status, 3);
   EXPECT_THAT(run.errors, HasSubstr("fault: REALUnlockString: releases a reference that it does not hold"));
 }
@@ -329,7 +346,7 @@ TEST(Tool, CheckFindsNothingToReportInThePlugin) {
                                              {"call", "QV02Read", "/p/a.icc", "before"}}) {
     std::vector<std::string> arguments{"--check"};
     arguments.insert(arguments.end(), command.begin(), command.end());
-    const Run run = runTool(arguments);
+    const ToolRun run = runTool(arguments);
     EXPECT_EQ(run.exit_status, 0) << run.errors;
     EXPECT_THAT(run.errors, Not(HasSubstr("not released")));
   }
@@ -338,7 +355,7 @@ TEST(Tool, CheckFindsNothingToReportInThePlugin) {
 // --- help
 
 TEST(Tool, HelpTellsTheCommandsTheExamplesAndTheExitStatus) {
-  const Run run = runTool({"--help"});
+  const ToolRun run = runTool({"--help"});
   EXPECT_EQ(run.exit_status, 0);
   for (const char* word : {"list", "methods", "call", "profiles", "tag", "qv02", "--json", "--check", "--plugin",
                            "--desktop", "Examples:", "Exit status:"}) {

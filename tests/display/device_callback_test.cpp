@@ -52,12 +52,22 @@ std::vector<CFStringRef> allKeys() {
 class DeviceListIterator : public DisplayTest {
  protected:
   DeviceListIterator() {
-    device_iterator::inUUIDstr = CFUUIDCreateString(kCFAllocatorDefault, makeUuid(1).get());
+    device_iterator::inUUIDstr = sought_.get();
     device_iterator::profile_path = nullptr;
     device_iterator::device_name = nullptr;
   }
+  ~DeviceListIterator() override { device_iterator::inUUIDstr = nullptr; }
 
-  bool goesOn(CFDictionaryRef entry) { return device_iterator::deviceListIterator(entry, &promise_); }
+  bool goesOn(CFDictionaryRef entry) { return goesOn(entry, &promise_); }
+  /// Takes over the references that the callback keeps for ever, so that the leak checker finds no others.
+  bool goesOn(CFDictionaryRef entry, std::promise<bool>* promise) {
+    const bool goes_on = device_iterator::deviceListIterator(entry, promise);
+    if (!goes_on) {
+      urls_.push_back(OwnedRef<CFURLRef>::adopt(device_iterator::profile_path));
+      names_.push_back(OwnedRef<CFStringRef>::adopt(device_iterator::device_name));
+    }
+    return goes_on;
+  }
   bool fulfilled() { return answer_.wait_for(std::chrono::seconds(0)) == std::future_status::ready; }
   void expectNoMatch(CFDictionaryRef entry) {
     EXPECT_TRUE(goesOn(entry));
@@ -66,6 +76,13 @@ class DeviceListIterator : public DisplayTest {
     EXPECT_EQ(device_iterator::device_name, nullptr);
   }
 
+  static OwnedRef<CFStringRef> uuidText(std::uint32_t number) {
+    return OwnedRef<CFStringRef>::adopt(CFUUIDCreateString(kCFAllocatorDefault, makeUuid(number).get()));
+  }
+
+  const OwnedRef<CFStringRef> sought_ = uuidText(1);
+  std::vector<OwnedRef<CFURLRef>> urls_;
+  std::vector<OwnedRef<CFStringRef>> names_;
   std::promise<bool> promise_;
   std::future<bool> answer_ = promise_.get_future();
 };
@@ -161,21 +178,21 @@ TEST_F(DeviceListIterator, MatchesAgainAfterItsPromiseIsFulfilled) {
 
 TEST_F(DeviceListIterator, CanDoWithoutAPromise) {
   const MadeEntry made;
-  EXPECT_FALSE(device_iterator::deviceListIterator(made.get(), nullptr));
+  EXPECT_FALSE(goesOn(made.get(), nullptr));
   EXPECT_EQ(device_iterator::profile_path, made.url());
 }
 
 TEST_F(DeviceListIterator, DropsAMatchWhenAnotherDisplayIsSoughtMeanwhile) {
   const MadeEntry made;
-  const CFStringRef other = CFUUIDCreateString(kCFAllocatorDefault, makeUuid(2).get());
-  platform::calls::setHook(Call::CFEqual, [other](std::uint64_t nth) {
+  const auto other = uuidText(2);
+  platform::calls::setHook(Call::CFEqual, [&other](std::uint64_t nth) {
     if (nth == 4) {
-      device_iterator::inUUIDstr = other;
+      device_iterator::inUUIDstr = other.get();
     }
     return Answer{};
   });
   expectNoMatch(made.get());
-  EXPECT_EQ(device_iterator::inUUIDstr, other);
+  EXPECT_EQ(device_iterator::inUUIDstr, other.get());
 }
 
 TEST_F(DeviceListIterator, DiscardsTheRecordsOfDevices) {

@@ -214,7 +214,6 @@ TEST_F(DisplayName, ThatIsEmptyInIoKitIsColorSyncs) {
 }
 
 TEST_F(DisplayName, ThatIsEmptyInIoKitAndNotInColorSyncIsUnknownAtTheLimit) {
-  announceWalks();
   setServices({service(1, "")});
   edit([](Script& script) { script.device_profiles.clear(); });
   waitInNoTime([this] { waitForWalks(1); });

@@ -95,7 +95,6 @@ TEST_F(KnownDisplay, LeavesAReferenceToTheUuidBehindPerCall) {
 
 TEST_F(KnownDisplay, ThatOnlyColorSyncCanNameIsWaitedForOnce) {
   haveDisplay(20);
-  announceWalks();
   edit([](Script& script) {
     script.arrangement.services = {service(20, "")};
     script.device_profiles.clear();
@@ -104,6 +103,14 @@ TEST_F(KnownDisplay, ThatOnlyColorSyncCanNameIsWaitedForOnce) {
   EXPECT_EQ(text(KnownDisplayForID(20)), "UNKNOWN");
   EXPECT_EQ(text(KnownDisplayForID(20)), "UNKNOWN");
   EXPECT_THAT(limits(), testing::ElementsAre(std::chrono::seconds(10)));
+}
+
+TEST_F(KnownDisplay, IsFoundWhenNothingCanBeRemembered) {
+  haveDisplay(21);
+  fail(Call::CFDictionaryCreateMutable);
+  EXPECT_EQ(text(KnownDisplayForID(21)), "Name 21");
+  platform::calls::removeAllHooks();
+  EXPECT_EQ(text(KnownDisplayForID(21)), "Name 21");
 }
 
 }  // namespace

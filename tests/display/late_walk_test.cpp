@@ -20,7 +20,6 @@ std::string queriedPath(CGDirectDisplayID number) {
 class LateWalk : public DisplayTest {
  protected:
   LateWalk() {
-    announceWalks();
     edit([this](Script& script) {
       script.device_walk.hang = true;
       script_ = script;

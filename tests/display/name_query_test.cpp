@@ -16,7 +16,6 @@ TEST_F(NameQuery, GivesTheDescriptionOfTheDisplaysDevice) {
 }
 
 TEST_F(NameQuery, IsUnknownWhenTheWalkFindsNothing) {
-  announceWalks();
   waitInNoTime([this] { waitForWalks(1); });
   EXPECT_EQ(text(displayNameUsingColorSync(makeUuid(9).get())), "UNKNOWN");
   EXPECT_THAT(limits(), ElementsAre(std::chrono::seconds(10)));
@@ -36,7 +35,6 @@ TEST_F(NameQuery, IsUnknownAtOnceWithoutUuidUuidTextOrQueue) {
 
 TEST_F(NameQuery, DoesNotPresetTheDeviceName) {
   EXPECT_EQ(text(displayNameUsingColorSync(makeUuid(2).get())), "ColorSync 2");
-  announceWalks();
   waitInNoTime([this] { waitForWalks(1); });
   EXPECT_EQ(text(displayNameUsingColorSync(makeUuid(9).get())), "UNKNOWN");
   EXPECT_EQ(text(device_iterator::device_name), "ColorSync 2");
@@ -45,14 +43,12 @@ TEST_F(NameQuery, DoesNotPresetTheDeviceName) {
 TEST_F(NameQuery, DoesNotConsumeTheUuid) {
   const auto uuid = makeUuid(2);
   const CFIndex before = CFGetRetainCount(uuid.get());
-  announceWalks();
   displayNameUsingColorSync(uuid.get());
   waitForWalks(1);
   EXPECT_EQ(CFGetRetainCount(uuid.get()), before);
 }
 
 TEST_F(NameQuery, GivesANameThatStaysValidWhenTheDesktopAndLaterQueriesAreGone) {
-  announceWalks();
   const CFStringRef name = displayNameUsingColorSync(makeUuid(2).get());
   EXPECT_EQ(text(displayNameUsingColorSync(makeUuid(3).get())), "ColorSync 3");
   waitForWalks(2);

@@ -48,14 +48,12 @@ TEST_F(ProfileQuery, TakesTheFirstOfSeveralMatches) {
 }
 
 TEST_F(ProfileQuery, NeverMatchesADefaultProfileThatIsNotCurrentNorACurrentOneThatIsNotDefault) {
-  announceWalks();
   edit([](Script& script) { script.device_profiles = {entry(1, "/d", true, false), entry(1, "/c", false, true)}; });
   waitInNoTime([this] { waitForWalks(1); });
   EXPECT_EQ(ProfilePathForDisplay(1), nullptr);
 }
 
 TEST_F(ProfileQuery, NeverMatchesADeviceOfAnotherClass) {
-  announceWalks();
   edit([](Script& script) { script.device_profiles[0].device_class = "prtr"; });
   waitInNoTime([this] { waitForWalks(1); });
   EXPECT_EQ(ProfilePathForDisplay(1), nullptr);
@@ -77,7 +75,6 @@ TEST_F(ProfileQuery, PassesOverEntriesThatLackAValue) {
 }
 
 TEST_F(ProfileQuery, HandsTheCallerOneExtraReference) {
-  announceWalks();
   const CFURLRef borrowed = device_iterator::profileForCGDirectDisplayID(1);
   waitForWalks(1);
   const CFURLRef owned = ProfilePathForDisplay(1);
@@ -93,7 +90,6 @@ TEST_F(ProfileQuery, HandsTheCallerOneExtraReference) {
 }
 
 TEST_F(ProfileQuery, OfADisplayThatColorSyncDoesNotListIsNullWithoutAReference) {
-  announceWalks();
   edit([](Script& script) { script.device_profiles.erase(script.device_profiles.begin()); });
   waitInNoTime([this] { waitForWalks(1); });
   EXPECT_EQ(ProfilePathForDisplay(1), nullptr);
@@ -101,7 +97,6 @@ TEST_F(ProfileQuery, OfADisplayThatColorSyncDoesNotListIsNullWithoutAReference) 
 }
 
 TEST_F(ProfileQuery, LeavesEmptyAsTheDeviceNameWhenItsWalkFoundNothing) {
-  announceWalks();
   EXPECT_EQ(queriedPath(1), "/profiles/1.icc");
   EXPECT_EQ(text(device_iterator::device_name), "ColorSync 1");
   edit([](Script& script) { script.device_profiles.clear(); });
@@ -155,7 +150,6 @@ TEST_F(ProfileQuery, WalksAfreshOnAQueueOfItsOwnEveryTime) {
 }
 
 TEST_F(ProfileQuery, EndsItsWalkAtTheFirstMatch) {
-  announceWalks();
   edit([](Script& script) { script.device_walk.repeat = 1000; });
   const auto before = count(Call::CFUUIDCreateString);
   EXPECT_EQ(queriedPath(2), "/profiles/2.icc");
@@ -175,7 +169,6 @@ TEST_F(ProfileQuery, LeavesTheSoughtUuidTextBehind) {
 TEST_F(ProfileQuery, DoesNotReleaseTheUuid) {
   const auto uuid = makeUuid(1);
   const CFIndex before = CFGetRetainCount(uuid.get());
-  announceWalks();
   EXPECT_EQ(queriedPath(1), "/profiles/1.icc");
   waitForWalks(1);
   EXPECT_EQ(CFGetRetainCount(uuid.get()), before + 1);

@@ -133,9 +133,11 @@ struct DisplayTest::Walks {
   unsigned over = 0;
 };
 
-DisplayTest::DisplayTest() {
+DisplayTest::DisplayTest() : walks_(std::make_shared<Walks>()), dispatched_before_(count(Call::dispatch_async)) {
   realWait();
   Script script;
+  script.device_walk.before = [walks = walks_] { walks->count(&Walks::begun); };
+  script.device_walk.after = [walks = walks_] { walks->count(&Walks::over); };
   for (const std::uint32_t number : {1U, 2U, 3U}) {
     script.arrangement.displays.push_back(display(number));
     script.arrangement.services.push_back(service(number, "Name " + std::to_string(number)));
@@ -147,6 +149,9 @@ DisplayTest::DisplayTest() {
 
 DisplayTest::~DisplayTest() {
   desktop_->releaseWalks();
+  if (!dispatch_fails_) {
+    waitForWalks(static_cast<unsigned>(count(Call::dispatch_async) - dispatched_before_));
+  }
   platform::calls::removeAllHooks();
   waitInRealTime();
   platform::desktop::setCurrent(nullptr);
@@ -161,14 +166,6 @@ const std::vector<std::chrono::seconds>& DisplayTest::limits() { return waits().
 
 void DisplayTest::waitInRealTime() { DisplayServices::internal::answer_wait = realWait(); }
 
-void DisplayTest::announceWalks() {
-  walks_ = std::make_shared<Walks>();
-  edit([walks = walks_](Script& script) {
-    script.device_walk.before = [walks] { walks->count(&Walks::begun); };
-    script.device_walk.after = [walks] { walks->count(&Walks::over); };
-  });
-}
-
 void DisplayTest::waitFor(unsigned Walks::*counter, unsigned number) {
   std::unique_lock lock(walks_->mutex);
   if (!walks_->changed.wait_for(lock, kPatience, [&] { return walks_.get()->*counter >= number; })) {
@@ -180,6 +177,7 @@ void DisplayTest::waitForBegunWalks(unsigned number) { waitFor(&Walks::begun, nu
 void DisplayTest::waitForWalks(unsigned number) { waitFor(&Walks::over, number); }
 
 void DisplayTest::fail(Call call, std::uint64_t nth) {
+  dispatch_fails_ = dispatch_fails_ || call == Call::dispatch_async;
   platform::calls::setHook(call, [nth](std::uint64_t this_one) { return Answer{nth == 0 || nth == this_one}; });
 }
 

@@ -73,8 +73,6 @@ class DisplayTest : public testing::Test {
   void waitInRealTime();
   static const std::vector<std::chrono::seconds>& limits();
 
-  /// From now on walks are counted when they begin and when they are over.
-  void announceWalks();
   /// Waits until `number` walks have begun: what is edited afterwards does not concern them.
   void waitForBegunWalks(unsigned number);
   /// Waits until `number` walks are over.
@@ -82,7 +80,7 @@ class DisplayTest : public testing::Test {
 
   static std::uint64_t count(Call call) { return platform::calls::count(call); }
   /// Makes the nth call (from 1) fail, or all of them (0).
-  static void fail(Call call, std::uint64_t nth = 0);
+  void fail(Call call, std::uint64_t nth = 0);
 
   std::shared_ptr<ScriptedDesktop> desktop_;
 
@@ -90,6 +88,8 @@ class DisplayTest : public testing::Test {
   struct Walks;
   void waitFor(unsigned Walks::*counter, unsigned number);
   std::shared_ptr<Walks> walks_;
+  const std::uint64_t dispatched_before_;
+  bool dispatch_fails_ = false;
 };
 
 }  // namespace display_tests

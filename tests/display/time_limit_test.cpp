@@ -44,7 +44,6 @@ TEST_F(TimeLimit, OfANameQueryWhoseWalkHangsIsTenSeconds) {
 }
 
 TEST_F(TimeLimit, IsWaitedForInFullWhenTheWalkEndsWithoutAMatch) {
-  announceWalks();
   edit([](Script& script) { script.device_profiles.clear(); });
   const auto time = timeOf([&] { EXPECT_EQ(ProfilePathForDisplay(1), nullptr); });
   waitForWalks(1);

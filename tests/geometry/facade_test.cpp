@@ -180,13 +180,11 @@ TEST(GetIndex, DoesNotSeeADisplayThatAppearsBetweenTheQuestions) {
 
 TEST(GetIndex, ReadsNoFurtherThanItsBufferWhateverNumberIsReported) {
   const ScriptedSession session(displays(3));
-  platform::calls::setHook(Call::CGGetActiveDisplayList, [](std::uint64_t nth) {
-    return nth == 2 ? Answer{.number = 1000000} : Answer{};
-  });
+  platform::calls::setHook(Call::CGGetActiveDisplayList,
+                           [](std::uint64_t nth) { return nth == 2 ? Answer{.number = 1000000} : Answer{}; });
   EXPECT_EQ(Display::GetIndex(102), 2U);
-  platform::calls::setHook(Call::CGGetActiveDisplayList, [](std::uint64_t nth) {
-    return nth == 2 ? Answer{.number = 1000000} : Answer{};
-  });
+  platform::calls::setHook(Call::CGGetActiveDisplayList,
+                           [](std::uint64_t nth) { return nth == 2 ? Answer{.number = 1000000} : Answer{}; });
   EXPECT_EQ(Display::GetIndex(999), kNotFound);
 }
 

@@ -12,7 +12,8 @@
 
 namespace support {
 
-/// Loads a copy of the library under a name of its own: a copy has its own state, where loading one file twice would not.
+/// Loads a copy of the library under a name of its own: a copy has its own state, where loading one file twice would
+/// not.
 inline devhost::Plugin loadFreshPlugin(devhost::Host& host) {
   std::string folder = (std::filesystem::temp_directory_path() / "ostrevin-XXXXXX").string();
   if (mkdtemp(folder.data()) == nullptr) {

@@ -83,7 +83,7 @@ std::vector<std::string> mergedEnvironment(const Environment& added) {
 
 /// Starts a program; `descriptors` are pairs (ours, the child's).
 pid_t start(const std::vector<std::string>& command, const Environment& environment,
-            const std::vector<std::pair<int, int>>& descriptors) {
+            const std::vector<std::pair<int, int>>& descriptors, const std::function<bool()>& prepare = nullptr) {
   const CStrings arguments(command);
   const CStrings variables(mergedEnvironment(environment));
   const pid_t pid = fork();
@@ -100,7 +100,9 @@ pid_t start(const std::vector<std::string>& command, const Environment& environm
   for (const auto& [ours, childs] : descriptors) {
     dup2(ours, childs);
   }
-  execvpe(arguments.data()[0], arguments.data(), variables.data());
+  if (!prepare || prepare()) {
+    execvpe(arguments.data()[0], arguments.data(), variables.data());
+  }
   _exit(127);
 }
 
@@ -198,7 +200,7 @@ TemporaryDirectory::~TemporaryDirectory() {
 }
 
 ChildProcess::ChildProcess(const std::vector<std::string>& command, const Environment& environment,
-                           const std::filesystem::path& log, int status_fd) {
+                           const std::filesystem::path& log, int status_fd, const std::function<bool()>& prepare) {
   const int log_fd = open(log.c_str(), O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, 0600);
   if (log_fd < 0) {
     throw systemError(log.string());
@@ -208,7 +210,7 @@ ChildProcess::ChildProcess(const std::vector<std::string>& command, const Enviro
   if (status_fd >= 0) {
     descriptors.emplace_back(status.ends[1], status_fd);
   }
-  pid_ = start(command, environment, descriptors);
+  pid_ = start(command, environment, descriptors, prepare);
   close(log_fd);
   status_pipe_ = std::exchange(status.ends[0], -1);
 }

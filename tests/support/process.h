@@ -5,6 +5,7 @@
 
 #include <chrono>
 #include <filesystem>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -46,9 +47,10 @@ class TemporaryDirectory {
 class ChildProcess {
  public:
   /// When `status_fd` is not negative, the program has the writing end of a pipe at that descriptor; see
-  /// readStatusLine().
+  /// readStatusLine(). `prepare` runs in the new process just before the program; it may only make system calls, and
+  /// answers false when the program is not to run.
   ChildProcess(const std::vector<std::string>& command, const Environment& environment,
-               const std::filesystem::path& log, int status_fd = -1);
+               const std::filesystem::path& log, int status_fd = -1, const std::function<bool()>& prepare = nullptr);
   /// Stops the program.
   ~ChildProcess();
   ChildProcess(const ChildProcess&) = delete;

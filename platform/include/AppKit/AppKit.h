@@ -1,8 +1,8 @@
 // AppKit's screens, for computers that are not Macs. Main thread only, as on the Mac; nothing here enforces it.
 #pragma once
 
-#import <Foundation/Foundation.h>
 #include <CoreGraphics/CoreGraphics.h>
+#import <Foundation/Foundation.h>
 
 /// A screen. Frames are in points; the origin is the lower left corner of the main screen and y grows upwards.
 @interface NSScreen : NSObject {

@@ -1,5 +1,5 @@
-// The system's Foundation, with its point, size and rectangle under CoreGraphics' names, as on the Mac, and with what the
-// plugin asks of Foundation beyond it.
+// The system's Foundation, with its point, size and rectangle under CoreGraphics' names, as on the Mac, and with what
+// the plugin asks of Foundation beyond it.
 #pragma once
 
 #define _NSPoint CGPoint

@@ -1,0 +1,49 @@
+# On a Mac: each architecture's oldest system, and the targets that check, sign and notarise what was built.
+
+# CMake knows one oldest system for all architectures; the compiler takes one for each.
+if(OSTREVIN_OWN_DEPLOYMENT_TARGETS)
+  set(CMAKE_OSX_DEPLOYMENT_TARGET "")
+  set(oldest_arm64 11.0)
+  set(oldest_x86_64 10.13)
+  foreach(architecture IN LISTS CMAKE_OSX_ARCHITECTURES)
+    if(DEFINED oldest_${architecture})
+      set(option "SHELL:-Xarch_${architecture} -mmacosx-version-min=${oldest_${architecture}}")
+      add_compile_options("${option}")
+      add_link_options("${option}")
+    endif()
+  endforeach()
+endif()
+
+# ostrevin_add_macos_targets(): check-macho, sign, notarize. docs/macos.md tells how to use them.
+function(ostrevin_add_macos_targets)
+  add_custom_target(check-macho
+    COMMAND ${CMAKE_COMMAND}
+      -DLIBRARY=$<TARGET_FILE:Ostrevin>
+      -DPROGRAM=$<TARGET_FILE:ostrevin-host>
+      -DEXPORTS=${CMAKE_SOURCE_DIR}/plugin/exports.txt
+      -DCHECK_MODULE=$<TARGET_FILE:check-module>
+      -DLIPO=lipo -DNM=nm -DOBJDUMP=objdump
+      -P ${CMAKE_SOURCE_DIR}/cmake/macos/CheckMacho.cmake
+    DEPENDS Ostrevin ostrevin-host check-module
+    VERBATIM)
+
+  set(OSTREVIN_SIGN_IDENTITY "-" CACHE STRING "Identity to sign with; - signs for this computer only")
+  set(timestamp --timestamp)
+  if(OSTREVIN_SIGN_IDENTITY STREQUAL "-")
+    set(timestamp --timestamp=none)
+  endif()
+  add_custom_target(sign
+    COMMAND codesign --force --options runtime ${timestamp} --sign ${OSTREVIN_SIGN_IDENTITY}
+      $<TARGET_FILE:Ostrevin> $<TARGET_FILE:ostrevin-host>
+    COMMAND codesign --verify --strict --verbose=2 $<TARGET_FILE:Ostrevin> $<TARGET_FILE:ostrevin-host>
+    DEPENDS Ostrevin ostrevin-host
+    VERBATIM)
+
+  set(OSTREVIN_NOTARY_PROFILE "" CACHE STRING "Keychain profile that notarytool stored the credentials in")
+  set(archive ${CMAKE_BINARY_DIR}/Ostrevin.zip)
+  add_custom_target(notarize
+    COMMAND ditto -c -k --keepParent $<TARGET_FILE:Ostrevin> ${archive}
+    COMMAND xcrun notarytool submit ${archive} --keychain-profile ${OSTREVIN_NOTARY_PROFILE} --wait
+    DEPENDS sign
+    VERBATIM)
+endfunction()
