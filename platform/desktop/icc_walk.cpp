@@ -13,6 +13,11 @@
 namespace platform::desktop {
 namespace {
 
+struct ReadProfile {
+  Kept kept;
+  InstalledProfile profile;
+};
+
 bool isUpToDate(int directory, const KnownFile& file) {
   struct stat status {};
   return file.is_kept && fstatat(directory, file.name.c_str(), &status, 0) == 0 && identityOf(status) == file.identity;
@@ -121,7 +126,8 @@ std::shared_ptr<const InstalledProfile> IccWalk::readFile(int directory, const s
   if (!profile) {
     return nullptr;
   }
-  const auto content = std::make_shared<InstalledProfile>();
+  const auto read = std::make_shared<ReadProfile>();
+  const std::shared_ptr<InstalledProfile> content(read, &read->profile);
   content->profile_class = profile->deviceClass();
   content->path = path;
   if (const auto description = profile->find(iccSignature("desc"))) {
@@ -129,7 +135,7 @@ std::shared_ptr<const InstalledProfile> IccWalk::readFile(int directory, const s
   }
   file.is_kept = file.is_kept && content->description.value_or("").size() <= IccCache::kMaxDescription;
   if (file.is_kept) {
-    content->kept = std::make_shared<Kept>();
+    content->kept = &read->kept;
     file.content = content;
   }
   return content;

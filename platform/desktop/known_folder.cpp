@@ -37,39 +37,60 @@ unsigned char typeOf(int directory, const dirent& entry) {
   return static_cast<unsigned char>(IFTODT(status.st_mode));
 }
 
-void addEntry(KnownFolder& folder, int directory, const dirent& entry) {
-  const std::string_view name = entry.d_name;
-  if (name == "." || name == "..") {
-    return;
-  }
-  switch (typeOf(directory, entry)) {
-    case DT_REG:
-      if (isProfileName(name)) {
-        folder.files.emplace_back().name = name;
-      }
-      break;
-    case DT_DIR:
-      folder.folders.emplace_back(name);
-      break;
-    case DT_LNK:
-      folder.links.emplace_back(name);
-      break;
-    default:
-      break;
-  }
-}
+/// What a directory holds that matters, by name.
+struct Names {
+  std::vector<std::string> files;
+  std::vector<std::string> folders;
+  std::vector<std::string> links;
 
-/// Both are in order of the names.
-void takeOver(const std::vector<KnownFile>& before, std::vector<KnownFile>& files) {
-  auto old = before.begin();
-  for (KnownFile& file : files) {
-    while (old != before.end() && old->name < file.name) {
-      ++old;
+  void add(int directory, const dirent& entry) {
+    const std::string_view name = entry.d_name;
+    if (name == "." || name == "..") {
+      return;
     }
-    if (old != before.end() && old->name == file.name) {
-      file = *old;
+    switch (typeOf(directory, entry)) {
+      case DT_REG:
+        if (isProfileName(name)) {
+          files.emplace_back(name);
+        }
+        break;
+      case DT_DIR:
+        folders.emplace_back(name);
+        break;
+      case DT_LNK:
+        links.emplace_back(name);
+        break;
+      default:
+        break;
     }
   }
+
+  void sort() {
+    for (std::vector<std::string>* const names : {&files, &folders, &links}) {
+      std::sort(names->begin(), names->end());
+    }
+  }
+};
+
+/// Files that are not read yet, but for those of `before`. Both are in order of the names. The names are copied one
+/// after the other, which places them in memory in the order in which they will be used.
+std::vector<KnownFile> filesOf(const std::vector<std::string>& names, const KnownFolder* before) {
+  std::vector<KnownFile> files;
+  files.reserve(names.size());
+  const std::vector<KnownFile> none;
+  const std::vector<KnownFile>& known = before != nullptr ? before->files : none;
+  auto next = known.begin();
+  for (const std::string& name : names) {
+    while (next != known.end() && next->name < name) {
+      ++next;
+    }
+    if (next != known.end() && next->name == name) {
+      files.push_back(*next);
+    } else {
+      files.emplace_back().name = name;
+    }
+  }
+  return files;
 }
 
 }  // namespace
@@ -92,17 +113,15 @@ std::shared_ptr<KnownFolder> OpenFolder::read(const KnownFolder* before) const {
   auto folder = std::make_shared<KnownFolder>();
   folder->identity = identity_;
   folder->is_kept = laterChangesShow(identity_, opened_);
+  Names names;
   const Directory directory = directoryOf(descriptor_);
   while (const dirent* const entry = directory ? readdir(directory.get()) : nullptr) {
-    addEntry(*folder, descriptor_, *entry);
+    names.add(descriptor_, *entry);
   }
-  std::sort(folder->files.begin(), folder->files.end(),
-            [](const KnownFile& first, const KnownFile& second) { return first.name < second.name; });
-  std::sort(folder->folders.begin(), folder->folders.end());
-  std::sort(folder->links.begin(), folder->links.end());
-  if (before != nullptr) {
-    takeOver(before->files, folder->files);
-  }
+  names.sort();
+  folder->files = filesOf(names.files, before);
+  folder->folders = std::move(names.folders);
+  folder->links = std::move(names.links);
   return folder;
 }
 

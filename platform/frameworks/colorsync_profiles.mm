@@ -3,7 +3,6 @@
 
 #import <Foundation/Foundation.h>
 
-#include <memory>
 #include <optional>
 #include <string>
 
@@ -33,27 +32,29 @@ NSString* newClass(const std::optional<std::string>& profile_class) {
 
 NSURL* newUrl(const std::optional<std::string>& path) { return path ? platform::newFileUrl(*path) : nil; }
 
-void releaseObject(const void* object) { [static_cast<id>(const_cast<void*>(object)) release]; }
-
-/// One entry's keys and values. What is absent, or cannot be made, is left out.
-std::shared_ptr<const void> makeEntry(const InstalledProfile& profile) {
+/// One entry's keys and values; what is absent, or cannot be made, is left out. The caller releases.
+NSDictionary* newEntry(const InstalledProfile& profile) {
   const ScopedPool pool;
-  PlatformProfileEntry* const entry = [[PlatformProfileEntry alloc] initWithClass:newClass(profile.profile_class)
-                                                                      description:newString(profile.description)
-                                                                              url:newUrl(profile.path)];
-  return {static_cast<const void*>(entry), releaseObject};
+  return [[PlatformProfileEntry alloc] initWithClass:newClass(profile.profile_class)
+                                         description:newString(profile.description)
+                                                 url:newUrl(profile.path)];
 }
 
-std::shared_ptr<const void> entryFor(const InstalledProfile& profile) {
-  if (!profile.kept) {
-    return makeEntry(profile);
+void releaseEntry(const void* entry) { [static_cast<id>(const_cast<void*>(entry)) release]; }
+
+/// Has a call-back look at an entry, which is kept for the next walk where there is a place for it.
+bool showEntry(const InstalledProfile& profile, ColorSyncProfileIterateCallback callback, void* user_info) {
+  if (profile.kept == nullptr) {
+    NSDictionary* const entry = newEntry(profile);
+    const bool goes_on = callback(reinterpret_cast<CFDictionaryRef>(entry), user_info);
+    [entry release];
+    return goes_on;
   }
-  std::shared_ptr<const void> entry = profile.kept->get();
-  if (!entry) {
-    entry = makeEntry(profile);
-    profile.kept->put(entry);
+  const void* entry = profile.kept->get();
+  if (entry == nullptr) {
+    entry = profile.kept->put(newEntry(profile), releaseEntry);
   }
-  return entry;
+  return callback(static_cast<CFDictionaryRef>(entry), user_info);
 }
 
 /// Empty for what is no file URL.
@@ -94,10 +95,8 @@ void ColorSyncIterateInstalledProfiles(ColorSyncProfileIterateCallback callBack,
   if (calls::enter(Call::ColorSyncIterateInstalledProfiles) || callBack == nullptr) {
     return;
   }
-  platform::desktop::current()->visitInstalledProfiles([&](const InstalledProfile& profile) {
-    const std::shared_ptr<const void> entry = entryFor(profile);
-    return callBack(static_cast<CFDictionaryRef>(entry.get()), userInfo);
-  });
+  platform::desktop::current()->visitInstalledProfiles(
+      [=](const InstalledProfile& profile) { return showEntry(profile, callBack, userInfo); });
 }
 
 ColorSyncProfileRef ColorSyncProfileCreateWithURL(CFURLRef url, CFErrorRef*) {
