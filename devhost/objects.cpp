@@ -16,11 +16,11 @@ std::string pointedBytes(Type type, const void* pointer) {
   switch (type) {
     case Type::kCString: {
       const std::string_view text = static_cast<const char*>(pointer);
-      return std::string(text.data(), text.size() + 1);
+      return {text.data(), text.size() + 1};
     }
     case Type::kWString: {
       const std::size_t size = (std::wcslen(static_cast<const wchar_t*>(pointer)) + 1) * sizeof(wchar_t);
-      return std::string(static_cast<const char*>(pointer), size);
+      return {static_cast<const char*>(pointer), size};
     }
     case Type::kPString:
       return std::string(static_cast<const char*>(pointer),
