@@ -6,6 +6,7 @@
 // Each is also beside a twin that does the same, so that this part can be told from the rest.
 #include <cstdlib>
 #include <memory>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -86,6 +87,10 @@ void compareAll(PairedTiming& timing, const std::string& title, std::size_t disp
   const CGDirectDisplayID display = lastDisplay(displays);
   const auto round_trips = x11RoundTrips();
   auto* const get_index = PluginRows::instance().method<uint32_t(uint32_t)>("GetIndex");
+  if (get_index(display) != displays - 1 || bench::directIndex(display) != displays - 1 ||
+      bench::directIndexKeepingBuffer(display) != displays - 1) {
+    throw std::runtime_error("the display is not the last one");
+  }
   const auto index = [=] { keep(get_index(display)); };
   timing.compare("GetIndex", kBar, index, [=] { keep(bench::directIndex(display)); });
   timing.compare("GetIndex / with a buffer kept", kBar, index, [=] { keep(bench::directIndexKeepingBuffer(display)); });

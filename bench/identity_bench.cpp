@@ -1,6 +1,12 @@
 // Names and profiles of displays through the plugin, and the same asked for directly: the remembered name beside the
 // look-up in a dictionary, and the profile in use beside a walk with libcolord. On a private X server with a private
 // colord.
+//
+// There are two walks with libcolord: one as a program makes it that asks now and then, and one that keeps connected
+// devices and asks colord for nothing but the list. The walk over ColorSync's entries, without the plugin, tells what
+// the plugin's queue and wait cost from what platform/ costs.
+#include <ColorSync/ColorSync.h>
+
 #include <cstdlib>
 #include <cstring>
 #include <stdexcept>
@@ -69,6 +75,17 @@ void compareNames(PairedTiming& timing, uint32_t display) {
   });
 }
 
+/// The walk of ColorSync's entries up to the display's first one, on this thread.
+void walkColorSync(uint32_t display) {
+  const CFUUIDRef uuid = CGDisplayCreateUUIDFromDisplayID(display);
+  ColorSyncIterateDeviceProfiles(
+      [](CFDictionaryRef entry, void* sought) -> bool {
+        return CFDictionaryGetValue(entry, kColorSyncDeviceID) != sought;
+      },
+      const_cast<void*>(static_cast<const void*>(uuid)));
+  CFRelease(uuid);
+}
+
 void compareProfiles(PairedTiming& timing, const std::string& title, uint32_t display, const std::string& output) {
   auto* const get_profile = PluginRows::instance().method<GetText>("GetProfilePath");
   const bench::DirectProfile direct;
@@ -81,11 +98,17 @@ void compareProfiles(PairedTiming& timing, const std::string& title, uint32_t di
   };
   timing.compare(
       "the row / libcolord", kProfileBar, plugin, [&] { keep(direct.file(output)); }, kWalks);
+  timing.compare(
+      "ColorSync's walk alone / libcolord", kProfileBar, [=] { walkColorSync(display); },
+      [&] { keep(direct.file(output)); }, kWalks);
   bench::DirectProfile keeping;
   keeping.keepConnected();
   expectEqual(keeping.file(output), kProfile);
   timing.compare(
       "the row / libcolord, objects kept", kProfileBar, plugin, [&] { keep(keeping.file(output)); }, kWalks);
+  timing.compare(
+      "ColorSync's walk alone / the same", kProfileBar, [=] { walkColorSync(display); },
+      [&] { keep(keeping.file(output)); }, kWalks);
 }
 
 void assignProfile(uint32_t display) {
