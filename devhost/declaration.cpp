@@ -81,7 +81,7 @@ class Parser {
   std::string name(const char* expected, bool allow_passing = false) {
     skipBlanks();
     const std::size_t start = at_;
-    const std::string word = readWord();
+    std::string word = readWord();
     const bool passing = sameName(word, "byref") || sameName(word, "byval");
     if (word.empty() || (isKeyword(word) && !(allow_passing && passing))) {
       at_ = start;

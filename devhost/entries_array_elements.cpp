@@ -18,7 +18,7 @@ void addIndexFault(Host& host, const char* where, const Array& array, std::int64
 template <Type kType, typename C>
 void insertElement(void* array, std::int64_t index, C value) {
   guarded("inserting an element", 0, [=](Host& host) {
-    Array* const found = host.handles().find<Array>(array, "inserting an element");
+    auto* const found = host.handles().find<Array>(array, "inserting an element");
     Value element = fromPlugin<kType>(value, Ownership::kHandedOver, "inserting an element");
     if (found != nullptr && !found->insert(index, convertToVariable(host, element, kType))) {
       addIndexFault(host, "inserting an element", *found, index);
@@ -30,7 +30,7 @@ void insertElement(void* array, std::int64_t index, C value) {
 template <Type kType, typename C>
 C getElement(void* array, std::int64_t index) {
   return guarded("getting an element", C{}, [=](Host& host) {
-    Array* const found = host.handles().find<Array>(array, "getting an element");
+    auto* const found = host.handles().find<Array>(array, "getting an element");
     const Value* const element = found == nullptr ? nullptr : found->get(index);
     if (found != nullptr && element == nullptr) {
       addIndexFault(host, "getting an element", *found, index);
@@ -42,7 +42,7 @@ C getElement(void* array, std::int64_t index) {
 template <Type kType, typename C>
 void setElement(void* array, C value, std::int64_t index) {
   guarded("setting an element", 0, [=](Host& host) {
-    Array* const found = host.handles().find<Array>(array, "setting an element");
+    auto* const found = host.handles().find<Array>(array, "setting an element");
     Value element = fromPlugin<kType>(value, Ownership::kHandedOver, "setting an element");
     if (found != nullptr && !found->set(index, convertToVariable(host, element, kType))) {
       addIndexFault(host, "setting an element", *found, index);

@@ -6,7 +6,7 @@ namespace devhost {
 namespace {
 
 void lockObject(void* object) {
-  if (Object* const found = Host::current().handles().find<Object>(object, "REALLockObject")) {
+  if (auto* const found = Host::current().handles().find<Object>(object, "REALLockObject")) {
     found->addPluginReference();
   }
 }
@@ -19,7 +19,7 @@ void unlockObject(void* object) {
 void* loadObjectMethod(void* object, const char* declaration) {
   return guarded<void*>("REALLoadObjectMethod", nullptr, [&](Host& host) -> void* {
     host.addMethodLookup(object, declaration);
-    Object* const found = host.handles().find<Object>(object, "REALLoadObjectMethod");
+    auto* const found = host.handles().find<Object>(object, "REALLoadObjectMethod");
     return found == nullptr || declaration == nullptr ? nullptr : found->methodAddress(parseDeclaration(declaration));
   });
 }

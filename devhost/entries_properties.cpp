@@ -10,7 +10,7 @@ namespace devhost {
 namespace {
 
 Property* find(void* object, const char* name, const char* where) {
-  Object* const found = Host::current().handles().find<Object>(object, where);
+  auto* const found = Host::current().handles().find<Object>(object, where);
   return found == nullptr || name == nullptr ? nullptr : found->findProperty(name);
 }
 

@@ -34,7 +34,7 @@ Host::~Host() {
 
 Host& Host::current() { return *current_host; }
 
-Plugin Host::load(const std::string& path) { return Plugin(*this, path); }
+Plugin Host::load(const std::string& path) { return {*this, path}; }
 
 Ref<String> Host::makeString(std::string bytes, std::uint32_t encoding) {
   return Ref<String>(new String(handles_, std::move(bytes), encoding));

@@ -29,6 +29,12 @@ Value fromHandle(Host& host, void* handle, const DeclaredType& type, Ownership o
   }
 }
 
+bool isPointer(const DeclaredType& type) {
+  const Form form = factsOf(type.type).form;
+  return type.is_array || form == Form::kString || form == Form::kText || form == Form::kObject ||
+         form == Form::kPointer;
+}
+
 std::int64_t signExtended(std::uint64_t bits, std::size_t width) {
   const unsigned shift = static_cast<unsigned>(kSlotSize - width) * 8;
   return static_cast<std::int64_t>(bits << shift) >> shift;
@@ -88,11 +94,13 @@ ffi_type* nativeResultType(const Declaration& declaration) {
 }
 
 std::uint64_t toSlot(const Value& value, const DeclaredType& type) {
-  const TypeFacts& facts = factsOf(type.type);
-  if (type.is_array || facts.form == Form::kString || facts.form == Form::kText || facts.form == Form::kObject) {
-    Counted* const counted = countedOf(value);
-    return counted == nullptr ? 0 : reinterpret_cast<std::uintptr_t>(counted->handle());
+  if (Counted* const counted = countedOf(value)) {
+    return reinterpret_cast<std::uintptr_t>(counted->handle());
   }
+  if (isPointer(type)) {
+    return reinterpret_cast<std::uintptr_t>(value.pointer());
+  }
+  const TypeFacts& facts = factsOf(type.type);
   switch (facts.form) {
     case Form::kBoolean:
       return value.boolean() ? 1 : 0;
@@ -103,28 +111,31 @@ std::uint64_t toSlot(const Value& value, const DeclaredType& type) {
     case Form::kReal:
       return realToSlot(value.real(), facts.width);
     default:
-      return reinterpret_cast<std::uintptr_t>(value.pointer());
+      return 0;
   }
 }
 
 Value fromSlot(Host& host, const void* address, const DeclaredType& type, Ownership ownership, const char* where) {
   const TypeFacts& facts = factsOf(type.type);
-  if (!type.is_array && facts.form == Form::kReal) {
+  if (isPointer(type)) {
+    void* handle = nullptr;
+    std::memcpy(&handle, address, sizeof handle);
+    return fromHandle(host, handle, type, ownership, where);
+  }
+  if (facts.form == Form::kReal) {
     return realFrom(address, facts.width);
   }
   // Both systems are little-endian: the first bytes of a slot are its low ones.
   std::uint64_t bits = 0;
-  std::memcpy(&bits, address, type.is_array ? kSlotSize : facts.width);
-  if (!type.is_array && facts.form == Form::kBoolean) {
-    return bits != 0;
+  std::memcpy(&bits, address, facts.width);
+  switch (facts.form) {
+    case Form::kBoolean:
+      return bits != 0;
+    case Form::kSigned:
+      return signExtended(bits, facts.width);
+    default:
+      return bits;
   }
-  if (!type.is_array && facts.form == Form::kSigned) {
-    return signExtended(bits, facts.width);
-  }
-  if (!type.is_array && facts.form == Form::kUnsigned) {
-    return bits;
-  }
-  return fromHandle(host, reinterpret_cast<void*>(static_cast<std::uintptr_t>(bits)), type, ownership, where);
 }
 
 Counted* countedOf(const Value& value) {

@@ -16,15 +16,14 @@ std::string pointedBytes(Type type, const void* pointer) {
   switch (type) {
     case Type::kCString: {
       const std::string_view text = static_cast<const char*>(pointer);
-      return std::string(text.data(), text.size() + 1);
+      return {text.data(), text.size() + 1};
     }
     case Type::kWString: {
       const std::size_t size = (std::wcslen(static_cast<const wchar_t*>(pointer)) + 1) * sizeof(wchar_t);
-      return std::string(static_cast<const char*>(pointer), size);
+      return {static_cast<const char*>(pointer), size};
     }
     case Type::kPString:
-      return std::string(static_cast<const char*>(pointer),
-                         std::size_t{1} + *static_cast<const unsigned char*>(pointer));
+      return {static_cast<const char*>(pointer), std::size_t{1} + *static_cast<const unsigned char*>(pointer)};
     default:
       return {};
   }
@@ -71,6 +70,13 @@ Value Object::property(std::string_view name) {
   }
   return found->value;
 }
+
+void Object::ownMemory(std::size_t size) {
+  memory_ = std::make_unique<Memory>(Memory{nullptr, static_cast<std::int64_t>(size), std::vector<std::byte>(size)});
+  memory_->address = memory_->owned.data();
+}
+
+void Object::borrowMemory(void* address) { memory_ = std::make_unique<Memory>(Memory{address, -1, {}}); }
 
 std::string Object::describe() const { return "object of class " + class_name_; }
 

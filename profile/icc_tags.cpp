@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <vector>
 
+#include "profile/large_memory.h"
 #include "profile/profile_services.h"
 #include "strings/owned_ref.h"
 #include "strings/utils.h"
@@ -28,6 +29,15 @@ OwnedData copyTag(const OwnedProfile& profile, CFStringRef signature) {
   return OwnedData::adopt(ColorSyncProfileCopyTag(profile.get(), signature));
 }
 
+std::string textFrom(const std::vector<unsigned char>& bytes, std::size_t begin) {
+  const std::size_t size = bytes.size() - begin;
+  std::string text;
+  text.reserve(size);
+  aboutToFill(text.data(), size);
+  text.assign(reinterpret_cast<const char*>(bytes.data()) + begin, size);
+  return text;
+}
+
 }  // namespace
 
 bool ICCTagExists(CFURLRef profile, CFStringRef signature) {
@@ -47,11 +57,12 @@ std::int32_t QV02Read(CFURLRef profile, std::optional<std::string>& xml) {
     xml.reset();
     return kQVIFailedToReadTag;
   }
+  const auto size = static_cast<std::size_t>(CFDataGetLength(element.get()));
   std::vector<unsigned char> bytes;
-  Utils::appendBytes(bytes, const_cast<unsigned char*>(CFDataGetBytePtr(element.get())),
-                     static_cast<unsigned long>(CFDataGetLength(element.get())));
-  const std::size_t begin = std::min(kDocumentOffset, bytes.size());
-  xml.emplace(reinterpret_cast<const char*>(bytes.data()) + begin, bytes.size() - begin);
+  bytes.reserve(size);
+  aboutToFill(bytes.data(), size);
+  Utils::appendBytes(bytes, const_cast<unsigned char*>(CFDataGetBytePtr(element.get())), size);
+  xml = textFrom(bytes, std::min(kDocumentOffset, size));
   return kQVINoError;
 }
 

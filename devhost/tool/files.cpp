@@ -28,7 +28,7 @@ bool exists(const std::string& path) { return access(path.c_str(), F_OK) == 0; }
 std::string findBeside(std::initializer_list<const char*> places) {
   const std::string tree = folderOf(folderOf(executablePath()));
   for (const char* place : places) {
-    const std::string path = tree + "/" + place;
+    std::string path = tree + "/" + place;
     if (exists(path)) {
       return path;
     }
@@ -43,7 +43,7 @@ std::string findPlugin() {
 }
 
 std::string findExampleDesktop() {
-  const std::string path = findBeside({"share/ostrevin/example-desktop.json"});
+  std::string path = findBeside({"share/ostrevin/example-desktop.json"});
   return exists(path) ? path : std::string();
 }
 

@@ -97,7 +97,7 @@ std::string chooseId(const std::vector<Display>& displays, std::size_t display, 
   const auto taken = [&](const std::string& id) {
     return std::any_of(devices.begin(), devices.end(), [&](const ColordDevice& device) { return device.id == id; });
   };
-  const std::string monitor = monitorId(edid);
+  std::string monitor = monitorId(edid);
   if (monitor != "xrandr" && !sharesItsEdid(displays, display) && !taken(monitor)) {
     return monitor;
   }

@@ -31,6 +31,7 @@ bool finishConnecting(const Operation& operation, CdProfile* profile, const std:
 template <typename Object>
 std::vector<ObjectRef<Object>> connectAll(const Operation& operation, std::vector<ObjectRef<Object>> objects) {
   std::vector<std::shared_ptr<PendingCall>> calls;
+  calls.reserve(objects.size());
   for (const auto& object : objects) {
     calls.push_back(startConnecting(operation, object.get()));
   }
@@ -75,6 +76,7 @@ std::map<std::string, std::string> readFilenames(const Operation& operation,
     }
   }
   std::vector<ObjectRef<CdProfile>> profiles;
+  profiles.reserve(paths.size());
   for (const std::string& path : paths) {
     profiles.emplace_back(cd_profile_new_with_object_path(path.c_str()));
   }

@@ -80,8 +80,9 @@ struct InstalledProfile {
   std::optional<std::string> profile_class;  ///< the four characters of the class signature, such as "mntr"
   std::optional<std::string> description;
   std::optional<std::string> path;
-  /// Present when the desktop may visit this very entry, unchanged, again. It belongs to whoever visits.
-  std::shared_ptr<Kept> kept{};
+  /// Not null when the desktop may visit this very entry, unchanged, again. The place lives as long as the entry; what
+  /// is in it is the business of whoever visits.
+  Kept* kept = nullptr;
 };
 
 /// A visitor answers false to end the walk.

@@ -1,20 +1,15 @@
 #include "desktop/icc_cache.h"
 
 namespace platform::desktop {
-namespace {
 
-/// Whether any later change of the file shows in its times. A file system's clock ticks: two changes within one tick
-/// look alike, so a file that was last changed in the tick in which it was read may change again unseen. Some file
-/// systems count in whole seconds or pairs of them.
 bool laterChangesShow(const FileIdentity& identity, FileTime now) {
+  // Some file systems count in whole seconds, or in pairs of them.
   constexpr std::int64_t kCoarsestTick = 2;
   if (identity.changed.nanoseconds == 0) {
     return identity.changed.seconds + kCoarsestTick < now.seconds;
   }
   return identity.changed < now;
 }
-
-}  // namespace
 
 std::uint64_t IccCache::beginWalk() {
   const std::lock_guard lock(mutex_);
@@ -23,41 +18,35 @@ std::uint64_t IccCache::beginWalk() {
 
 void IccCache::endWalk(std::uint64_t walk) {
   const std::lock_guard lock(mutex_);
-  std::erase_if(slots_, [&](const auto& slot) { return slot.second.last_walk < walk; });
+  std::erase_if(slots_, [&](const auto& slot) {
+    const bool forgotten = slot.second.last_walk < walk;
+    files_ -= forgotten ? slot.second.folder->files.size() : 0;
+    return forgotten;
+  });
 }
 
-bool IccCache::knows(const std::string& path) {
-  const std::lock_guard lock(mutex_);
-  return slots_.contains(path);
-}
-
-std::optional<IccCache::Content> IccCache::find(std::uint64_t walk, const std::string& path,
-                                                const FileIdentity& identity) {
+std::shared_ptr<const KnownFolder> IccCache::find(std::uint64_t walk, const std::string& path) {
   const std::lock_guard lock(mutex_);
   const auto found = slots_.find(path);
-  if (found == slots_.end() || found->second.identity != identity) {
-    return std::nullopt;
+  if (found == slots_.end()) {
+    return nullptr;
   }
   found->second.last_walk = walk;
-  return found->second.content;
+  return found->second.folder;
 }
 
-void IccCache::store(std::uint64_t walk, const std::string& path, const FileIdentity& identity, FileTime now,
-                     const std::shared_ptr<InstalledProfile>& content) {
-  const bool small = !content || content->description.value_or("").size() <= kMaxDescription;
-  const bool keep = small && laterChangesShow(identity, now);
+void IccCache::store(std::uint64_t walk, const std::string& path, std::shared_ptr<const KnownFolder> folder) {
   const std::lock_guard lock(mutex_);
-  if (!keep) {
-    slots_.erase(path);
-    return;
+  const auto found = slots_.find(path);
+  const std::size_t replaced = found == slots_.end() ? 0 : found->second.folder->files.size();
+  const std::size_t files = files_ - replaced + folder->files.size();
+  if (files <= kMaxFiles) {
+    files_ = files;
+    slots_.insert_or_assign(path, Slot{std::move(folder), walk});
+  } else if (found != slots_.end()) {
+    files_ -= replaced;
+    slots_.erase(found);
   }
-  if (slots_.size() >= kMaxFiles && !slots_.contains(path)) {
-    return;
-  }
-  if (content) {
-    content->kept = std::make_shared<Kept>();
-  }
-  slots_.insert_or_assign(path, Slot{identity, content, walk});
 }
 
 }  // namespace platform::desktop

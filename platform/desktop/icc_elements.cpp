@@ -1,6 +1,26 @@
 #include "desktop/icc_elements.h"
 
+#include <sys/mman.h>
+
 namespace platform::desktop {
+namespace {
+
+/// Null when there is not that much memory. A large buffer gets large pages, which are filled in a fraction of the
+/// time.
+std::uint8_t* allocate(std::size_t size) {
+  constexpr std::size_t kLargePage = 2 << 20;
+  if (size < 2 * kLargePage) {
+    return static_cast<std::uint8_t*>(std::malloc(size));
+  }
+  const std::size_t whole_pages = (size + kLargePage - 1) / kLargePage * kLargePage;
+  void* const memory = std::aligned_alloc(kLargePage, whole_pages);
+  if (memory != nullptr) {
+    madvise(memory, whole_pages, MADV_HUGEPAGE);  // only a hint
+  }
+  return static_cast<std::uint8_t*>(memory);
+}
+
+}  // namespace
 
 bool isIccProfile(const std::string& path) {
   const auto file = IccFile::open(path);
@@ -19,7 +39,7 @@ std::optional<Bytes> readElement(const IccFile& file, const IccTag& tag) {
   if (tag.size == 0) {
     return bytes;
   }
-  bytes.data.reset(static_cast<std::uint8_t*>(std::malloc(tag.size)));
+  bytes.data.reset(allocate(tag.size));
   bytes.size = tag.size;
   if (!bytes.data || !file.read(tag.offset, bytes.data.get(), bytes.size)) {
     return std::nullopt;

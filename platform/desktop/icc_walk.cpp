@@ -1,68 +1,26 @@
 #include "desktop/icc_walk.h"
 
-#include <dirent.h>
 #include <fcntl.h>
 #include <sys/stat.h>
-#include <unistd.h>
 
 #include <algorithm>
-#include <array>
-#include <ctime>
-#include <memory>
-#include <string_view>
 
 #include "desktop/icc_file.h"
 #include "desktop/icc_profile.h"
 #include "desktop/icc_text.h"
+#include "desktop/known_folder.h"
 
 namespace platform::desktop {
-
-/// What a directory holds that matters to the walk: names, in byte order.
-struct IccWalk::Contents {
-  std::vector<std::string> files;
-  std::vector<std::string> directories;
-};
-
 namespace {
 
-using Directory = std::unique_ptr<DIR, int (*)(DIR*)>;
+struct ReadProfile {
+  Kept kept;
+  InstalledProfile profile;
+};
 
-Directory openDirectory(const std::string& path) {
-  const int descriptor = open(path.c_str(), O_RDONLY | O_DIRECTORY | O_NONBLOCK | O_CLOEXEC);
-  DIR* const directory = descriptor < 0 ? nullptr : fdopendir(descriptor);
-  if (directory == nullptr && descriptor >= 0) {
-    close(descriptor);
-  }
-  return {directory, closedir};
-}
-
-bool isProfileName(std::string_view name) {
-  if (name.size() < 4) {
-    return false;
-  }
-  std::array<char, 4> ending;
-  std::transform(name.end() - 4, name.end(), ending.begin(),
-                 [](char letter) { return letter >= 'A' && letter <= 'Z' ? static_cast<char>(letter + 32) : letter; });
-  const std::string_view extension(ending.data(), ending.size());
-  return extension == ".icc" || extension == ".icm";
-}
-
-unsigned char typeOf(int directory, const dirent& entry) {
-  if (entry.d_type != DT_UNKNOWN) {
-    return entry.d_type;
-  }
+bool isUpToDate(int directory, const KnownFile& file) {
   struct stat status {};
-  if (fstatat(directory, entry.d_name, &status, AT_SYMLINK_NOFOLLOW) != 0) {
-    return DT_UNKNOWN;
-  }
-  return static_cast<unsigned char>(IFTODT(status.st_mode));
-}
-
-/// By the clock that file systems take their times from.
-FileTime now() {
-  timespec time{};
-  clock_gettime(CLOCK_REALTIME_COARSE, &time);
-  return {time.tv_sec, time.tv_nsec};
+  return file.is_kept && fstatat(directory, file.name.c_str(), &status, 0) == 0 && identityOf(status) == file.identity;
 }
 
 }  // namespace
@@ -85,58 +43,25 @@ void IccWalk::walkTree(const std::string& root) {
   while (!waiting.empty() && !stopped_) {
     const std::string path = std::move(waiting.back());
     waiting.pop_back();
-    const Directory directory = openDirectory(path);
-    struct stat status {};
-    if (!directory || fstat(dirfd(directory.get()), &status) != 0 ||
-        !directories_.emplace(status.st_dev, status.st_ino).second) {
-      continue;
-    }
-    Contents contents = readDirectory(directory.get(), path);
-    visitFiles(dirfd(directory.get()), path, contents.files);
-    std::for_each(contents.directories.rbegin(), contents.directories.rend(),
-                  [&](const std::string& name) { waiting.push_back(path + '/' + name); });
+    walkFolder(path, waiting);
   }
 }
 
-IccWalk::Contents IccWalk::readDirectory(DIR* directory, const std::string& path) {
-  Contents contents;
-  while (const dirent* const entry = readdir(directory)) {
-    const std::string_view name = entry->d_name;
-    if (name == "." || name == "..") {
-      continue;
-    }
-    switch (typeOf(dirfd(directory), *entry)) {
-      case DT_REG:
-        if (isProfileName(name)) {
-          contents.files.emplace_back(name);
-        }
-        break;
-      case DT_DIR:
-        contents.directories.emplace_back(name);
-        break;
-      case DT_LNK:
-        links_.push_back(path + '/' + std::string(name));
-        break;
-      default:
-        break;
-    }
+void IccWalk::walkFolder(const std::string& path, std::vector<std::string>& waiting) {
+  const OpenFolder folder(path);
+  if (!folder || !directories_.emplace(folder.identity().device, folder.identity().inode).second) {
+    return;
   }
-  std::sort(contents.files.begin(), contents.files.end());
-  std::sort(contents.directories.begin(), contents.directories.end());
-  return contents;
-}
-
-void IccWalk::visitFiles(int directory, const std::string& path, const std::vector<std::string>& names) {
-  std::string file_path = path + '/';
-  const std::size_t base = file_path.size();
-  for (const std::string& name : names) {
-    if (stopped_) {
-      return;
-    }
-    file_path.resize(base);
-    file_path += name;
-    visitFile(directory, name.c_str(), file_path);
+  const std::shared_ptr<const KnownFolder> known = cache_.find(number_, path);
+  const bool is_unchanged = known && known->is_kept && known->identity == folder.identity();
+  FolderInUse in_use = is_unchanged ? FolderInUse(known) : FolderInUse(folder.read(known.get()));
+  const KnownFolder& contents = *in_use.get();
+  for (const std::string& name : contents.links) {
+    links_.push_back(path + '/' + name);
   }
+  std::for_each(contents.folders.rbegin(), contents.folders.rend(),
+                [&](const std::string& name) { waiting.push_back(path + '/' + name); });
+  visitFiles(std::move(in_use), folder.descriptor(), path, path + '/');
 }
 
 void IccWalk::followLink(const std::string& path) {
@@ -148,50 +73,71 @@ void IccWalk::followLink(const std::string& path) {
     walkTree(path);
     return;
   }
-  for (; files_looked_up_ < files_.size(); ++files_looked_up_) {
-    file_nodes_.insert(files_[files_looked_up_]);
-  }
-  if (S_ISREG(status.st_mode) && isProfileName(path) && !file_nodes_.contains({status.st_dev, status.st_ino})) {
-    visitFile(AT_FDCWD, path.c_str(), path);
-  }
-}
-
-void IccWalk::visitFile(int directory, const char* name, const std::string& path) {
-  const IccCache::Content content = contentOf(directory, name, path);
-  if (content && !visit_(*content)) {
-    stopped_ = true;
-  }
-}
-
-IccCache::Content IccWalk::contentOf(int directory, const char* name, const std::string& path) {
-  struct stat status {};
-  if (cache_.knows(path) && fstatat(directory, name, &status, 0) == 0) {
-    const FileIdentity identity = identityOf(status);
-    if (const auto known = cache_.find(number_, path, identity)) {
-      files_.emplace_back(identity.device, identity.inode);
-      return *known;
+  for (; gathered_ < met_.size(); ++gathered_) {
+    for (const KnownFile& file : met_[gathered_]->files) {
+      files_.emplace(file.identity.device, file.identity.inode);
     }
   }
-  return readContent(directory, name, path);
+  if (!S_ISREG(status.st_mode) || !isProfileName(path) || files_.contains({status.st_dev, status.st_ino})) {
+    return;
+  }
+  // The file that the link leads to is remembered as a folder of its own, in which it has its whole path for a name.
+  if (const std::shared_ptr<const KnownFolder> known = cache_.find(number_, path); known && known->files.size() == 1) {
+    visitFiles(FolderInUse(known), AT_FDCWD, path, "");
+    return;
+  }
+  auto alone = std::make_shared<KnownFolder>();
+  alone->files.emplace_back().name = path;
+  visitFiles(FolderInUse(std::move(alone)), AT_FDCWD, path, "");
 }
 
-IccCache::Content IccWalk::readContent(int directory, const char* name, const std::string& path) {
-  const FileTime opened = now();
-  const std::unique_ptr<IccFile> file = IccFile::openAt(directory, name);
-  if (!file) {
+void IccWalk::visitFiles(FolderInUse folder, int directory, const std::string& path, const std::string& prefix) {
+  for (std::size_t i = 0; i < folder.get()->files.size() && !stopped_; ++i) {
+    const KnownFile& known = folder.get()->files[i];
+    std::shared_ptr<const InstalledProfile> content = known.content;
+    if (!isUpToDate(directory, known)) {
+      KnownFile& file = folder.change().files[i];
+      content = readFile(directory, prefix + file.name, file);
+    }
+    if (content && !visit_(*content)) {
+      stopped_ = true;
+    }
+  }
+  met_.push_back(folder.get());
+  if (folder.isChanged()) {
+    cache_.store(number_, path, folder.get());
+  }
+}
+
+/// Reads the file anew, and answers its content also when `file` does not keep it.
+std::shared_ptr<const InstalledProfile> IccWalk::readFile(int directory, const std::string& path,
+                                                          KnownFile& file) const {
+  file.identity = {};
+  file.content = nullptr;
+  file.is_kept = false;
+  const FileTime opened = fileSystemTime();
+  const std::unique_ptr<IccFile> open_file = IccFile::openAt(directory, file.name.c_str());
+  if (!open_file) {
     return nullptr;
   }
-  files_.emplace_back(file->identity().device, file->identity().inode);
-  std::shared_ptr<InstalledProfile> content;
-  if (const auto profile = IccProfile::parse(*file)) {
-    content = std::make_shared<InstalledProfile>();
-    content->profile_class = profile->deviceClass();
-    content->path = path;
-    if (const auto description = profile->find(iccSignature("desc"))) {
-      content->description = readIccText(*file, *description, language_);
-    }
+  file.identity = open_file->identity();
+  file.is_kept = laterChangesShow(file.identity, opened);
+  const auto profile = IccProfile::parse(*open_file);
+  if (!profile) {
+    return nullptr;
   }
-  cache_.store(number_, path, file->identity(), opened, content);
+  const auto read = std::make_shared<ReadProfile>();
+  const std::shared_ptr<InstalledProfile> content(read, &read->profile);
+  content->profile_class = profile->deviceClass();
+  content->path = path;
+  if (const auto description = profile->find(iccSignature("desc"))) {
+    content->description = readIccText(*open_file, *description, language_);
+  }
+  file.is_kept = file.is_kept && content->description.value_or("").size() <= IccCache::kMaxDescription;
+  if (file.is_kept) {
+    content->kept = &read->kept;
+    file.content = content;
+  }
   return content;
 }
 

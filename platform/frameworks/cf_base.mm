@@ -36,19 +36,25 @@ bool isBoolean(id value) {
 }
 
 CFTypeID typeOf(id value) {
-  if ([value isKindOfClass:[NSString class]]) {
+  // Looked up once: a look-up costs more than the question itself.
+  static const Class string_class = [NSString class];
+  static const Class number_class = [NSNumber class];
+  static const Class dictionary_class = [NSDictionary class];
+  static const Class url_class = [NSURL class];
+  static const Class data_class = [NSData class];
+  if ([value isKindOfClass:string_class]) {
     return kStringType;
   }
-  if ([value isKindOfClass:[NSNumber class]]) {
+  if ([value isKindOfClass:number_class]) {
     return isBoolean(value) ? kBooleanType : kNumberType;
   }
-  if ([value isKindOfClass:[NSDictionary class]]) {
+  if ([value isKindOfClass:dictionary_class]) {
     return kDictionaryType;
   }
-  if ([value isKindOfClass:[NSURL class]]) {
+  if ([value isKindOfClass:url_class]) {
     return kUrlType;
   }
-  if ([value isKindOfClass:[NSData class]]) {
+  if ([value isKindOfClass:data_class]) {
     return kDataType;
   }
   return platform::isUuid(value) ? kUuidType : kTypeOfOtherObjects;

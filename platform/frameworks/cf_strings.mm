@@ -91,6 +91,15 @@ Boolean CFStringGetCString(CFStringRef string, char* buffer, CFIndex bufferSize,
   if (buffer == nullptr || bufferSize <= 0 || encoding != kCFStringEncodingUTF8) {
     return false;
   }
+  // A UTF-8 text of as many bytes as the string has UTF-16 units is ASCII, with which nothing can go wrong.
+  const NSUInteger length = [(NSString*)string length];
+  if (length < static_cast<NSUInteger>(bufferSize) &&
+      [(NSString*)string getCString:buffer
+                          maxLength:static_cast<NSUInteger>(bufferSize)
+                           encoding:NSUTF8StringEncoding] &&
+      std::strlen(buffer) == length) {
+    return true;
+  }
   const ScopedPool pool;
   NSData* const text = [(NSString*)string dataUsingEncoding:NSUTF8StringEncoding allowLossyConversion:NO];
   if (text == nil || [text length] >= static_cast<NSUInteger>(bufferSize)) {

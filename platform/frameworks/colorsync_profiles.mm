@@ -3,8 +3,6 @@
 
 #import <Foundation/Foundation.h>
 
-#include <array>
-#include <memory>
 #include <optional>
 #include <string>
 
@@ -13,6 +11,7 @@
 #include "frameworks/autorelease_pool.h"
 #include "frameworks/calls.h"
 #include "frameworks/color_profile.h"
+#include "frameworks/profile_entry.h"
 
 using platform::ScopedPool;
 using platform::calls::Call;
@@ -21,84 +20,41 @@ namespace calls = platform::calls;
 
 namespace {
 
-NSString* const kDisplayClass = @"mntr";
-
-/// Null for text that is not UTF-8. The caller releases.
-NSString* copyString(const std::string& text) {
-  return [[NSString alloc] initWithBytes:text.data() length:text.size() encoding:NSUTF8StringEncoding];
+/// Null for text that is absent or is not UTF-8.
+NSString* newString(const std::optional<std::string>& text) {
+  return text ? [[NSString alloc] initWithBytes:text->data() length:text->size() encoding:NSUTF8StringEncoding] : nil;
 }
 
-/// Null for a path that is not UTF-8. The caller releases.
-NSURL* copyFileUrl(const std::string& path) {
-  NSString* const text = copyString(path);
-  NSURL* const url = text == nil ? nil : [[NSURL alloc] initFileURLWithPath:text isDirectory:NO];
-  [text release];
-  return url;
+NSString* newClass(const std::optional<std::string>& profile_class) {
+  // Nearly every profile is a display's, and is recognised by the reference alone.
+  return profile_class == "mntr" ? [(NSString*)kColorSyncSigDisplayClass retain] : newString(profile_class);
 }
 
-NSString* copyClass(const std::string& profile_class) {
-  // Nearly every profile is a display's; they share the constant.
-  return profile_class == "mntr" ? [kDisplayClass retain] : copyString(profile_class);
-}
+NSURL* newUrl(const std::optional<std::string>& path) { return path ? platform::newFileUrl(*path) : nil; }
 
-/// One entry's keys and values. What is absent, or cannot be made, is left out.
-class EntryMaker {
- public:
-  ~EntryMaker() {
-    for (std::size_t i = 0; i < count_; ++i) {
-      [values_[i] release];
-    }
-  }
-  EntryMaker() = default;
-  EntryMaker(const EntryMaker&) = delete;
-  EntryMaker& operator=(const EntryMaker&) = delete;
-
-  /// Takes over the value.
-  void add(CFStringRef key, id value) {
-    if (value != nil) {
-      keys_[count_] = (id)key;
-      values_[count_++] = value;
-    }
-  }
-
-  /// The caller releases.
-  NSDictionary* make() {
-    return [[NSDictionary alloc] initWithObjects:values_.data() forKeys:keys_.data() count:count_];
-  }
-
- private:
-  std::array<id, 3> keys_{};
-  std::array<id, 3> values_{};
-  std::size_t count_ = 0;
-};
-
-void releaseObject(const void* object) { [static_cast<id>(const_cast<void*>(object)) release]; }
-
-std::shared_ptr<const void> makeEntry(const InstalledProfile& profile) {
+/// One entry's keys and values; what is absent, or cannot be made, is left out. The caller releases.
+NSDictionary* newEntry(const InstalledProfile& profile) {
   const ScopedPool pool;
-  EntryMaker entry;
-  if (profile.profile_class) {
-    entry.add(kColorSyncProfileClass, copyClass(*profile.profile_class));
-  }
-  if (profile.description) {
-    entry.add(kColorSyncProfileDescription, copyString(*profile.description));
-  }
-  if (profile.path) {
-    entry.add(kColorSyncProfileURL, copyFileUrl(*profile.path));
-  }
-  return {static_cast<const void*>(entry.make()), releaseObject};
+  return [[PlatformProfileEntry alloc] initWithClass:newClass(profile.profile_class)
+                                         description:newString(profile.description)
+                                                 url:newUrl(profile.path)];
 }
 
-std::shared_ptr<const void> entryFor(const InstalledProfile& profile) {
-  if (!profile.kept) {
-    return makeEntry(profile);
+void releaseEntry(const void* entry) { [static_cast<id>(const_cast<void*>(entry)) release]; }
+
+/// Has a call-back look at an entry, which is kept for the next walk where there is a place for it.
+bool showEntry(const InstalledProfile& profile, ColorSyncProfileIterateCallback callback, void* user_info) {
+  if (profile.kept == nullptr) {
+    NSDictionary* const entry = newEntry(profile);
+    const bool goes_on = callback(reinterpret_cast<CFDictionaryRef>(entry), user_info);
+    [entry release];
+    return goes_on;
   }
-  std::shared_ptr<const void> entry = profile.kept->get();
-  if (!entry) {
-    entry = makeEntry(profile);
-    profile.kept->put(entry);
+  const void* entry = profile.kept->get();
+  if (entry == nullptr) {
+    entry = profile.kept->put(newEntry(profile), releaseEntry);
   }
-  return entry;
+  return callback(static_cast<CFDictionaryRef>(entry), user_info);
 }
 
 /// Empty for what is no file URL.
@@ -139,10 +95,8 @@ void ColorSyncIterateInstalledProfiles(ColorSyncProfileIterateCallback callBack,
   if (calls::enter(Call::ColorSyncIterateInstalledProfiles) || callBack == nullptr) {
     return;
   }
-  platform::desktop::current()->visitInstalledProfiles([&](const InstalledProfile& profile) {
-    const std::shared_ptr<const void> entry = entryFor(profile);
-    return callBack(static_cast<CFDictionaryRef>(entry.get()), userInfo);
-  });
+  platform::desktop::current()->visitInstalledProfiles(
+      [=](const InstalledProfile& profile) { return showEntry(profile, callBack, userInfo); });
 }
 
 ColorSyncProfileRef ColorSyncProfileCreateWithURL(CFURLRef url, CFErrorRef*) {

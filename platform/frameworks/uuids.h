@@ -13,7 +13,7 @@
 namespace platform {
 
 /// The one object of this value, with a reference for the caller. Any thread.
-PLATFORM_API CFUUIDRef makeUuid(const desktop::Uuid& bytes);
+PLATFORM_API CFUUIDRef makeUuid(const desktop::Uuid& bytes) __attribute__((cf_returns_retained));
 PLATFORM_API desktop::Uuid bytesOf(CFUUIDRef uuid);
 
 #ifdef __OBJC__

@@ -82,7 +82,9 @@ Names namesDeclaredIn(const std::string& header) {
 
   addMatches(text, std::regex(R"(\btypedef\s[^;(]*?(\w+)\s*;)"), names);
   addMatches(text, std::regex(R"(\btypedef\s[^;(]*\([*^]\s*(\w+)\s*\))"), names);
-  addMatches(text, std::regex(R"(\bCF_EXPORT\s[^;(]*?(\w+)\s*[;(])"), names);
+  text = std::regex_replace(text, std::regex(R"(\btypedef\s[^;]*;)"), "");
+  addMatches(text, std::regex(R"(\bCF_EXPORT\s[^;(]*?(\w+)\s*;)"), names);
+  addMatches(text, std::regex(R"((\w+)\s*\([^;()]*\)\s*;)"), names);
   return names;
 }
 
@@ -109,6 +111,7 @@ CF_EXPORT const OpaqueRef kVariable;
 CF_EXPORT OpaqueRef CreateIt(int first,
                              Callback callback) __attribute__((nothrow));
 CF_EXTERN_C_END
+void* withoutExport(const void* block);
 @interface Thing : NSObject {
   int _hidden;
 }
@@ -119,7 +122,7 @@ CF_EXTERN_C_END
   EXPECT_THAT(namesDeclaredIn(header),
               testing::ElementsAre("Block", "Callback", "CreateIt", "Kind", "OpaqueRef", "Plain", "Record", "Tagged",
                                    "Thing", "factor", "first", "inside", "kAlone", "kMacro", "kOne", "kTwo",
-                                   "kVariable", "mainThing", "second", "third", "twice"));
+                                   "kVariable", "mainThing", "second", "third", "twice", "withoutExport"));
 }
 
 TEST(FrameworkDeclarations, AssertEveryNameThatPlatformIncludeDeclares) {

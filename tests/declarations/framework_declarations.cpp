@@ -1,6 +1,7 @@
 // What the plugin relies on in the frameworks' headers, asserted at compile time: function types, type definitions,
 // struct layouts, constants and macros. The same assertions are compiled against platform/include and against Apple's
 // SDK, so the two cannot drift apart. framework_declarations.mm compiles this file again as Objective-C++.
+#include <Block.h>
 #include <ColorSync/ColorSync.h>
 #include <CoreFoundation/CoreFoundation.h>
 #include <CoreGraphics/CoreGraphics.h>
@@ -249,6 +250,13 @@ TEXT(kDisplayProductID, "DisplayProductID");
 TEXT(kDisplaySerialNumber, "DisplaySerialNumber");
 TEXT(kDisplayProductName, "DisplayProductName");
 DECLARED(IODisplayCreateInfoDictionary, CFDictionaryRef(io_service_t, IOOptionBits));
+
+// --- blocks
+
+DECLARED(_Block_copy, void*(const void*));
+DECLARED(_Block_release, void(const void*));
+DECLARED(Block_copy(static_cast<void (^)(int)>(nullptr)), void (^)(int));
+DECLARED(Block_release(static_cast<void (^)(int)>(nullptr)), void);
 
 // --- libdispatch
 

@@ -19,9 +19,7 @@ static String* build(const char* text) {
 
 static void release(String* string) { ((void (*)(String*))resolver("REALUnlockString"))(string); }
 
-static const char* contents(String* string) {
-  return ((const char* (*)(String*))resolver("StringGetCString"))(string);
-}
+static const char* contents(String* string) { return ((const char* (*)(String*))resolver("StringGetCString"))(string); }
 
 static int32_t add(int32_t a, int32_t b) { return a + b; }
 static uint8_t not(uint8_t truth) { return truth == 0; }
@@ -74,10 +72,9 @@ static int32_t tell(int32_t times) {
 }
 
 static Array* words(String* text) {
-  Array* const array =
-      ((Array * (*)(uint32_t, int64_t)) resolver("RuntimeArrayCreateSingleDimBoundedArray"))(3, -1);
-  void (*insert)(Array*, int64_t, String*) = (void (*)(Array*, int64_t, String*))(
-      (void* (*)(Array*))resolver("PluginStringArrayInsertProc"))(array);
+  Array* const array = ((Array * (*)(uint32_t, int64_t)) resolver("RuntimeArrayCreateSingleDimBoundedArray"))(3, -1);
+  void (*insert)(Array*, int64_t, String*) =
+      (void (*)(Array*, int64_t, String*))((void* (*)(Array*))resolver("PluginStringArrayInsertProc"))(array);
   char copy[256];
   snprintf(copy, sizeof copy, "%s", contents(text));
   int64_t index = 0;
@@ -105,7 +102,10 @@ struct Row {
   uint64_t further[3];
 };
 
-#define ROW(function, declaration) {(void*)(function), NULL, declaration, {0, 0, 0}}
+#define ROW(function, declaration)                    \
+  {                                                   \
+    (void*)(function), NULL, declaration, { 0, 0, 0 } \
+  }
 
 static struct Row rows[] = {
     ROW(add, "Add(a As Integer, b As Integer) As Integer"),

@@ -10,106 +10,89 @@ namespace {
 using platform::desktop::FileIdentity;
 using platform::desktop::FileTime;
 using platform::desktop::IccCache;
-using platform::desktop::InstalledProfile;
+using platform::desktop::KnownFolder;
+using platform::desktop::laterChangesShow;
 
-constexpr FileTime kChanged = {1000, 500};
-constexpr FileTime kLater = {1000, 501};
-
-FileIdentity identity(std::uint64_t size = 1) {
-  FileIdentity made;
-  made.size = size;
-  made.changed = kChanged;
-  return made;
+FileIdentity changedAt(FileTime time) {
+  FileIdentity identity;
+  identity.changed = time;
+  return identity;
 }
 
-std::shared_ptr<InstalledProfile> profile(std::string description) {
-  auto made = std::make_shared<InstalledProfile>();
-  made->description = std::move(description);
-  return made;
+TEST(LaterChangesShow, OnceTheClockHasTickedSinceTheLastChange) {
+  EXPECT_TRUE(laterChangesShow(changedAt({1000, 500}), {1000, 501}));
+  EXPECT_TRUE(laterChangesShow(changedAt({1000, 500}), {1001, 0}));
+  EXPECT_FALSE(laterChangesShow(changedAt({1000, 500}), {1000, 500}));
 }
 
-TEST(IccCache, FindsAFileInTheStateInWhichItWasStored) {
+TEST(LaterChangesShow, NotWhenTheLastChangeLiesInTheFuture) {
+  EXPECT_FALSE(laterChangesShow(changedAt({1000, 500}), {999, 999}));
+}
+
+TEST(LaterChangesShow, OnAFileSystemThatCountsInPairsOfSecondsOnlyAfterThese) {
+  EXPECT_FALSE(laterChangesShow(changedAt({1000, 0}), {1002, 900}));
+  EXPECT_TRUE(laterChangesShow(changedAt({1000, 0}), {1003, 0}));
+}
+
+std::shared_ptr<const KnownFolder> folderOf(std::size_t files) {
+  auto folder = std::make_shared<KnownFolder>();
+  folder->files.resize(files);
+  return folder;
+}
+
+TEST(IccCache, GivesWhatWasStoredLast) {
   IccCache cache;
   const auto walk = cache.beginWalk();
-  const auto content = profile("a");
-  cache.store(walk, "/a", identity(), kLater, content);
-  EXPECT_EQ(cache.find(walk, "/a", identity()), content);
-  EXPECT_EQ(cache.find(walk, "/a", identity(2)), std::nullopt);
-  EXPECT_EQ(cache.find(walk, "/b", identity()), std::nullopt);
-}
-
-TEST(IccCache, RemembersAFileThatIsNoProfile) {
-  IccCache cache;
-  const auto walk = cache.beginWalk();
-  cache.store(walk, "/a", identity(), kLater, nullptr);
-  EXPECT_EQ(cache.find(walk, "/a", identity()), IccCache::Content());
-}
-
-TEST(IccCache, DoesNotTrustAFileThatChangedInTheTickInWhichItWasRead) {
-  IccCache cache;
-  const auto walk = cache.beginWalk();
-  cache.store(walk, "/a", identity(), kChanged, profile("a"));
-  EXPECT_EQ(cache.find(walk, "/a", identity()), std::nullopt);
-}
-
-TEST(IccCache, DoesNotTrustATimeInTheFuture) {
-  IccCache cache;
-  const auto walk = cache.beginWalk();
-  cache.store(walk, "/a", identity(), {999, 0}, profile("a"));
-  EXPECT_EQ(cache.find(walk, "/a", identity()), std::nullopt);
-}
-
-TEST(IccCache, AllowsForFileSystemsThatCountInPairsOfSeconds) {
-  IccCache cache;
-  const auto walk = cache.beginWalk();
-  FileIdentity whole = identity();
-  whole.changed = {1000, 0};
-  cache.store(walk, "/a", whole, {1002, 900}, profile("a"));
-  EXPECT_EQ(cache.find(walk, "/a", whole), std::nullopt);
-  cache.store(walk, "/a", whole, {1003, 0}, profile("a"));
-  EXPECT_NE(cache.find(walk, "/a", whole), std::nullopt);
+  EXPECT_EQ(cache.find(walk, "/a"), nullptr);
+  cache.store(walk, "/a", folderOf(1));
+  const auto folder = folderOf(2);
+  cache.store(walk, "/a", folder);
+  EXPECT_EQ(cache.find(walk, "/a"), folder);
+  EXPECT_EQ(cache.find(walk, "/b"), nullptr);
 }
 
 TEST(IccCache, ForgetsAtTheEndOfAWalkWhatTheWalkDidNotMeet) {
   IccCache cache;
   const auto first = cache.beginWalk();
-  cache.store(first, "/a", identity(), kLater, profile("a"));
-  cache.store(first, "/b", identity(), kLater, profile("b"));
+  cache.store(first, "/found", folderOf(1));
+  cache.store(first, "/gone", folderOf(1));
   const auto second = cache.beginWalk();
-  cache.find(second, "/a", identity());
+  cache.find(second, "/found");
+  cache.store(second, "/new", folderOf(1));
   cache.endWalk(second);
-  EXPECT_TRUE(cache.knows("/a"));
-  EXPECT_FALSE(cache.knows("/b"));
-}
-
-TEST(IccCache, KeepsNoLongDescription) {
-  IccCache cache;
-  const auto walk = cache.beginWalk();
-  cache.store(walk, "/a", identity(), kLater, profile(std::string(IccCache::kMaxDescription, 'x')));
-  cache.store(walk, "/b", identity(), kLater, profile(std::string(IccCache::kMaxDescription + 1, 'x')));
-  EXPECT_TRUE(cache.knows("/a"));
-  EXPECT_FALSE(cache.knows("/b"));
+  EXPECT_TRUE(cache.find(second, "/found"));
+  EXPECT_TRUE(cache.find(second, "/new"));
+  EXPECT_FALSE(cache.find(second, "/gone"));
 }
 
 TEST(IccCache, KeepsNoMoreFilesThanItsBound) {
   IccCache cache;
   const auto walk = cache.beginWalk();
-  for (std::size_t i = 0; i <= IccCache::kMaxFiles; ++i) {
-    cache.store(walk, std::to_string(i), identity(), kLater, nullptr);
-  }
-  EXPECT_TRUE(cache.knows(std::to_string(IccCache::kMaxFiles - 1)));
-  EXPECT_FALSE(cache.knows(std::to_string(IccCache::kMaxFiles)));
+  cache.store(walk, "/a", folderOf(IccCache::kMaxFiles - 1));
+  cache.store(walk, "/b", folderOf(2));
+  EXPECT_TRUE(cache.find(walk, "/a"));
+  EXPECT_FALSE(cache.find(walk, "/b"));
+  cache.store(walk, "/c", folderOf(1));
+  EXPECT_TRUE(cache.find(walk, "/c"));
 }
 
-TEST(IccCache, GivesARememberedProfileAPlaceForWhatIsMadeOfIt) {
+TEST(IccCache, ForgetsAFolderThatHasGrownAboveTheBound) {
   IccCache cache;
   const auto walk = cache.beginWalk();
-  const auto kept = profile("a");
-  const auto not_kept = profile("b");
-  cache.store(walk, "/a", identity(), kLater, kept);
-  cache.store(walk, "/b", identity(), kChanged, not_kept);
-  EXPECT_TRUE(kept->kept);
-  EXPECT_FALSE(not_kept->kept);
+  cache.store(walk, "/a", folderOf(1));
+  cache.store(walk, "/a", folderOf(IccCache::kMaxFiles + 1));
+  EXPECT_FALSE(cache.find(walk, "/a"));
+  cache.store(walk, "/b", folderOf(IccCache::kMaxFiles));
+  EXPECT_TRUE(cache.find(walk, "/b"));
+}
+
+TEST(IccCache, HasRoomAgainForAsManyFilesAsItHasForgotten) {
+  IccCache cache;
+  cache.store(cache.beginWalk(), "/a", folderOf(IccCache::kMaxFiles));
+  const auto second = cache.beginWalk();
+  cache.endWalk(second);
+  cache.store(second, "/b", folderOf(IccCache::kMaxFiles));
+  EXPECT_TRUE(cache.find(second, "/b"));
 }
 
 }  // namespace

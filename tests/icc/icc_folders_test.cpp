@@ -4,10 +4,12 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <atomic>
 #include <cstdlib>
 #include <filesystem>
 #include <memory>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include "support/icc_maker.h"
@@ -272,33 +274,81 @@ class RememberingFolders : public testing::Test {
   IccFolders folders_{{base_.path()}};
 };
 
+void releaseNothing(const void*) {}
+
 TEST_F(RememberingFolders, GiveTheSameEntryAgainWhileTheFileIsUnchanged) {
-  const auto mark = std::make_shared<int>(0);
-  folders_.visit([&](const InstalledProfile& entry) {
-    EXPECT_TRUE(entry.kept);
-    entry.kept->put(mark);
-    return true;
-  });
+  const int mark = 0;
+  folders_.visit([&](const InstalledProfile& entry) { return entry.kept->put(&mark, releaseNothing) == &mark; });
   int visits = 0;
   folders_.visit([&](const InstalledProfile& entry) {
     ++visits;
-    EXPECT_EQ(entry.kept->get(), mark);
+    EXPECT_EQ(entry.kept->get(), &mark);
     return true;
   });
   EXPECT_EQ(visits, 2);
 }
 
 TEST_F(RememberingFolders, GiveANewEntryOnceTheFileHasChanged) {
-  const auto mark = std::make_shared<int>(0);
-  folders_.visit([&](const InstalledProfile& entry) {
-    entry.kept->put(mark);
-    return true;
-  });
+  const int mark = 0;
+  folders_.visit([&](const InstalledProfile& entry) { return entry.kept->put(&mark, releaseNothing) == &mark; });
   letTheClockTick(base_.write("a.icc", displayProfile("A")));
+  int visits = 0;
   folders_.visit([&](const InstalledProfile& entry) {
-    EXPECT_EQ(entry.kept->get() == mark, *entry.path != base_.path("a.icc"));
+    ++visits;
+    EXPECT_EQ(entry.kept->get() == &mark, *entry.path != base_.path("a.icc"));
     return true;
   });
+  EXPECT_EQ(visits, 2);
+}
+
+TEST_F(RememberingFolders, DoNotKeepALongDescription) {
+  letTheClockTick(base_.write("a.icc", displayProfile(std::string(5000, 'x'))));
+  for (int i = 0; i < 2; ++i) {
+    folders_.visit([&](const InstalledProfile& entry) {
+      EXPECT_EQ(entry.kept == nullptr, *entry.path == base_.path("a.icc"));
+      return true;
+    });
+  }
+  EXPECT_THAT(list(), ElementsAre("a.icc: " + std::string(5000, 'x'), "b.icc: B"));
+}
+
+TEST_F(RememberingFolders, SeeAFileBehindALinkChange) {
+  base_.write("outside/1", displayProfile("One"));
+  std::filesystem::create_symlink("outside/1", base_.path("l.icc"));
+  letTheClockTick(base_.path("outside/1"));
+  for (int i = 0; i < 3; ++i) {
+    EXPECT_THAT(list(), ElementsAre("a.icc: A", "b.icc: B", "l.icc: One"));
+  }
+  base_.write("outside/1", displayProfile("Two"));
+  EXPECT_THAT(list(), ElementsAre("a.icc: A", "b.icc: B", "l.icc: Two"));
+  std::filesystem::remove(base_.path("outside/1"));
+  EXPECT_THAT(list(), ElementsAre("a.icc: A", "b.icc: B"));
+}
+
+TEST_F(RememberingFolders, MayBeVisitedWhileTheyAreVisited) {
+  std::vector<std::string> inner;
+  folders_.visit([&](const InstalledProfile&) {
+    base_.write("a.icc", displayProfile("X"));
+    inner = list();
+    return true;
+  });
+  EXPECT_THAT(inner, ElementsAre("a.icc: X", "b.icc: B"));
+}
+
+TEST_F(RememberingFolders, MayBeVisitedByManyThreads) {
+  std::vector<std::thread> threads;
+  std::atomic<int> right = 0;
+  for (int i = 0; i < 4; ++i) {
+    threads.emplace_back([&] {
+      for (int round = 0; round < 50; ++round) {
+        right += list() == std::vector<std::string>{"a.icc: A", "b.icc: B"} ? 1 : 0;
+      }
+    });
+  }
+  for (std::thread& thread : threads) {
+    thread.join();
+  }
+  EXPECT_EQ(right, 200);
 }
 
 TEST_F(RememberingFolders, SeeAFileThatWasAdded) {

@@ -35,7 +35,7 @@ int main() {
   Display::GetMonitorRect(71, &left, &top, &right, &bottom);
   expect<std::int32_t>("the left edge of display 71", left, -1920);
   expect<std::int32_t>("the right edge of display 71", right, 0);
-  expect<std::int32_t>("the bottom edge of display 71", bottom, 1080);
+  expect<std::int32_t>("the bottom edge of display 71", bottom, 1440);
 #endif
   expect<std::uint32_t>("the index of a display that is not there", Display::GetIndex(0), 4099018739U);
   return problems == 0 ? EXIT_SUCCESS : EXIT_FAILURE;
