@@ -37,6 +37,9 @@
 
 namespace devhost {
 
+/// The address of the entry of that name, or null.
+using Resolver = void* (*)(const char* name);
+
 /// What a plugin told the host while it was loaded.
 struct Registration {
   std::vector<std::int64_t> announced_versions;
@@ -68,6 +71,8 @@ class Host {
 
   /// The host that entries act for. There must be one.
   static Host& current();
+  /// What a plugin is given to find entries with: looks them up in the current host's table.
+  static Resolver resolver();
 
   EntryTable& entries() { return entries_; }
   GlobalMethods& globalMethods() { return global_methods_; }
