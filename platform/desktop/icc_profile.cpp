@@ -8,18 +8,38 @@ namespace platform::desktop {
 namespace {
 
 constexpr std::size_t kSizeField = 0;
+constexpr std::size_t kVersionField = 8;
 constexpr std::size_t kClassField = 12;
 constexpr std::size_t kMarkField = 36;
 constexpr std::size_t kTagCountSize = 4;
 constexpr std::size_t kTagEntrySize = 12;
 constexpr std::size_t kTableStart = IccProfile::kHeaderSize + kTagCountSize;
 
+/// Zero is the mark of writers that did not know the field.
+constexpr std::array<std::uint32_t, 8> kClasses = {0,
+                                                   iccSignature("abst"),
+                                                   iccSignature("link"),
+                                                   iccSignature("mntr"),
+                                                   iccSignature("nmcl"),
+                                                   iccSignature("prtr"),
+                                                   iccSignature("scnr"),
+                                                   iccSignature("spac")};
+
+bool isProfileHeader(const IccProfile::Header& header) {
+  const std::uint8_t major = header[kVersionField];
+  const std::uint8_t minor = header[kVersionField + 1];
+  const bool version_is_known = major < 5 || (major == 5 && minor == 0);
+  const bool class_is_known =
+      std::find(kClasses.begin(), kClasses.end(), bigEndian32(&header[kClassField])) != kClasses.end();
+  return bigEndian32(&header[kMarkField]) == iccSignature("acsp") && version_is_known && class_is_known;
+}
+
 }  // namespace
 
 std::optional<IccProfile> IccProfile::parse(const IccFile& file) {
   Header header;
   std::array<std::uint8_t, kTagCountSize> count;
-  if (!file.read(0, header.data(), header.size()) || bigEndian32(&header[kMarkField]) != iccSignature("acsp") ||
+  if (!file.read(0, header.data(), header.size()) || !isProfileHeader(header) ||
       !file.read(kHeaderSize, count.data(), count.size())) {
     return std::nullopt;
   }
@@ -33,11 +53,8 @@ std::optional<IccProfile> IccProfile::parse(const IccFile& file) {
 }
 
 std::optional<std::string> IccProfile::deviceClass() const {
-  const auto* first = header_.data() + kClassField;
-  if (std::any_of(first, first + 4, [](std::uint8_t byte) { return byte == 0 || byte >= 0x80; })) {
-    return std::nullopt;
-  }
-  return std::string(first, first + 4);
+  const auto* const first = header_.data() + kClassField;
+  return bigEndian32(first) == 0 ? std::nullopt : std::optional(std::string(first, first + 4));
 }
 
 std::optional<IccTag> IccProfile::find(std::uint32_t signature) const {

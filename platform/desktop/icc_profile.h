@@ -1,9 +1,11 @@
 // The header and the tag table of an ICC profile, read from its file with every bound checked. Any thread may call.
 //
 // This reader stands beside lcms2 because lcms2 refuses profiles with more than 100 tags and costs more than a listing
-// may spend on each file. It judges a file as lcms2 does: a file without the "acsp" mark or with a tag table that it
-// does not hold is no profile; a tag that lies outside the file, or outside the size that the header states, is not
-// there; of several tags with one signature the first counts. Layout: ICC.1:2022, 7.2 and 7.3.
+// may spend on each file. Otherwise it judges a file as lcms2 2.14 does. A file is no profile without the "acsp" mark,
+// with a version above 5.0, with a class that ICC.1 does not name, or with a tag table that the file does not hold. A
+// tag that reaches out of the file, or beyond the size that the header states, is not there. Of several tags with one
+// signature the first counts. An element may be empty, here and not in lcms2, which passes over those. Layout:
+// ICC.1:2022, 7.2 and 7.3.
 #pragma once
 
 #include <array>
@@ -45,7 +47,7 @@ class PLATFORM_API IccProfile {
   static std::optional<IccProfile> parse(const IccFile& file);
 
   const Header& header() const { return header_; }
-  /// The four characters of the header's class field; nothing when they are not all ASCII.
+  /// The four characters of the header's class field; nothing when it is zero, as some old writers left it.
   std::optional<std::string> deviceClass() const;
   std::optional<IccTag> find(std::uint32_t signature) const;
 

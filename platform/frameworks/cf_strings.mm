@@ -7,7 +7,6 @@
 #include <limits>
 #include <mutex>
 #include <string>
-#include <string_view>
 #include <unordered_map>
 
 #include "frameworks/autorelease_pool.h"
@@ -24,7 +23,7 @@ namespace {
 /// Kept for the life of the process, like the strings in it.
 struct ConstantStrings {
   std::mutex mutex;
-  std::unordered_map<std::string_view, CFStringRef> by_text;  // each key is a copy that is kept too
+  std::unordered_map<std::string, CFStringRef> by_text;
 };
 
 ConstantStrings& constantStrings() {
@@ -49,8 +48,7 @@ CFStringRef __CFStringMakeConstantString(const char* text) {
   const ScopedPool pool;
   NSString* const made = [[NSString alloc] initWithUTF8String:text];
   requireObject(made, "CFSTR");
-  const auto* const key = new std::string(text);
-  strings.by_text.emplace(*key, reinterpret_cast<CFStringRef>(made));
+  strings.by_text.emplace(text, reinterpret_cast<CFStringRef>(made));
   return reinterpret_cast<CFStringRef>(made);
 }
 

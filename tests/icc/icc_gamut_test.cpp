@@ -175,7 +175,7 @@ TEST(ColorSpace, IsMadeFromEveryClassThatDescribesOne) {
   for (const char* const profile_class : {"mntr", "scnr", "prtr", "spac"}) {
     EXPECT_TRUE(makesASpace(IccMaker().deviceClass(profile_class).bytes())) << profile_class;
   }
-  for (const char* const profile_class : {"link", "abst", "nmcl", "\x01\x02\x03\x04"}) {
+  for (const char* const profile_class : {"link", "abst", "nmcl"}) {
     EXPECT_FALSE(makesASpace(IccMaker().deviceClass(profile_class).bytes())) << profile_class;
   }
 }

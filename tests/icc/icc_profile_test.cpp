@@ -58,15 +58,30 @@ TEST(IccProfile, FindsEachTagWhereItLies) {
   EXPECT_FALSE(profile.has("DESC"));
 }
 
-TEST(IccProfile, GivesTheClassAsItStands) {
-  EXPECT_THAT(OpenProfile(IccMaker().bytes())->deviceClass(), Optional(Eq("mntr")));
-  EXPECT_THAT(OpenProfile(IccMaker().deviceClass("prtr").bytes())->deviceClass(), Optional(Eq("prtr")));
-  EXPECT_THAT(OpenProfile(IccMaker().deviceClass("MNTR").bytes())->deviceClass(), Optional(Eq("MNTR")));
+TEST(IccProfile, HasAClassThatIccNamesOrNone) {
+  for (const char* const known : {"mntr", "prtr", "scnr", "spac", "link", "abst", "nmcl"}) {
+    const std::string bytes = IccMaker().deviceClass(known).bytes();
+    EXPECT_THAT(OpenProfile(bytes)->deviceClass(), Optional(Eq(known)));
+    EXPECT_TRUE(opensInLcms(bytes)) << known;
+  }
+  for (const char* const unknown : {"MNTR", "mnt ", "xxxx", "mnt\xFF"}) {
+    const std::string bytes = IccMaker().deviceClass(unknown).bytes();
+    EXPECT_FALSE(OpenProfile(bytes)) << unknown;
+    EXPECT_FALSE(opensInLcms(bytes)) << unknown;
+  }
+  const std::string without = IccMaker().deviceClass(std::string(4, '\0')).bytes();
+  EXPECT_EQ(OpenProfile(without)->deviceClass(), std::nullopt);
+  EXPECT_TRUE(opensInLcms(without));
 }
 
-TEST(IccProfile, HasNoClassThatIsNotText) {
-  EXPECT_FALSE(OpenProfile(IccMaker().deviceClass(std::string(4, '\0')).bytes())->deviceClass());
-  EXPECT_FALSE(OpenProfile(IccMaker().deviceClass("mnt\xFF").bytes())->deviceClass());
+TEST(IccProfile, IsOfAVersionUpToFive) {
+  for (const std::uint32_t version :
+       {0x00000000U, 0x02100000U, 0x04400000U, 0x05000000U, 0x05010000U, 0x06000000U, 0xFFFFFFFFU}) {
+    std::string bytes = support::displayProfile("a");
+    bytes.replace(8, 4, support::bigEndian32(version));
+    EXPECT_EQ(static_cast<bool>(OpenProfile(bytes)), version <= 0x05000000U) << version;
+    EXPECT_EQ(opensInLcms(bytes), version <= 0x05000000U) << version;
+  }
 }
 
 TEST(IccProfile, MayHaveNoTagAtAll) {
