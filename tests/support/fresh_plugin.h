@@ -6,15 +6,20 @@
 #include <cstdlib>
 #include <filesystem>
 #include <string>
+#include <utility>
 
 #include "devhost/host.h"
 #include "devhost/plugin.h"
 
 namespace support {
 
-/// Loads a copy of the library under a name of its own: a copy has its own state, where loading one file twice would
-/// not.
+/// Loads the library itself the first time, and a copy under a name of its own each time after that: a copy has its own
+/// state, where loading one file twice would not.
 inline devhost::Plugin loadFreshPlugin(devhost::Host& host) {
+  static bool loaded = false;
+  if (!std::exchange(loaded, true)) {
+    return host.load(OSTREVIN_LIBRARY);
+  }
   std::string folder = (std::filesystem::temp_directory_path() / "ostrevin-XXXXXX").string();
   if (mkdtemp(folder.data()) == nullptr) {
     throw std::runtime_error("no temporary folder");
