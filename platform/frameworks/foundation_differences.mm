@@ -129,8 +129,9 @@ NSString* absolutePath(NSString* path) {
 bool endsInSlash(NSString* path) { return [path length] > 0 && [path characterAtIndex:[path length] - 1] == '/'; }
 
 bool isExistingDirectory(NSString* path) {
+  const char* const utf8 = [path UTF8String];
   struct stat status {};
-  return stat([path UTF8String], &status) == 0 && S_ISDIR(status.st_mode);
+  return utf8 != nullptr && stat(utf8, &status) == 0 && S_ISDIR(status.st_mode);
 }
 
 id initFileUrl(id self, NSString* path, bool is_directory) {

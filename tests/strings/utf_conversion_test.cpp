@@ -162,7 +162,7 @@ TEST_P(FromUtf8Part, AgreesOnEveryThreeBytes) {
 INSTANTIATE_TEST_SUITE_P(NotAscii, FromUtf8Part, testing::Range(0x80U, 0x100U, 16U));
 
 TEST(FromUtf8, AgreesOnFourBytesAtEveryBound) {
-  constexpr unsigned kLast[] = {0x00, 0x41, 0x7F, 0x80, 0x81, 0xBF, 0xC0, 0xC2, 0xE1, 0xF1, 0xFF};
+  constexpr unsigned kLast[] = {0x00, 0x7F, 0x80, 0xBF, 0xC0};
   for (unsigned first = 0xE0; first < 0x100; ++first) {
     for (unsigned second = 0; second < 0x100; ++second) {
       for (const unsigned third : kLast) {

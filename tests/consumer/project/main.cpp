@@ -1,5 +1,5 @@
-// Uses the library as a C++ library: through the facade's header and the installed CMake package. Elsewhere than on a Mac the
-// displays are those of desktop.json.
+// Uses the library as a C++ library: through the facade's header and the installed CMake package. Elsewhere than on a
+// Mac the displays are those of desktop.json.
 #include <plugin/display.h>
 
 #include <cstdint>
