@@ -20,6 +20,6 @@ NSURL* newFileUrl(const std::string& path);
   NSString* _profileDescription;
   NSURL* _profileUrl;
 }
-/// Takes over the references; a null one is a key that the dictionary has not got.
+/// A null value is a key that the dictionary has not got.
 - (instancetype)initWithClass:(NSString*)profileClass description:(NSString*)description url:(NSURL*)url;
 @end

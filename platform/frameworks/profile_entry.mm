@@ -77,9 +77,9 @@ NSURL* newFileUrl(const std::string& path) {
 - (instancetype)initWithClass:(NSString*)profileClass description:(NSString*)description url:(NSURL*)url {
   self = [super init];
   if (self != nil) {
-    _profileClass = profileClass;
-    _profileDescription = description;
-    _profileUrl = url;
+    _profileClass = [profileClass retain];
+    _profileDescription = [description retain];
+    _profileUrl = [url retain];
   }
   return self;
 }
