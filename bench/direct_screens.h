@@ -14,4 +14,8 @@ uint32_t directIndex(CGDirectDisplayID display);
 /// What DisplayIDForWindow asks for.
 CGDirectDisplayID directDisplayUnder(CGRect rect);
 
+/// The two that the plugin answers in a heap buffer that it never releases, with a buffer of that kind.
+uint32_t directIndexKeepingBuffer(CGDirectDisplayID display);
+CGDirectDisplayID directDisplayUnderKeepingBuffer(CGRect rect);
+
 }  // namespace bench

@@ -3,8 +3,23 @@
 #import <AppKit/AppKit.h>
 
 #include <array>
+#include <cstdlib>
 
 namespace bench {
+namespace {
+
+constexpr uint32_t kNowhere = UINT32_MAX;
+
+uint32_t positionOf(CGDirectDisplayID display, const CGDirectDisplayID* displays, uint32_t count) {
+  for (uint32_t i = 0; i < count; ++i) {
+    if (displays[i] == display) {
+      return i;
+    }
+  }
+  return kNowhere;
+}
+
+}  // namespace
 
 double directScale(CGDirectDisplayID display) {
   const CGRect bounds = CGDisplayBounds(display);
@@ -28,21 +43,28 @@ uint32_t directIndex(CGDirectDisplayID display) {
   uint32_t count = 0;
   CGGetActiveDisplayList(0, nullptr, &count);
   std::array<CGDirectDisplayID, 256> displays;
-  if (CGGetActiveDisplayList(displays.size(), displays.data(), &count) != kCGErrorSuccess) {
-    return UINT32_MAX;
-  }
-  for (uint32_t i = 0; i < count; ++i) {
-    if (displays[i] == display) {
-      return i;
-    }
-  }
-  return UINT32_MAX;
+  const CGError error = CGGetActiveDisplayList(displays.size(), displays.data(), &count);
+  return error == kCGErrorSuccess ? positionOf(display, displays.data(), count) : kNowhere;
+}
+
+uint32_t directIndexKeepingBuffer(CGDirectDisplayID display) {
+  uint32_t count = 0;
+  CGGetActiveDisplayList(0, nullptr, &count);
+  auto* const displays = static_cast<CGDirectDisplayID*>(std::malloc(count * sizeof(CGDirectDisplayID)));
+  const CGError error = CGGetActiveDisplayList(count, displays, &count);
+  return error == kCGErrorSuccess ? positionOf(display, displays, count) : kNowhere;
 }
 
 CGDirectDisplayID directDisplayUnder(CGRect rect) {
   CGDirectDisplayID display = 0;
   uint32_t count = 0;
   return CGGetDisplaysWithRect(rect, 1, &display, &count) == kCGErrorSuccess ? display : 0;
+}
+
+CGDirectDisplayID directDisplayUnderKeepingBuffer(CGRect rect) {
+  auto* const display = static_cast<CGDirectDisplayID*>(std::malloc(sizeof(CGDirectDisplayID)));
+  uint32_t count = 0;
+  return CGGetDisplaysWithRect(rect, 1, display, &count) == kCGErrorSuccess ? *display : 0;
 }
 
 }  // namespace bench

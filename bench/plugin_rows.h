@@ -2,16 +2,20 @@
 #pragma once
 
 #include <dlfcn.h>
+
+#include <cstdlib>
 #include <cstring>
 #include <stdexcept>
 #include <string>
 #include <string_view>
 
+#include "devhost/autorelease.h"
 #include "host/records.h"
 
 namespace bench {
 
-/// Loads the plugin once per process and keeps it.
+/// Loads the plugin once per process and keeps it. As a host it offers what the methods of one display need, at as
+/// little cost as there can be: a string is a NUL-terminated copy.
 class PluginRows {
  public:
   static const PluginRows& instance() {
@@ -31,13 +35,32 @@ class PluginRows {
     throw std::runtime_error("no method " + std::string(name));
   }
 
- private:
-  PluginRows() {
-    void* const library = dlopen(OSTREVIN_LIBRARY, RTLD_NOW | RTLD_LOCAL);
-    if (library == nullptr) {
+  /// An exported function by its mangled name.
+  template <typename Function>
+  Function* symbol(const char* name) const {
+    void* const found = dlsym(library_, name);
+    if (found == nullptr) {
       throw std::runtime_error(dlerror());
     }
-    reinterpret_cast<void (*)(void* (*)(const char*))>(dlsym(library, "REALPluginMain"))(resolve);
+    return reinterpret_cast<Function*>(found);
+  }
+
+  static char* makeString(const char* bytes, int length, unsigned /*encoding*/) {
+    const auto size = static_cast<std::size_t>(length);
+    auto* const copy = static_cast<char*>(std::malloc(size + 1));
+    std::memcpy(copy, bytes, size);
+    copy[size] = '\0';
+    return copy;
+  }
+  static void releaseString(char* string) { std::free(string); }
+
+ private:
+  PluginRows() : library_(dlopen(OSTREVIN_LIBRARY, RTLD_NOW | RTLD_LOCAL)) {
+    if (library_ == nullptr) {
+      throw std::runtime_error(dlerror());
+    }
+    devhost::findAutoreleasePools(library_);
+    symbol<void(void* (*)(const char*))>("REALPluginMain")(resolve);
   }
 
   static const REALmoduleDefinition*& module() {
@@ -47,15 +70,26 @@ class PluginRows {
 
   static void announce(int) {}
   static void registerModule(const REALmoduleDefinition* record) { module() = record; }
+  static const char* contents(const char* string) { return string; }
+
   static void* resolve(const char* name) {
-    if (std::strcmp(name, "RegisterPluginVersion") == 0) {
+    const std::string_view entry = name;
+    if (entry == "RegisterPluginVersion") {
       return reinterpret_cast<void*>(&announce);
     }
-    if (std::strcmp(name, "PluginRegisterModule") == 0) {
+    if (entry == "PluginRegisterModule") {
       return reinterpret_cast<void*>(&registerModule);
     }
-    return nullptr;
+    if (entry == "REALBuildStringWithEncoding") {
+      return reinterpret_cast<void*>(&makeString);
+    }
+    if (entry == "REALUnlockString") {
+      return reinterpret_cast<void*>(&releaseString);
+    }
+    return entry == "StringGetCString" ? reinterpret_cast<void*>(&contents) : nullptr;
   }
+
+  void* const library_;
 };
 
 }  // namespace bench

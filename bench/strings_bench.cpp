@@ -40,14 +40,14 @@ const std::wstring& utf16Text() {
 }
 
 void fromUtf8(benchmark::State& state) {
-  for (auto _ : state) {
+  while (state.KeepRunning()) {
     benchmark::DoNotOptimize(Utils::utf8_to_utf16(utf8Text()));
   }
   state.SetBytesProcessed(static_cast<std::int64_t>(state.iterations() * utf8Text().size()));
 }
 
 void toUtf8(benchmark::State& state) {
-  for (auto _ : state) {
+  while (state.KeepRunning()) {
     benchmark::DoNotOptimize(Utils::utf16_to_utf8(utf16Text()));
   }
   state.SetBytesProcessed(static_cast<std::int64_t>(state.iterations() * utf8Text().size()));
@@ -66,8 +66,8 @@ void convert(iconv_t converter, std::string_view from, std::vector<char>& to) {
 }
 
 void fromUtf8ByIconv(benchmark::State& state) {
-  const iconv_t converter = iconv_open("UTF-16LE", "UTF-8");
-  for (auto _ : state) {
+  auto* const converter = iconv_open("UTF-16LE", "UTF-8");
+  while (state.KeepRunning()) {
     std::vector<char> units(utf8Text().size() * 2);
     convert(converter, utf8Text(), units);
   }
@@ -79,8 +79,8 @@ void toUtf8ByIconv(benchmark::State& state) {
   const std::wstring& wide = utf16Text();
   const std::u16string units(wide.begin(), wide.end());
   const std::string_view bytes(reinterpret_cast<const char*>(units.data()), units.size() * sizeof(char16_t));
-  const iconv_t converter = iconv_open("UTF-8", "UTF-16LE");
-  for (auto _ : state) {
+  auto* const converter = iconv_open("UTF-8", "UTF-16LE");
+  while (state.KeepRunning()) {
     std::vector<char> utf8(units.size() * 3);
     convert(converter, bytes, utf8);
   }

@@ -21,6 +21,14 @@ set(OSTREVIN_SANITIZE "" CACHE STRING "Sanitizers for everything, such as addres
 add_library(ostrevin_settings INTERFACE)
 add_library(ostrevin::settings ALIAS ostrevin_settings)
 target_compile_options(ostrevin_settings INTERFACE -Wall -Wextra -Werror)
+# The build type of the sanitizer presets: enough for a readable stack, and quick to compile.
+foreach(language IN ITEMS C CXX OBJCXX)
+  set(CMAKE_${language}_FLAGS_SANITIZE "-O1 -gline-tables-only")
+endforeach()
+if(APPLE)
+  # With a later deployment target than our own, more is deprecated; docs/macos.md names it.
+  target_compile_options(ostrevin_settings INTERFACE -Wno-error=deprecated-declarations)
+endif()
 if(OSTREVIN_SANITIZE)
   add_compile_options(-fsanitize=${OSTREVIN_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
   add_link_options(-fsanitize=${OSTREVIN_SANITIZE})

@@ -9,10 +9,13 @@ void addAllEntries(Host& host) {
   addStringEntries(host);
   addTextEntries(host);
   addObjectEntries(host);
+  addClassEntries(host);
   addPropertyEntries(host);
   addVariantEntries(host);
   addArrayEntries(host);
   addArrayElementEntries(host);
+  addMemoryEntries(host);
+  addRuntimeEntries(host);
 }
 
 void addEntries(Host& host, std::span<const Entry> entries) {

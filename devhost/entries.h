@@ -17,10 +17,13 @@ void addRegistrationEntries(Host& host);
 void addStringEntries(Host& host);
 void addTextEntries(Host& host);
 void addObjectEntries(Host& host);
+void addClassEntries(Host& host);
 void addPropertyEntries(Host& host);
 void addVariantEntries(Host& host);
 void addArrayEntries(Host& host);
 void addArrayElementEntries(Host& host);
+void addMemoryEntries(Host& host);
+void addRuntimeEntries(Host& host);
 void addAllEntries(Host& host);
 
 void addEntries(Host& host, std::span<const Entry> entries);

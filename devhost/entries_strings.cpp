@@ -90,6 +90,23 @@ void* addStrings(void* a, void* b) {
       (left == nullptr ? "" : left->bytes()) + (right == nullptr ? "" : right->bytes()), encoding));
 }
 
+/// As a caption is shown: "&" marks the letter that follows it, and "&&" stands for one "&". Null for nil.
+void* stripAmpersands(void* string) {
+  const String* const found = find(string, "REALStripAmpersands");
+  if (found == nullptr) {
+    return nullptr;
+  }
+  std::string shown;
+  bool after_mark = false;
+  for (const char byte : found->bytes()) {
+    after_mark = byte == '&' && !after_mark;
+    if (!after_mark) {
+      shown += byte;
+    }
+  }
+  return give(Host::current().makeString(std::move(shown), found->encoding()));
+}
+
 const char* cString(void* string) {
   const String* const found = find(string, "StringGetCString");
   return found == nullptr ? nullptr : found->bytes().c_str();
@@ -129,6 +146,7 @@ const Entry kEntries[] = {
     entry("PluginDisposeStringData", disposeStringData),  // (StringData*)
     entry("RuntimeStringCompare", compareStrings),        // (string, string) -> int
     entry("RuntimeAddString", addStrings),                // (string, string) -> new string
+    entry("REALStripAmpersands", stripAmpersands),        // (string) -> new string
     entry("StringGetCString", cString),                   // (string) -> const char*, borrowed
     entry("StringGetPString", pascalString),              // (string) -> const unsigned char*, borrowed
     entry("StringToOSType", osType),                      // (string) -> uint32

@@ -9,6 +9,8 @@ namespace {
 
 Host* current_host = nullptr;
 
+extern "C" void* resolveEntry(const char* name) { return Host::current().entries().resolve(name); }
+
 std::vector<std::string> describeHeld(const Handles& handles, bool strings_only) {
   std::vector<std::string> lines;
   for (const Counted* held : handles.heldByPlugin()) {
@@ -33,6 +35,8 @@ Host::~Host() {
 }
 
 Host& Host::current() { return *current_host; }
+
+Resolver Host::resolver() { return &resolveEntry; }
 
 Plugin Host::load(const std::string& path) { return {*this, path}; }
 

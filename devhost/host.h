@@ -26,6 +26,7 @@
 #include <vector>
 
 #include "devhost/arrays.h"
+#include "devhost/classes.h"
 #include "devhost/entry_table.h"
 #include "devhost/global_methods.h"
 #include "devhost/handles.h"
@@ -36,10 +37,21 @@
 
 namespace devhost {
 
+/// The address of the entry of that name, or null.
+using Resolver = void* (*)(const char* name);
+
 /// What a plugin told the host while it was loaded.
 struct Registration {
   std::vector<std::int64_t> announced_versions;
   std::vector<const void*> module_records;
+};
+
+/// The state of the host that plugins can ask for; whoever plays the host sets it.
+struct RuntimeState {
+  bool runs_program = true;  ///< a program of the host runs, as against being edited
+  bool debugs = false;       ///< it runs under the debugger
+  double version = 1.0;
+  int yields = 0;  ///< how often plugins gave the host time
 };
 
 /// A method of an object, as a plugin asked for it.
@@ -59,16 +71,20 @@ class Host {
 
   /// The host that entries act for. There must be one.
   static Host& current();
+  /// What a plugin is given to find entries with: looks them up in the current host's table.
+  static Resolver resolver();
 
   EntryTable& entries() { return entries_; }
   GlobalMethods& globalMethods() { return global_methods_; }
+  Classes& classes() { return classes_; }
+  RuntimeState& runtime() { return runtime_; }
 
   /// Loads a plugin and lets it register. Throws PluginError. A plugin stays loaded for the life of the process.
   Plugin load(const std::string& path);
 
   Ref<String> makeString(std::string bytes, std::uint32_t encoding = kUtf8Encoding);
   Ref<Text> makeText(std::string utf8);
-  Ref<Object> makeObject(std::string class_name = "Object");
+  Ref<Object> makeObject(std::string class_name = kBaseClass);
   /// A Variant object. Throws ValueError when the value is not of the type.
   Ref<Object> makeVariant(Type type, const Value& value);
   /// Throws ValueError when an element is not of the type.
@@ -101,6 +117,8 @@ class Host {
   std::shared_ptr<Handles> handles_ = std::make_shared<Handles>();
   EntryTable entries_;
   GlobalMethods global_methods_;
+  Classes classes_;
+  RuntimeState runtime_;
   Registration registration_;
   std::vector<MethodLookup> method_lookups_;
   std::exception_ptr held_exception_;

@@ -71,6 +71,13 @@ Value Object::property(std::string_view name) {
   return found->value;
 }
 
+void Object::ownMemory(std::size_t size) {
+  memory_ = std::make_unique<Memory>(Memory{nullptr, static_cast<std::int64_t>(size), std::vector<std::byte>(size)});
+  memory_->address = memory_->owned.data();
+}
+
+void Object::borrowMemory(void* address) { memory_ = std::make_unique<Memory>(Memory{address, -1, {}}); }
+
 std::string Object::describe() const { return "object of class " + class_name_; }
 
 void assign(Host& host, Property& property, const Value& value) {

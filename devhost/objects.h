@@ -2,6 +2,7 @@
 // One thread at a time.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <functional>
 #include <map>
@@ -34,6 +35,13 @@ struct Property {
   std::string owned;
 };
 
+/// Memory that an object stands for: `owned`, or somebody else's, whose size is then -1.
+struct Memory {
+  void* address;
+  std::int64_t size;
+  std::vector<std::byte> owned;
+};
+
 /// What plugins hold as REALobjectStruct*.
 class Object final : public Counted {
  public:
@@ -58,6 +66,13 @@ class Object final : public Counted {
   /// A variant's value.
   Value variantValue() { return property(kVariantProperty); }
 
+  /// Makes the object stand for `size` bytes of its own, all zero.
+  void ownMemory(std::size_t size);
+  /// Makes the object stand for memory that it neither owns nor reads.
+  void borrowMemory(void* address);
+  /// Null when the object stands for no memory. Borrowed; valid while the object lives.
+  const Memory* memory() const { return memory_.get(); }
+
   std::string describe() const override;
 
  private:
@@ -65,6 +80,7 @@ class Object final : public Counted {
   std::string class_name_;
   std::map<std::string, std::unique_ptr<NativeMethod>> methods_;  // by signature
   std::map<std::string, Property> properties_;                    // by name in lower case
+  std::unique_ptr<Memory> memory_;
 };
 
 /// Stores `value` as the property's type asks. Throws ValueError.

@@ -11,9 +11,6 @@ namespace {
 
 constexpr const char* kEntryName = "REALPluginMain";
 
-extern "C" void* resolveHostEntry(const char* name) { return Host::current().entries().resolve(name); }
-
-using Resolver = void* (*)(const char*);
 using PluginMain = void (*)(Resolver);
 
 }  // namespace
@@ -41,7 +38,7 @@ void Plugin::letRegister() {
   {
     const CurrentHost current(*host_);
     const AutoreleasePool pool;
-    main(&resolveHostEntry);
+    main(Host::resolver());
   }
   const Registration& registration = host_->registration();
   if (!registration.announced_versions.empty()) {

@@ -28,12 +28,12 @@ function(ostrevin_add_macos_targets)
     VERBATIM)
 
   set(OSTREVIN_SIGN_IDENTITY "-" CACHE STRING "Identity to sign with; - signs for this computer only")
-  set(timestamp --timestamp)
+  set(options --options runtime --timestamp)
   if(OSTREVIN_SIGN_IDENTITY STREQUAL "-")
-    set(timestamp --timestamp=none)
+    set(options --timestamp=none)  # the hardened runtime would refuse a library that belongs to no team
   endif()
   add_custom_target(sign
-    COMMAND codesign --force --options runtime ${timestamp} --sign ${OSTREVIN_SIGN_IDENTITY}
+    COMMAND codesign --force ${options} --sign ${OSTREVIN_SIGN_IDENTITY}
       $<TARGET_FILE:Ostrevin> $<TARGET_FILE:ostrevin-host>
     COMMAND codesign --verify --strict --verbose=2 $<TARGET_FILE:Ostrevin> $<TARGET_FILE:ostrevin-host>
     DEPENDS Ostrevin ostrevin-host

@@ -59,7 +59,7 @@ struct Byref {
 };
 
 static_assert(sizeof(std::atomic<std::int32_t>) == sizeof(std::int32_t));
-static_assert(sizeof(std::atomic<Byref*>) == sizeof(Byref*));
+static_assert(sizeof(std::atomic<Byref*>) == sizeof(void*));
 static_assert(offsetof(BlockLayout, descriptor) == 24);
 static_assert(offsetof(Byref, keep) == 24);
 
@@ -111,6 +111,8 @@ void releaseByref(Byref* variable) {
 
 }  // namespace
 
+// The names are the compiler's.
+// NOLINTBEGIN(bugprone-reserved-identifier)
 extern "C" {
 
 // What a block's isa points to; only the addresses matter.
@@ -192,3 +194,4 @@ void _Block_object_dispose(const void* object, int kind) {
 }
 
 }  // extern "C"
+// NOLINTEND(bugprone-reserved-identifier)

@@ -16,7 +16,7 @@ class IccCache;
 
 /// The folders of this computer and this user, as the environment names them at the moment (XDG_DATA_DIRS,
 /// XDG_DATA_HOME, HOME), each once: the system's own, the computer's own, the rest of the data directories', colord's,
-/// and the user's. Sources: the XDG Base Directory Specification 0.8; colord's cd-main.c and cd-session's user folders.
+/// and the user's. Sources: the XDG base directory rules, version 0.8; colord's cd-main.c and cd-session's user folders.
 PLATFORM_API std::vector<std::string> installedProfileFolders();
 
 /// Any thread may call any function, several at once.

@@ -19,7 +19,9 @@ id object(const void* reference) { return static_cast<id>(const_cast<void*>(refe
 
 const void* retainObject(CFAllocatorRef, const void* value) { return CFRetain(value); }
 void releaseObject(CFAllocatorRef, const void* value) { CFRelease(value); }
+/// The caller releases, as of a call-back named copyDescription.
 CFStringRef describeObject(const void* value) {
+  // NOLINTNEXTLINE(clang-analyzer-osx.cocoa.RetainCount)
   return reinterpret_cast<CFStringRef>([[object(value) description] copy]);
 }
 Boolean equalObjects(const void* first, const void* second) { return [object(first) isEqual:object(second)]; }

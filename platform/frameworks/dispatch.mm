@@ -12,6 +12,7 @@
 
 #include <deque>
 #include <mutex>
+#include <new>
 #include <string>
 
 #include "frameworks/autorelease_pool.h"
@@ -87,7 +88,10 @@ dispatch_queue_t dispatch_queue_create(const char* label, dispatch_queue_attr_t)
   if (calls::enter(Call::dispatch_queue_create)) {
     return nullptr;
   }
-  auto* const queue = new dispatch_queue_s;  // kept for the life of the process
+  auto* const queue = new (std::nothrow) dispatch_queue_s;  // kept for the life of the process
+  if (queue == nullptr) {
+    return nullptr;
+  }
   queue->label = label != nullptr ? label : "";
   return queue;
 }

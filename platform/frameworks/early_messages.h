@@ -14,7 +14,7 @@ inline id classNamed(const char* name) { return reinterpret_cast<id>(objc_getCla
 
 template <typename... Arguments>
 id sendEarly(id receiver, const char* selector, Arguments... arguments) {
-  const SEL registered = sel_registerName(selector);
+  SEL registered = sel_registerName(selector);
   using Method = id (*)(id, SEL, Arguments...);
   return reinterpret_cast<Method>(objc_msg_lookup(receiver, registered))(receiver, registered, arguments...);
 }

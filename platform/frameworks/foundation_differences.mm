@@ -203,7 +203,7 @@ NSString* path(id self, SEL selector) {
 /// Puts `replacement` in the place of the method that `type` itself implements, and gives what was there.
 template <typename Function>
 Function replace(Class type, SEL selector, Function replacement) {
-  const Method method = class_getInstanceMethod(type, selector);
+  Method method = class_getInstanceMethod(type, selector);
   return reinterpret_cast<Function>(
       class_replaceMethod(type, selector, reinterpret_cast<IMP>(replacement), method_getTypeEncoding(method)));
 }

@@ -135,9 +135,12 @@ OwnedRef<CFUUIDRef> uuidRef(std::uint8_t last) {
   return OwnedRef<CFUUIDRef>::adopt(CFUUIDCreateFromUUIDBytes(kCFAllocatorDefault, bytes));
 }
 
-OwnedRef<CFURLRef> fileUrl(const char* path) {
-  return OwnedRef<CFURLRef>::adopt(CFURLCreateWithFileSystemPath(
-      kCFAllocatorDefault, CFStringRef(__CFStringMakeConstantString(path)), kCFURLPOSIXPathStyle, false));
+OwnedRef<CFURLRef> fileUrl(const std::string& path) {
+  const auto bytes = reinterpret_cast<const UInt8*>(path.data());
+  const auto string = OwnedRef<CFStringRef>::adopt(CFStringCreateWithBytes(
+      kCFAllocatorDefault, bytes, static_cast<CFIndex>(path.size()), kCFStringEncodingUTF8, false));
+  return OwnedRef<CFURLRef>::adopt(
+      CFURLCreateWithFileSystemPath(kCFAllocatorDefault, string.get(), kCFURLPOSIXPathStyle, false));
 }
 
 OwnedRef<CFDictionaryRef> dictionary(const void* key, const void* value) {

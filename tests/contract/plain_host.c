@@ -5,16 +5,14 @@
 #include <stdio.h>
 #include <string.h>
 
+/* clang-format off */
 static const char* const kDeclarations[15] = {
     "SetObject( obj As Object )",
     "ListAllInstalledProfiles()",
     "ListDisplayProfiles(displayID As UInt32)",
     "GetName(displayID As UInt32, byref name As String)",
-    /* clang-format off */
     "GetRect(displayID As UInt32, byref left As Integer, byref top As Integer, byref right As Integer, byref bottom As Integer)",
-    /* clang-format on */
-    "GetCGRect(displayID As UInt32, byref x As Double, byref y As Double, byref width As Double, byref height As "
-    "Double)",
+    "GetCGRect(displayID As UInt32, byref x As Double, byref y As Double, byref width As Double, byref height As Double)",
     "GetProfilePath(displayID As UInt32, byref path As String)",
     "GetIndex(displayID As UInt32) As UInt32",
     "GetScale(displayID As UInt32) As Double",
@@ -25,6 +23,7 @@ static const char* const kDeclarations[15] = {
     "ICCTagExists(path As String, tag As String) As Boolean",
     "QV02Read(path As String, byref xmlString As String) As Integer",
 };
+/* clang-format on */
 
 static int wrong = 0;
 static char asked[256];

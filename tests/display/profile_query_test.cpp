@@ -174,4 +174,33 @@ TEST_F(ProfileQuery, DoesNotReleaseTheUuid) {
   EXPECT_EQ(CFGetRetainCount(uuid.get()), before + 1);
 }
 
+/// A list of devices, which the plugin itself never makes: with one, the look-ups and appends that find none would do
+/// this.
+class ListOfDevices : public DisplayTest {
+ protected:
+  ListOfDevices() { device_iterator::devices_info = &records_; }
+  ~ListOfDevices() override { device_iterator::devices_info = nullptr; }
+
+  /// What the first query has left in the list is answered without a walk.
+  void expectNoFurtherWalk(const std::function<void()>& query) {
+    waitForWalks(1);
+    ASSERT_THAT(records_, testing::SizeIs(1));
+    EXPECT_EQ(CFDictionaryGetCount(records_[0].get()), 3);
+    const auto walks = count(Call::dispatch_async);
+    query();
+    EXPECT_EQ(count(Call::dispatch_async), walks);
+  }
+
+ private:
+  std::vector<device_iterator::DeviceRecord> records_;
+};
+
+TEST_F(ListOfDevices, WouldAnswerProfileAndNameQueries) {
+  EXPECT_EQ(queriedPath(1), "/profiles/1.icc");
+  expectNoFurtherWalk([] {
+    EXPECT_EQ(queriedPath(1), "/profiles/1.icc");
+    EXPECT_EQ(text(DisplayServices::displayNameUsingColorSync(makeUuid(1).get())), "ColorSync 1");
+  });
+}
+
 }  // namespace

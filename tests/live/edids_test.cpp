@@ -2,11 +2,11 @@
 
 #include <optional>
 #include <random>
-#include <regex>
 
 #include "desktop/desktop.h"
 #include "desktop/display_layout.h"
 #include "live/agreement.h"
+#include "support/edid_decode.h"
 #include "support/edid_maker.h"
 #include "support/xorg_server.h"
 
@@ -14,6 +14,7 @@ namespace {
 
 using live_tests::liveDesktopOf;
 using platform::desktop::Arrangement;
+using test_support::decodedName;
 using test_support::EdidBytes;
 using test_support::makeEdid;
 using test_support::XorgServer;
@@ -36,13 +37,6 @@ class LiveEdids : public testing::Test {
   XorgServer server;
   std::shared_ptr<platform::desktop::Desktop> desktop = liveDesktopOf(server);
 };
-
-/// What edid-decode calls a monitor; an empty text when it finds no name.
-std::string decodedName(const EdidBytes& edid) {
-  const auto result = test_support::run({"edid-decode", "--skip-hex-dump"}, {}, std::string(edid.begin(), edid.end()));
-  std::smatch match;
-  return std::regex_search(result.output, match, std::regex("Display Product Name: '(.*)'")) ? match[1].str() : "";
-}
 
 TEST_F(LiveEdids, GiveNumbersAndNames) {
   placeTwo();

@@ -130,10 +130,11 @@ TEST(BlockVariable, OutlivesItsScopeWhileABlockHoldsIt) {
   {
     __block Counted counted(alive);
     __block int uses = 0;
-    use = Block_copy(^{
+    const Question count = ^{
       (void)counted;
       return ++uses;
-    });
+    };
+    use = Block_copy(count);
   }
   EXPECT_EQ(alive, 1);
   EXPECT_EQ(overwriteStack(), -1);
@@ -185,6 +186,7 @@ TEST(BlockReferences, AreCountedByManyThreadsAtOnce) {
     });
   }
   std::vector<std::thread> threads;
+  threads.reserve(4);
   for (int i = 0; i < 4; ++i) {
     threads.emplace_back([question] {
       for (int round = 0; round < 10000; ++round) {

@@ -19,10 +19,8 @@ namespace {
 
 using platform::calls::Answer;
 using platform::calls::Call;
-using std::chrono_literals::operator""s;
-using std::chrono_literals::operator""ms;
 
-constexpr auto kDeadline = 20s;
+constexpr std::chrono::seconds kDeadline(20);
 
 /// Waits until everything that was put into the queue before has run.
 testing::AssertionResult drained(dispatch_queue_t queue) {
@@ -36,7 +34,7 @@ testing::AssertionResult drained(dispatch_queue_t queue) {
 }
 
 TEST(Queue, RunsBlocksInOrder) {
-  const dispatch_queue_t queue = dispatch_queue_create("ORDER", nullptr);
+  auto* const queue = dispatch_queue_create("ORDER", nullptr);
   constexpr int kBlocks = 1000;
   std::vector<int> order;
   std::vector<int>* const ran = &order;
@@ -51,7 +49,7 @@ TEST(Queue, RunsBlocksInOrder) {
 }
 
 TEST(Queue, RunsOneBlockAtATimeAlsoWithManyCallers) {
-  const dispatch_queue_t queue = dispatch_queue_create("ONE", nullptr);
+  auto* const queue = dispatch_queue_create("ONE", nullptr);
   constexpr int kCallers = 4;
   constexpr int kBlocks = 500;
   std::atomic<int> running = 0;
@@ -82,7 +80,7 @@ TEST(Queue, RunsOneBlockAtATimeAlsoWithManyCallers) {
 }
 
 TEST(Queue, RunsOnAThreadOfItsOwn) {
-  const dispatch_queue_t queue = dispatch_queue_create("THREAD", nullptr);
+  auto* const queue = dispatch_queue_create("THREAD", nullptr);
   __block std::thread::id worker;
   dispatch_async(queue, ^{
     worker = std::this_thread::get_id();
@@ -93,14 +91,14 @@ TEST(Queue, RunsOnAThreadOfItsOwn) {
 }
 
 TEST(Queue, StartsAgainAfterItWasIdle) {
-  const dispatch_queue_t queue = dispatch_queue_create("AGAIN", nullptr);
+  auto* const queue = dispatch_queue_create("AGAIN", nullptr);
   for (int round = 0; round < 200; ++round) {
     ASSERT_TRUE(drained(queue)) << round;
   }
 }
 
 TEST(Queue, DoesNotWaitForAnotherQueue) {
-  const dispatch_queue_t stuck = dispatch_queue_create("STUCK", nullptr);
+  auto* const stuck = dispatch_queue_create("STUCK", nullptr);
   const auto release = std::make_shared<std::promise<void>>();
   const auto released = std::make_shared<std::shared_future<void>>(release->get_future());
   dispatch_async(stuck, ^{
@@ -112,7 +110,7 @@ TEST(Queue, DoesNotWaitForAnotherQueue) {
 }
 
 TEST(Queue, DrainsAPoolAfterEachBlock) {
-  const dispatch_queue_t queue = dispatch_queue_create("POOL", nullptr);
+  auto* const queue = dispatch_queue_create("POOL", nullptr);
   int deaths = 0;
   int deaths_before_second = -1;
   int* const died = &deaths;
@@ -128,7 +126,7 @@ TEST(Queue, DrainsAPoolAfterEachBlock) {
 }
 
 TEST(Async, LetsGoOfTheBlockWhenItHasRun) {
-  const dispatch_queue_t queue = dispatch_queue_create("LET GO", nullptr);
+  auto* const queue = dispatch_queue_create("LET GO", nullptr);
   auto held = std::make_shared<int>(1);
   const std::weak_ptr<int> seen = held;
   {
@@ -142,7 +140,7 @@ TEST(Async, LetsGoOfTheBlockWhenItHasRun) {
 }
 
 TEST(Async, ReturnsBeforeTheBlockHasRun) {
-  const dispatch_queue_t queue = dispatch_queue_create("AT ONCE", nullptr);
+  auto* const queue = dispatch_queue_create("AT ONCE", nullptr);
   const auto release = std::make_shared<std::promise<void>>();
   const auto released = std::make_shared<std::shared_future<void>>(release->get_future());
   const auto done = std::make_shared<std::promise<void>>();
@@ -151,7 +149,7 @@ TEST(Async, ReturnsBeforeTheBlockHasRun) {
     done->set_value();
   });
   std::future<void> finished = done->get_future();
-  EXPECT_EQ(finished.wait_for(0ms), std::future_status::timeout);
+  EXPECT_EQ(finished.wait_for(std::chrono::seconds(0)), std::future_status::timeout);
   release->set_value();
   EXPECT_EQ(finished.wait_for(kDeadline), std::future_status::ready);
 }
@@ -166,7 +164,7 @@ TEST(QueueCreate, CanBeMadeToFail) {
 }
 
 TEST(Async, ThatIsMadeToFailNeverRunsTheBlock) {
-  const dispatch_queue_t queue = dispatch_queue_create("DROPPED", nullptr);
+  auto* const queue = dispatch_queue_create("DROPPED", nullptr);
   __block bool ran = false;
   platform::calls::setHook(Call::dispatch_async, [](std::uint64_t) { return Answer{.fail = true}; });
   dispatch_async(queue, ^{
@@ -199,7 +197,7 @@ TEST(AsyncDeath, OnNullStopsTheProcess) {
       ++started;
       forever.wait();
     });
-    const dispatch_queue_t busy = dispatch_queue_create("BUSY", nullptr);
+    auto* const busy = dispatch_queue_create("BUSY", nullptr);
     dispatch_async(busy, ^{
       ++started;
       for (;;) {

@@ -135,7 +135,7 @@ TEST(Encoding, OfASurrogateThatStandsAloneGivesNothing) {
 
 /// The character that iconv finds for each byte of Mac Roman.
 std::u16string macRomanCharacter(unsigned char byte) {
-  const iconv_t converter = iconv_open("UTF-16LE", "MACINTOSH");
+  auto* const converter = iconv_open("UTF-16LE", "MACINTOSH");
   char* in = reinterpret_cast<char*>(&byte);
   std::size_t in_left = 1;
   std::u16string units(2, u'\0');

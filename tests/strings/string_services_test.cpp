@@ -215,7 +215,8 @@ TEST_F(Paths, OfNoUrlAreNull) {
 }
 
 TEST_F(Paths, MayBeLongerThanAStackIsDeep) {
-  const std::string path = "/" + std::string(9000000, 'a');
+  std::string path = "/";
+  path.resize(9000000, 'a');
   EXPECT_TRUE(pathOf(StringServices::POSIXPathToCFURLRef(path.c_str())) == path);
 }
 
