@@ -11,6 +11,7 @@
 #include "frameworks/autorelease_pool.h"
 #include "frameworks/calls.h"
 #include "frameworks/color_profile.h"
+#include "frameworks/file_url.h"
 #include "frameworks/profile_entry.h"
 
 using platform::ScopedPool;
