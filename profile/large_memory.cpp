@@ -13,10 +13,11 @@ void aboutToFill([[maybe_unused]] void* memory, [[maybe_unused]] std::size_t siz
   if (size < kWorthAsking) {
     return;
   }
-  const auto page = static_cast<std::uintptr_t>(sysconf(_SC_PAGESIZE));
-  const std::uintptr_t begin = (reinterpret_cast<std::uintptr_t>(memory) + page - 1) / page * page;
-  const std::uintptr_t end = (reinterpret_cast<std::uintptr_t>(memory) + size) / page * page;
-  madvise(reinterpret_cast<void*>(begin), end - begin, MADV_HUGEPAGE);  // whether it is heeded does not matter
+  const auto page = static_cast<std::size_t>(sysconf(_SC_PAGESIZE));
+  const std::size_t before_first_page = (page - reinterpret_cast<std::uintptr_t>(memory) % page) % page;
+  const std::size_t whole_pages = (size - before_first_page) / page * page;
+  // Whether the advice is heeded does not matter.
+  madvise(static_cast<char*>(memory) + before_first_page, whole_pages, MADV_HUGEPAGE);
 #endif
 }
 

@@ -3,7 +3,6 @@
 
 #include <sys/stat.h>
 
-#include <compare>
 #include <cstdint>
 
 namespace platform::desktop {
@@ -12,7 +11,11 @@ namespace platform::desktop {
 struct FileTime {
   std::int64_t seconds = 0;
   std::int64_t nanoseconds = 0;
-  friend auto operator<=>(const FileTime&, const FileTime&) = default;
+  friend bool operator==(const FileTime&, const FileTime&) = default;
+  friend bool operator<(const FileTime& first, const FileTime& second) {
+    return first.seconds < second.seconds ||
+           (first.seconds == second.seconds && first.nanoseconds < second.nanoseconds);
+  }
 };
 
 /// Tells one state of one file from another.

@@ -1,11 +1,11 @@
 // The header and the tag table of an ICC profile, read from its file with every bound checked. Any thread may call.
 //
 // This reader stands beside lcms2 because lcms2 refuses profiles with more than 100 tags and costs more than a listing
-// may spend on each file. Otherwise it judges a file as lcms2 2.14 does. A file is no profile without the "acsp" mark,
-// with a version above 5.0, with a class that ICC.1 does not name, or with a tag table that the file does not hold. A
-// tag that reaches out of the file, or beyond the size that the header states, is not there. Of several tags with one
-// signature the first counts. An element may be empty, here and not in lcms2, which passes over those. Layout:
-// ICC.1:2022, 7.2 and 7.3.
+// may spend on each file. It judges a file as lcms2 2.14 does: a file is no profile without the "acsp" mark, with a
+// version above 5.0, with a class that ICC.1 does not name, or with a tag table that the file does not hold; a tag that
+// reaches out of the file, or beyond the size that the header states, is not there. In two things it is more patient:
+// an element may be empty, and of several tags with one signature the first counts, where lcms2 passes over the tag and
+// refuses the file. Layout: ICC.1:2022, 7.2 and 7.3.
 #pragma once
 
 #include <array>

@@ -56,12 +56,13 @@ void IccWalk::walkFolder(const std::string& path, std::vector<std::string>& wait
   const bool is_unchanged = known && known->is_kept && known->identity == folder.identity();
   FolderInUse in_use = is_unchanged ? FolderInUse(known) : FolderInUse(folder.read(known.get()));
   const KnownFolder& contents = *in_use.get();
+  const std::string prefix = path + '/';
   for (const std::string& name : contents.links) {
-    links_.push_back(path + '/' + name);
+    links_.push_back(prefix + name);
   }
   std::for_each(contents.folders.rbegin(), contents.folders.rend(),
-                [&](const std::string& name) { waiting.push_back(path + '/' + name); });
-  visitFiles(std::move(in_use), folder.descriptor(), path, path + '/');
+                [&](const std::string& name) { waiting.push_back(prefix + name); });
+  visitFiles(std::move(in_use), folder.descriptor(), path, prefix);
 }
 
 void IccWalk::followLink(const std::string& path) {

@@ -30,18 +30,20 @@ class Converter {
     for (const Script& known : kScripts) {
       if (known.code == script) {
         handle_ = iconv_open("UTF-8", known.encoding);
+        usable_ =
+            handle_ != reinterpret_cast<iconv_t>(-1);  // NOLINT(performance-no-int-to-ptr): iconv's own failure value
       }
     }
   }
   Converter(const Converter&) = delete;
   Converter& operator=(const Converter&) = delete;
   ~Converter() {
-    if (usable()) {
+    if (usable_) {
       iconv_close(handle_);
     }
   }
 
-  bool usable() const { return handle_ != kNone; }
+  bool usable() const { return usable_; }
 
   /// Converts the well-formed beginning of `bytes` to the end of `text` and answers how many bytes that was.
   std::size_t convert(std::string_view bytes, std::string& text) {
@@ -60,8 +62,8 @@ class Converter {
   }
 
  private:
-  inline static const iconv_t kNone = reinterpret_cast<iconv_t>(-1);
-  iconv_t handle_ = kNone;
+  iconv_t handle_ = nullptr;
+  bool usable_ = false;
 };
 
 }  // namespace

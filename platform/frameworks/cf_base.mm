@@ -71,6 +71,10 @@ CFTypeRef CFRetain(CFTypeRef reference) {
 
 void CFRelease(CFTypeRef reference) {
   requireObject(reference, "CFRelease");
+  if ([object(reference) retainCount] > 1) {
+    [object(reference) release];
+    return;
+  }
   const ScopedPool pool;  // a dealloc may autorelease
   [object(reference) release];
 }

@@ -5,6 +5,7 @@
 
 #include "frameworks/autorelease_pool.h"
 #include "frameworks/calls.h"
+#include "frameworks/file_url.h"
 #include "frameworks/require.h"
 
 using platform::requireObject;
@@ -36,8 +37,7 @@ CFStringRef CFURLCopyFileSystemPath(CFURLRef url, CFURLPathStyle pathStyle) {
   if (pathStyle != kCFURLPOSIXPathStyle) {
     return nullptr;
   }
-  const ScopedPool pool;
-  return reinterpret_cast<CFStringRef>([[(NSURL*)url path] copy]);
+  return reinterpret_cast<CFStringRef>([(NSURL*)url platformCopyPath]);
 }
 
 CFStringRef CFURLGetString(CFURLRef url) {

@@ -40,7 +40,7 @@ CGColorSpaceRef CGColorSpaceCreateWithPlatformColorSpace(const void* ref) {
   if (calls::enter(Call::CGColorSpaceCreateWithPlatformColorSpace) || ref == nullptr) {
     return nullptr;
   }
-  PlatformColorProfile* const profile = (PlatformColorProfile*)ref;
+  auto* const profile = (PlatformColorProfile*)ref;
   if (![profile isKindOfClass:[PlatformColorProfile class]]) {
     return nullptr;
   }
@@ -52,7 +52,7 @@ bool CGColorSpaceIsWideGamutRGB(CGColorSpaceRef space) {
   if (calls::enter(Call::CGColorSpaceIsWideGamutRGB) || space == nullptr) {
     return false;
   }
-  PlatformColorSpace* const made = (PlatformColorSpace*)space;
+  auto* const made = (PlatformColorSpace*)space;
   return [made isKindOfClass:[PlatformColorSpace class]] && [made isWideGamutRGB];
 }
 

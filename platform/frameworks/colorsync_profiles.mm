@@ -11,6 +11,7 @@
 #include "frameworks/autorelease_pool.h"
 #include "frameworks/calls.h"
 #include "frameworks/color_profile.h"
+#include "frameworks/file_url.h"
 #include "frameworks/profile_entry.h"
 
 using platform::ScopedPool;
@@ -35,9 +36,10 @@ NSURL* newUrl(const std::optional<std::string>& path) { return path ? platform::
 /// One entry's keys and values; what is absent, or cannot be made, is left out. The caller releases.
 NSDictionary* newEntry(const InstalledProfile& profile) {
   const ScopedPool pool;
-  return [[PlatformProfileEntry alloc] initWithClass:newClass(profile.profile_class)
-                                         description:newString(profile.description)
-                                                 url:newUrl(profile.path)];
+  NSString* const profile_class = [newClass(profile.profile_class) autorelease];
+  NSString* const description = [newString(profile.description) autorelease];
+  NSURL* const url = [newUrl(profile.path) autorelease];
+  return [[PlatformProfileEntry alloc] initWithClass:profile_class description:description url:url];
 }
 
 void releaseEntry(const void* entry) { [static_cast<id>(const_cast<void*>(entry)) release]; }
@@ -59,7 +61,7 @@ bool showEntry(const InstalledProfile& profile, ColorSyncProfileIterateCallback 
 
 /// Empty for what is no file URL.
 std::string pathOf(CFURLRef reference) {
-  NSURL* const url = (NSURL*)reference;
+  auto* const url = (NSURL*)reference;
   if (![url isKindOfClass:[NSURL class]] || ![url isFileURL]) {
     return {};
   }
@@ -71,7 +73,7 @@ std::string pathOf(CFURLRef reference) {
 /// Nothing unless the signature is four ASCII characters.
 std::optional<std::uint32_t> signatureOf(CFStringRef reference) {
   constexpr NSUInteger kLength = 4;
-  NSString* const text = (NSString*)reference;
+  auto* const text = (NSString*)reference;
   if (![text isKindOfClass:[NSString class]] || [text length] != kLength) {
     return std::nullopt;
   }
@@ -90,6 +92,7 @@ std::optional<std::uint32_t> signatureOf(CFStringRef reference) {
 
 extern "C" {
 
+// NOLINTNEXTLINE(clang-analyzer-osx.coreFoundation.CFError): the result is Apple's
 void ColorSyncIterateInstalledProfiles(ColorSyncProfileIterateCallback callBack, uint32_t*, void* userInfo,
                                        CFErrorRef*) {
   if (calls::enter(Call::ColorSyncIterateInstalledProfiles) || callBack == nullptr) {
@@ -114,7 +117,7 @@ CFDataRef ColorSyncProfileCopyTag(ColorSyncProfileRef profile, CFStringRef signa
   if (calls::enter(Call::ColorSyncProfileCopyTag) || profile == nullptr || signature == nullptr) {
     return nullptr;
   }
-  PlatformColorProfile* const opened = (PlatformColorProfile*)profile;
+  auto* const opened = (PlatformColorProfile*)profile;
   const std::optional<std::uint32_t> wanted = signatureOf(signature);
   if (!wanted || ![opened isKindOfClass:[PlatformColorProfile class]]) {
     return nullptr;
