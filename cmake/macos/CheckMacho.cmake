@@ -146,7 +146,17 @@ function(check_no_arc slice)
   endif()
 endfunction()
 
+# What later systems than the oldest one added must be there only to be looked for, or the file would not load there. Of all
+# that, this one call is what a compiler's run-time library may bring in unasked.
+function(check_old_systems file)
+  run(output ${NM} -u -m --arch=x86_64 ${file})
+  if(output MATCHES "\n *\\(undefined\\) external __availability_version_check")
+    problem("${file} (x86_64): needs __availability_version_check, which is not there before macOS 10.15")
+  endif()
+endfunction()
+
 foreach(file IN ITEMS ${LIBRARY} ${PROGRAM})
+  check_old_systems(${file})
   check_architectures(${file})
   foreach(slice IN LISTS slices)
     check_minimum_version(${file} ${slice})

@@ -67,7 +67,7 @@ set(OSTREVIN_x86_64_CLANG_TARGET x86_64-apple-macos10.13)
 # keeps them in its cache; what it hands to its linker, which -v prints, says where.
 function(ostrevin_zig_runtime slice folder)
   set(libraries libc++.a libc++abi.a libcompiler_rt.a)
-  if(EXISTS ${folder}/availability.o)
+  if(EXISTS ${folder}/libcompiler_rt.a)
     return()
   endif()
   message(STATUS "Building Zig's C++ library for ${slice}")
@@ -82,12 +82,17 @@ function(ostrevin_zig_runtime slice folder)
     ostrevin_macos_needs("Zig's ${library} for ${slice}." path)
     file(COPY ${path} DESTINATION ${folder})
   endforeach()
+endfunction()
+
+# ostrevin_availability(SLICE FOLDER): compiles what answers __builtin_available.
+function(ostrevin_availability slice folder)
   execute_process(
     COMMAND ${OSTREVIN_ZIG} cc -target ${OSTREVIN_${slice}_ZIG_TARGET} -O2 -Wall -Wextra -Werror
       -c ${CMAKE_SOURCE_DIR}/cmake/macos/availability.c -o ${folder}/availability.o
     RESULT_VARIABLE result)
   ostrevin_macos_needs("cmake/macos/availability.c compiled for ${slice}." result EQUAL 0)
 endfunction()
+set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/cmake/macos/availability.c)
 
 execute_process(COMMAND ${OSTREVIN_ZIG} env WORKING_DIRECTORY / OUTPUT_VARIABLE zig_environment RESULT_VARIABLE result)
 ostrevin_macos_needs("Zig, and ${OSTREVIN_ZIG} does not run." result EQUAL 0)
@@ -103,6 +108,7 @@ include(${CMAKE_CURRENT_LIST_DIR}/HostLibraries.cmake)
 foreach(slice IN LISTS OSTREVIN_SLICES)
   set(folder ${CMAKE_BINARY_DIR}/${slice})
   ostrevin_zig_runtime(${slice} ${folder}-runtime)
+  ostrevin_availability(${slice} ${folder}-runtime)
   set(OSTREVIN_SLICE ${slice})
   set(OSTREVIN_ZIG_TARGET ${OSTREVIN_${slice}_ZIG_TARGET})
   set(OSTREVIN_CLANG_TARGET ${OSTREVIN_${slice}_CLANG_TARGET})
