@@ -1,4 +1,5 @@
 // A host that closes the library while a walk that the library began still hangs.
+#include <CoreFoundation/CoreFoundation.h>
 #include <dlfcn.h>
 #include <gtest/gtest.h>
 
@@ -27,7 +28,7 @@ TEST(ClosedLibrary, IsStillThereForAWalkThatHasNotEnded) {
 
   void* const library = dlopen(OSTREVIN_LIBRARY, RTLD_NOW | RTLD_LOCAL);
   ASSERT_NE(library, nullptr) << dlerror();
-  using Query = const void* (*)(std::uint32_t);
+  using Query = CFURLRef (*)(std::uint32_t);
   const auto query = reinterpret_cast<Query>(dlsym(library, "_ZN15DisplayServices21ProfilePathForDisplayEj"));
   ASSERT_NE(query, nullptr) << dlerror();
   EXPECT_EQ(query(1), nullptr);

@@ -183,18 +183,19 @@ TEST_F(LiveGeometry, IsThatOfNoDisplaysOnceTheServerIsKilled) {
   }
 }
 
-TEST(LiveGeometryWithoutAServer, IsThatOfNoDisplays) {
-  for (const char* const display : {"", ":59999", "nonsense"}) {
-    SCOPED_TRACE(display);
-    const LiveSession session(display);
-    EXPECT_THAT(activeDisplays(), IsEmpty());
-    EXPECT_EQ(session.plugin.call("GetIndex", {1}).result.unsignedNumber(), kNotFound);
-    EXPECT_EQ(session.plugin.call("GetScale", {1}).result.real(), 0.0);
-    EXPECT_EQ(session.plugin.call("GetRect", {1})["right"].integer(), 0);
-    EXPECT_EQ(session.plugin.call("GetCGRect", {1})["width"].real(), 0.0);
-    EXPECT_EQ(session.plugin.call("DisplayIDForWindow", {0, 0, 10, 10}).result.unsignedNumber(), 0U);
-  }
+class LiveGeometryWithoutAServer : public testing::TestWithParam<const char*> {};
+
+TEST_P(LiveGeometryWithoutAServer, IsThatOfNoDisplays) {
+  const LiveSession session(GetParam());
+  EXPECT_THAT(activeDisplays(), IsEmpty());
+  EXPECT_EQ(session.plugin.call("GetIndex", {1}).result.unsignedNumber(), kNotFound);
+  EXPECT_EQ(session.plugin.call("GetScale", {1}).result.real(), 0.0);
+  EXPECT_EQ(session.plugin.call("GetRect", {1})["right"].integer(), 0);
+  EXPECT_EQ(session.plugin.call("GetCGRect", {1})["width"].real(), 0.0);
+  EXPECT_EQ(session.plugin.call("DisplayIDForWindow", {0, 0, 10, 10}).result.unsignedNumber(), 0U);
 }
+
+INSTANTIATE_TEST_SUITE_P(Named, LiveGeometryWithoutAServer, testing::Values("", ":59999", "nonsense"));
 
 }  // namespace
 }  // namespace live_plugin
