@@ -6,6 +6,8 @@
 
 namespace bench {
 
+/// The text of the display's UUID. The caller releases.
+CFStringRef keyOf(CGDirectDisplayID display);
 /// A dictionary with the display's name under its UUID's text.
 CFDictionaryRef makeNames(CGDirectDisplayID display, CFStringRef name);
 /// The display's UUID, its text, and the look-up. Borrowed from the dictionary.

@@ -5,7 +5,6 @@
 #import <Foundation/Foundation.h>
 
 namespace bench {
-namespace {
 
 CFStringRef keyOf(CGDirectDisplayID display) {
   const CFUUIDRef uuid = CGDisplayCreateUUIDFromDisplayID(display);
@@ -13,8 +12,6 @@ CFStringRef keyOf(CGDirectDisplayID display) {
   CFRelease(uuid);
   return key;
 }
-
-}  // namespace
 
 CFDictionaryRef makeNames(CGDirectDisplayID display, CFStringRef name) {
   const CFMutableDictionaryRef names = CFDictionaryCreateMutable(kCFAllocatorDefault, 0, &kCFTypeDictionaryKeyCallBacks,

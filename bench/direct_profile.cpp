@@ -5,6 +5,8 @@
 #include <map>
 #include <stdexcept>
 
+#include "timing.h"
+
 namespace bench {
 namespace {
 
@@ -52,6 +54,9 @@ struct DirectProfile::Client {
     return device;
   }
 
+  /// The output's device, connected; null without one.
+  Owned<CdDevice> deviceOf(const std::string& output);
+
   Owned<CdClient> client{cd_client_new()};
   bool keeps = false;
   std::map<std::string, Owned<CdDevice>> kept;
@@ -67,20 +72,34 @@ DirectProfile::~DirectProfile() = default;
 
 void DirectProfile::keepConnected() { client_->keeps = true; }
 
-std::string DirectProfile::file(const std::string& output) const {
-  const OwnedArray devices(
-      cd_client_get_devices_by_kind_sync(client_->client.get(), CD_DEVICE_KIND_DISPLAY, nullptr, nullptr));
+Owned<CdDevice> DirectProfile::Client::deviceOf(const std::string& output) {
+  const OwnedArray devices(cd_client_get_devices_by_kind_sync(client.get(), CD_DEVICE_KIND_DISPLAY, nullptr, nullptr));
   for (guint i = 0; devices && i < devices->len; ++i) {
-    CdDevice* const device = client_->connected(static_cast<CdDevice*>(g_ptr_array_index(devices.get(), i)));
-    if (device == nullptr) {
-      continue;
-    }
-    const char* const connector = cd_device_get_metadata_item(device, CD_DEVICE_METADATA_XRANDR_NAME);
+    CdDevice* const device = connected(static_cast<CdDevice*>(g_ptr_array_index(devices.get(), i)));
+    const char* const connector =
+        device == nullptr ? nullptr : cd_device_get_metadata_item(device, CD_DEVICE_METADATA_XRANDR_NAME);
     if (connector != nullptr && connector == output) {
-      return firstProfileFile(device);
+      return Owned<CdDevice>(static_cast<CdDevice*>(g_object_ref(device)));
     }
   }
-  return "";
+  return nullptr;
+}
+
+std::string DirectProfile::file(const std::string& output) const {
+  const Owned<CdDevice> device = client_->deviceOf(output);
+  return device ? firstProfileFile(device.get()) : "";
+}
+
+bool DirectProfile::makeDefault(const std::string& output, const std::string& file) const {
+  const Owned<CdProfile> profile(
+      cd_client_find_profile_by_filename_sync(client_->client.get(), file.c_str(), nullptr, nullptr));
+  const Owned<CdDevice> device = client_->deviceOf(output);
+  if (!profile || !device || !connect(profile.get())) {
+    return false;
+  }
+  // Refused when the device has the profile already.
+  keep(cd_device_add_profile_sync(device.get(), CD_DEVICE_RELATION_HARD, profile.get(), nullptr, nullptr));
+  return cd_device_make_profile_default_sync(device.get(), profile.get(), nullptr, nullptr) != FALSE;
 }
 
 }  // namespace bench

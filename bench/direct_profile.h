@@ -23,6 +23,10 @@ class DirectProfile {
   /// "" when there is none.
   std::string file(const std::string& output) const;
 
+  /// Makes colord's profile of this file the default one of the output's device: the twin of SetProfile. False when
+  /// colord knows one of them not, or refuses.
+  bool makeDefault(const std::string& output, const std::string& file) const;
+
  private:
   struct Client;
   std::unique_ptr<Client> client_;

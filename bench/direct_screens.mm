@@ -42,7 +42,7 @@ CGRect directBounds(CGDirectDisplayID display) {
 uint32_t directIndex(CGDirectDisplayID display) {
   uint32_t count = 0;
   CGGetActiveDisplayList(0, nullptr, &count);
-  std::array<CGDirectDisplayID, 256> displays;
+  static std::array<CGDirectDisplayID, 10001> displays;
   const CGError error = CGGetActiveDisplayList(displays.size(), displays.data(), &count);
   return error == kCGErrorSuccess ? positionOf(display, displays.data(), count) : kNowhere;
 }

@@ -14,8 +14,8 @@
 
 namespace bench {
 
-/// Loads the plugin once per process and keeps it. As a host it offers what the methods of one display need, at as
-/// little cost as there can be: a string is a NUL-terminated copy.
+/// The plugin that the program is linked to, registered once per process. As a host it offers what the methods of one
+/// display need, at as little cost as there can be: a string is a NUL-terminated copy.
 class PluginRows {
  public:
   static const PluginRows& instance() {
@@ -55,7 +55,7 @@ class PluginRows {
   static void releaseString(char* string) { std::free(string); }
 
  private:
-  PluginRows() : library_(dlopen(OSTREVIN_LIBRARY, RTLD_NOW | RTLD_LOCAL)) {
+  PluginRows() : library_(dlopen(OSTREVIN_LIBRARY_NAME, RTLD_NOW | RTLD_NOLOAD)) {
     if (library_ == nullptr) {
       throw std::runtime_error(dlerror());
     }

@@ -37,6 +37,6 @@ target_link_libraries(ostrevin_foundation INTERFACE ${FOUNDATION_LIBRARY} ${OBJC
 
 # Inside every library and program of ours, and before Foundation on the link line, which has functions of the same names.
 add_library(ostrevin_blocks STATIC ${CMAKE_SOURCE_DIR}/platform/blocks/block_runtime.mm)
-target_link_libraries(ostrevin_blocks PRIVATE ostrevin_foundation ostrevin::settings)
+target_link_libraries(ostrevin_blocks PRIVATE ostrevin_foundation ostrevin::hardened)
 
 target_link_libraries(ostrevin_frameworks INTERFACE ostrevin_blocks ostrevin_foundation)

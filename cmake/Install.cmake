@@ -1,5 +1,6 @@
-# What `cmake --install` lays out: the library, the public headers, a CMake package, ostrevin-host and the documents. An
-# installed tree can be moved: programs and libraries find one another relative to themselves.
+# What `cmake --install` lays out: the library, the public headers, a CMake package, ostrevin-host with its man page and
+# completion for shells, and the documents. An installed tree can be moved: programs and libraries find one another
+# relative to themselves.
 #
 # ostrevin_install_common(): what is the same however the binaries were built.
 # ostrevin_install_binaries(): the targets of this build.
@@ -32,7 +33,7 @@ function(ostrevin_install_common library_name)
     install(FILES ${CMAKE_SOURCE_DIR}/${header} DESTINATION ${OSTREVIN_INSTALL_INCLUDEDIR}/${folder})
   endforeach()
   install(FILES ${CMAKE_SOURCE_DIR}/README.md DESTINATION ${OSTREVIN_INSTALL_DOCDIR})
-  install(DIRECTORY ${CMAKE_SOURCE_DIR}/docs DESTINATION ${OSTREVIN_INSTALL_DOCDIR} FILES_MATCHING PATTERN "*.md")
+  install(DIRECTORY ${CMAKE_SOURCE_DIR}/docs DESTINATION ${OSTREVIN_INSTALL_DOCDIR} FILES_MATCHING PATTERN "*.md" PATTERN "*.svg")
 
   set(OSTREVIN_LIBRARY_FILE ${CMAKE_INSTALL_LIBDIR}/${library_name})
   set(OSTREVIN_PLATFORM_FILE ${CMAKE_INSTALL_LIBDIR}/libOstrevinPlatform.so)
@@ -55,13 +56,22 @@ function(ostrevin_install_binaries)
   endif()
   install(TARGETS Ostrevin LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
   install(TARGETS ostrevin-host RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
+  install(FILES ${CMAKE_SOURCE_DIR}/docs/ostrevin-host.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
+  install(FILES ${CMAKE_SOURCE_DIR}/devhost/completion/ostrevin-host.bash
+    DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions RENAME ostrevin-host)
+  install(FILES ${CMAKE_SOURCE_DIR}/devhost/completion/_ostrevin-host DESTINATION ${CMAKE_INSTALL_DATADIR}/zsh/site-functions)
   if(APPLE)
     return()
   endif()
-  install(TARGETS OstrevinPlatform LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
+  install(TARGETS OstrevinPlatform OstrevinColord LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
   install(DIRECTORY ${CMAKE_SOURCE_DIR}/platform/include/ DESTINATION ${OSTREVIN_INSTALL_INCLUDEDIR}/platform)
-  install(FILES ${CMAKE_SOURCE_DIR}/devhost/example-desktop.json DESTINATION ${CMAKE_INSTALL_DATADIR}/ostrevin)
+  install(FILES ${CMAKE_SOURCE_DIR}/devhost/example-desktop.json ${CMAKE_SOURCE_DIR}/devhost/example-profile.icc
+    DESTINATION ${CMAKE_INSTALL_DATADIR}/ostrevin)
+  # The same in the build tree, where libraries are in lib: what is linked there is not touched when it is installed, and
+  # has none of the empty entries, the current directory, by which CMake would keep room for another path.
   file(RELATIVE_PATH from_programs_to_libraries /${CMAKE_INSTALL_BINDIR} /${CMAKE_INSTALL_LIBDIR})
-  set_target_properties(ostrevin-host PROPERTIES INSTALL_RPATH "$ORIGIN/${from_programs_to_libraries}")
-  set_target_properties(Ostrevin OstrevinPlatform PROPERTIES INSTALL_RPATH "$ORIGIN")
+  set(library_folders "$ORIGIN/${from_programs_to_libraries}" "$ORIGIN/../lib")
+  list(REMOVE_DUPLICATES library_folders)
+  set_target_properties(ostrevin-host PROPERTIES INSTALL_RPATH "${library_folders}" BUILD_WITH_INSTALL_RPATH ON)
+  set_target_properties(Ostrevin OstrevinPlatform OstrevinColord PROPERTIES INSTALL_RPATH "$ORIGIN" BUILD_WITH_INSTALL_RPATH ON)
 endfunction()

@@ -16,6 +16,7 @@ set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
 set(CMAKE_RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/bin)
 set(CMAKE_LIBRARY_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/lib)
 
+option(OSTREVIN_COVERAGE "Count which lines and branches of the plugin run" OFF)
 set(OSTREVIN_SANITIZE "" CACHE STRING "Sanitizers for everything, such as address,undefined or thread")
 
 add_library(ostrevin_settings INTERFACE)
@@ -32,6 +33,30 @@ endif()
 if(OSTREVIN_SANITIZE)
   add_compile_options(-fsanitize=${OSTREVIN_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
   add_link_options(-fsanitize=${OSTREVIN_SANITIZE})
+endif()
+
+# What is installed is built so that a mistake stops the process before it can be made use of: link to ostrevin::hardened.
+# Sanitizers bring their own checks, and fortified functions hide calls from them.
+add_library(ostrevin_hardened INTERFACE)
+add_library(ostrevin::hardened ALIAS ostrevin_hardened)
+target_link_libraries(ostrevin_hardened INTERFACE ostrevin::settings)
+target_compile_options(ostrevin_hardened INTERFACE -fstack-protector-strong)
+if(NOT OSTREVIN_SANITIZE)
+  target_compile_options(ostrevin_hardened INTERFACE -U_FORTIFY_SOURCE -D_FORTIFY_SOURCE=2)
+endif()
+if(APPLE)
+  target_compile_definitions(ostrevin_hardened INTERFACE _LIBCPP_HARDENING_MODE=_LIBCPP_HARDENING_MODE_FAST)
+else()
+  target_compile_options(ostrevin_hardened INTERFACE -fstack-clash-protection)
+  target_compile_definitions(ostrevin_hardened INTERFACE _GLIBCXX_ASSERTIONS)
+  target_link_options(ostrevin_hardened INTERFACE -Wl,-z,relro -Wl,-z,now -Wl,-z,noexecstack)
+endif()
+include(CheckPIESupported)
+check_pie_supported(LANGUAGES C CXX OBJCXX)
+if(OSTREVIN_COVERAGE)
+  # Each process adds its counts to these files when it ends; scripts/coverage reads them.
+  add_compile_options(-fprofile-instr-generate=${CMAKE_BINARY_DIR}/coverage/%2m.profraw -fcoverage-mapping)
+  add_link_options(-fprofile-instr-generate)
 endif()
 
 # A library whose symbols must all be found when it is linked. Not with sanitizers: their functions are in programs only.

@@ -7,6 +7,8 @@
 #include <limits>
 #include <optional>
 
+#include "devhost/printable.h"
+
 namespace devhost {
 namespace {
 
@@ -111,8 +113,8 @@ std::string countsText(const Declaration& declaration) {
 
 void checkArgumentCount(const Declaration& declaration, std::size_t count) {
   if (count != declaration.parameters.size() && count != declaration.valueParameterCount()) {
-    throw ValueError(declaration.name + ": expected " + countsText(declaration) + ", got " + std::to_string(count) +
-                     ": " + declaration.text);
+    throw ValueError(printable(declaration.name + ": expected " + countsText(declaration) + ", got " +
+                               std::to_string(count) + ": " + declaration.text));
   }
 }
 
@@ -128,8 +130,8 @@ Values parseArguments(const Declaration& declaration, const std::vector<std::str
     try {
       values.push_back(parseArgument(text, parameter.type));
     } catch (const ValueError& expected) {
-      throw ValueError(declaration.name + ", argument " + parameter.name + ": expected " + expected.what() +
-                       ", got \"" + text + "\": " + declaration.text);
+      throw ValueError(printable(declaration.name + ", argument " + parameter.name + ": expected " + expected.what() +
+                                 ", got \"" + text + "\": " + declaration.text));
     }
   }
   return values;

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cstddef>
 
+#include "devhost/printable.h"
+
 namespace devhost {
 namespace {
 
@@ -137,8 +139,8 @@ class Parser {
 
   [[noreturn]] void fail(const char* expected) const {
     const std::string found = at_ >= text_.size() ? "it ends" : "\"" + std::string(text_.substr(at_, 1)) + "\" stands";
-    throw DeclarationError("declaration \"" + std::string(text_) + "\": expected " + expected + " at column " +
-                           std::to_string(at_ + 1) + ", where " + found);
+    throw DeclarationError(printable("declaration \"" + std::string(text_) + "\": expected " + expected +
+                                     " at column " + std::to_string(at_ + 1) + ", where " + found));
   }
 
   std::string_view text_;

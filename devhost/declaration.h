@@ -45,7 +45,8 @@ struct Declaration {
   std::string signature() const;
 };
 
-/// What() is one line that quotes the declaration and says what was expected at which column (the first is 1).
+/// What() is one line that quotes the declaration, as printable() shows it, and says what was expected at which column:
+/// before which byte of the declaration as it was (the first is 1).
 class DeclarationError : public std::runtime_error {
  public:
   using std::runtime_error::runtime_error;

@@ -114,7 +114,7 @@ const char* cString(void* string) {
 
 const unsigned char* pascalString(void* string) {
   String* const found = find(string, "StringGetPString");
-  return found == nullptr ? nullptr : found->pascal();
+  return found == nullptr ? nullptr : found->pascalBytes();
 }
 
 /// The first four bytes, the first one highest; blanks stand for missing ones.

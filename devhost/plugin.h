@@ -14,6 +14,7 @@ namespace devhost {
 class Host;
 class NativeSignature;
 
+/// Borrows the host that loaded it, and may be copied.
 class Plugin {
  public:
   const std::string& path() const { return path_; }

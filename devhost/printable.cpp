@@ -35,10 +35,10 @@ std::size_t decode(std::string_view bytes, std::uint32_t& code_point) {
   return too_long || surrogate || code_point > 0x10FFFF ? 0 : length;
 }
 
-/// Characters that would move the cursor, end the line or turn the direction of writing.
+/// Characters that would move the cursor, end the line or turn the direction of writing; and what is no character.
 bool isUnsafe(std::uint32_t c) {
   return c < 0x20 || (c >= 0x7F && c <= 0x9F) || c == 0x061C || (c >= 0x200E && c <= 0x200F) ||
-         (c >= 0x2028 && c <= 0x202E) || (c >= 0x2066 && c <= 0x2069) || c == 0xFEFF;
+         (c >= 0x2028 && c <= 0x202E) || (c >= 0x2066 && c <= 0x2069) || c == 0xFEFF || (c & 0xFFFEU) == 0xFFFE;
 }
 
 std::string escaped(std::uint32_t c) {
@@ -76,6 +76,22 @@ bool isIn(const Range (&ranges)[kCount], std::uint32_t c) {
   return std::any_of(std::begin(ranges), std::end(ranges), [c](Range r) { return c >= r.first && c <= r.last; });
 }
 
+struct Character {
+  std::string_view bytes;
+  std::size_t columns;
+};
+
+/// Removes the first character of `text`, which is not empty.
+Character takeCharacter(std::string_view& text) {
+  std::uint32_t code_point = 0;
+  const std::size_t length = std::max<std::size_t>(decode(text, code_point), 1);
+  const Character character{text.substr(0, length), isIn(kCombining, code_point) ? 0U
+                                                    : isIn(kWide, code_point)    ? 2U
+                                                                                 : 1U};
+  text.remove_prefix(length);
+  return character;
+}
+
 std::string made(std::string_view bytes, bool keep_lines) {
   std::string result;
   result.reserve(bytes.size());
@@ -105,12 +121,39 @@ std::string printableLines(std::string_view bytes) { return made(bytes, true); }
 std::size_t columnsOf(std::string_view text) {
   std::size_t columns = 0;
   while (!text.empty()) {
-    std::uint32_t code_point = 0;
-    const std::size_t length = decode(text, code_point);
-    columns += isIn(kCombining, code_point) ? 0 : isIn(kWide, code_point) ? 2 : 1;
-    text.remove_prefix(std::max<std::size_t>(length, 1));
+    columns += takeCharacter(text).columns;
   }
   return columns;
+}
+
+std::string shortened(std::string_view text, std::size_t columns, std::string_view mark) {
+  if (columnsOf(text) <= columns) {
+    return std::string(text);
+  }
+  if (columnsOf(mark) > columns) {
+    return shortened(mark, columns, "");
+  }
+  std::size_t left = columns - columnsOf(mark);
+  std::string result;
+  while (!text.empty()) {
+    const Character character = takeCharacter(text);
+    if (character.columns > left) {
+      break;
+    }
+    left -= character.columns;
+    result += character.bytes;
+  }
+  return result += mark;
+}
+
+std::string asciiOnly(std::string_view text) {
+  std::string result;
+  while (!text.empty()) {
+    const Character character = takeCharacter(text);
+    const bool is_ascii = character.bytes.size() == 1 && static_cast<unsigned char>(character.bytes.front()) < 0x80;
+    result += is_ascii ? std::string(character.bytes) : std::string(character.columns, '?');
+  }
+  return result;
 }
 
 }  // namespace devhost

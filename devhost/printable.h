@@ -18,4 +18,10 @@ std::string printableLines(std::string_view bytes);
 /// characters of East Asia and for pictographs, one for all else.
 std::size_t columnsOf(std::string_view text);
 
+/// The same kind of text, cut to at most `columns` columns: what is too long ends in `mark`, as far as that fits.
+std::string shortened(std::string_view text, std::size_t columns, std::string_view mark);
+
+/// The same kind of text with a question mark for each column of what is not ASCII.
+std::string asciiOnly(std::string_view text);
+
 }  // namespace devhost

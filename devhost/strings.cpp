@@ -15,7 +15,7 @@ constexpr std::size_t kDescribedBytes = 120;
 String::String(std::shared_ptr<Handles> handles, std::string bytes, std::uint32_t encoding)
     : Counted(std::move(handles), kKind), bytes_(std::move(bytes)), encoding_(encoding) {}
 
-const unsigned char* String::pascal() {
+const unsigned char* String::pascalBytes() {
   const std::size_t length = std::min(bytes_.size(), kPascalLimit);
   pascal_ = std::string(1, static_cast<char>(length)) + bytes_.substr(0, length);
   return reinterpret_cast<const unsigned char*>(pascal_.data());

@@ -21,7 +21,7 @@ class String final : public Counted {
   std::uint32_t encoding() const { return encoding_; }
   void setEncoding(std::uint32_t encoding) { encoding_ = encoding; }
   /// A length byte and at most 255 bytes; valid while the string lives.
-  const unsigned char* pascal();
+  const unsigned char* pascalBytes();
   std::string describe() const override;
 
  private:

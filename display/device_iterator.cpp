@@ -9,10 +9,10 @@
 #include <utility>
 
 #include "display/answer_wait.h"
-#include "display/checked_value.h"
 #include "display/display_services.h"
 #include "display/kept.h"
 #include "display/unknown_name.h"
+#include "strings/checked_value.h"
 
 namespace DisplayServices {
 
@@ -27,7 +27,6 @@ internal::AnswerWait internal::answer_wait = [](const std::future<bool>& answer,
 
 namespace {
 
-using internal::checkedValue;
 using internal::kept;
 using internal::unknownName;
 
@@ -86,11 +85,11 @@ void appendRecord(CFStringRef uuid, CFStringRef name, CFURLRef url) {
 
 /// Makes the display with this UUID the one that is sought. False, and nothing changes, when there is no UUID text.
 bool seek(CFUUIDRef uuid) {
-  if (uuid == nullptr) {
+  if (checkedCast<CFUUIDRef>(uuid, CFUUIDGetTypeID()) == nullptr) {
     return false;
   }
   // Kept for the life of the process, like every one before it: a walk that outlived its query compares against it.
-  const CFStringRef text = kept(CFUUIDCreateString(kCFAllocatorDefault, uuid));
+  const auto text = checkedCast<CFStringRef>(kept(CFUUIDCreateString(kCFAllocatorDefault, uuid)), CFStringGetTypeID());
   if (text == nullptr) {
     return false;
   }
@@ -154,7 +153,7 @@ void fulfil(std::promise<bool>* promise) {
 }  // namespace
 
 bool device_iterator::deviceListIterator(CFDictionaryRef entry, void* userInfo) {
-  if (entry == nullptr) {
+  if (checkedCast<CFDictionaryRef>(entry, CFDictionaryGetTypeID()) == nullptr) {
     return true;
   }
   const CFStringRef sought = load(inUUIDstr);

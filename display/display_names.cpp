@@ -5,18 +5,16 @@
 #include <optional>
 #include <vector>
 
-#include "display/checked_value.h"
 #include "display/display_services.h"
 #include "display/io_object.h"
 #include "display/kept.h"
 #include "display/unknown_name.h"
+#include "strings/checked_value.h"
 #include "strings/owned_ref.h"
 
 namespace DisplayServices {
 namespace {
 
-using internal::checkedCast;
-using internal::checkedValue;
 using internal::IoObject;
 using internal::kept;
 using internal::unknownName;
@@ -55,8 +53,12 @@ bool describes(CFDictionaryRef info, CGDirectDisplayID displayID) {
 }
 
 /// The value of the first of the product names, whatever its language: IOKit was asked for the preferred language only.
-/// Null when it is no string.
+/// Null when it is no string, and when there are more names than can be.
 CFStringRef firstName(CFDictionaryRef names, CFIndex count) {
+  constexpr CFIndex kMostNames = 10'000;  // there are fewer languages
+  if (count > kMostNames) {
+    return nullptr;
+  }
   std::vector<const void*> keys(static_cast<std::size_t>(count));
   std::vector<const void*> values(keys.size());
   CFDictionaryGetKeysAndValues(names, keys.data(), values.data());
@@ -66,25 +68,33 @@ CFStringRef firstName(CFDictionaryRef names, CFIndex count) {
 /// What IOKit knows of the display behind a service, or null. Kept for the life of the process: a name that is returned
 /// lives inside it.
 CFDictionaryRef keptInfo(io_service_t service) {
-  return kept(IODisplayCreateInfoDictionary(service, kIODisplayOnlyPreferredName));
+  return checkedCast<CFDictionaryRef>(kept(IODisplayCreateInfoDictionary(service, kIODisplayOnlyPreferredName)),
+                                      CFDictionaryGetTypeID());
 }
+
+/// An iterator that goes on and on is left at last: the host is waiting.
+constexpr int kMostServices = 10'000;
 
 }  // namespace
 
 io_service_t device_iterator::IOServicePortFromCGDisplayID(CGDirectDisplayID displayID) {
-  auto* const matching = IOServiceMatching("IODisplayConnect");
+  auto matching = checkedAdopt<CFMutableDictionaryRef>(IOServiceMatching("IODisplayConnect"), CFDictionaryGetTypeID());
   io_iterator_t existing = 0;
   // The call consumes the matching dictionary.
-  if (matching == nullptr || IOServiceGetMatchingServices(kIOMasterPortDefault, matching, &existing) != KERN_SUCCESS) {
+  if (!matching || IOServiceGetMatchingServices(kIOMasterPortDefault, matching.release(), &existing) != KERN_SUCCESS) {
     return 0;
   }
   const IoObject services = IoObject::adopt(existing);
   if (!services) {
     return 0;
   }
-  while (const io_service_t service = IOIteratorNext(services.get())) {
-    const auto info =
-        OwnedRef<CFDictionaryRef>::adopt(IODisplayCreateInfoDictionary(service, kIODisplayOnlyPreferredName));
+  for (int i = 0; i < kMostServices; ++i) {
+    const io_service_t service = IOIteratorNext(services.get());
+    if (service == 0) {
+      return 0;
+    }
+    const auto info = checkedAdopt<CFDictionaryRef>(IODisplayCreateInfoDictionary(service, kIODisplayOnlyPreferredName),
+                                                    CFDictionaryGetTypeID());
     if (info && describes(info.get(), displayID)) {
       return service;
     }

@@ -3,14 +3,11 @@
 
 #include <IOKit/IOKitLib.h>
 
-#include <utility>
-
 namespace DisplayServices::internal {
 
 /// Owns one handle, or none (0).
 class IoObject {
  public:
-  IoObject(IoObject&& other) noexcept : handle_(std::exchange(other.handle_, 0)) {}
   IoObject(const IoObject&) = delete;
   IoObject& operator=(const IoObject&) = delete;
   ~IoObject() {

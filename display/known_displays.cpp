@@ -2,13 +2,17 @@
 #include "display/display_services.h"
 #include "display/kept.h"
 #include "display/unknown_name.h"
+#include "strings/checked_value.h"
 
 namespace DisplayServices {
 namespace {
 
 /// What a name is kept under: the UUID's text, or null. The text is deliberately not released.
 CFStringRef keptKey(CFUUIDRef uuid) {
-  return uuid != nullptr ? internal::kept(CFUUIDCreateString(kCFAllocatorDefault, uuid)) : nullptr;
+  if (checkedCast<CFUUIDRef>(uuid, CFUUIDGetTypeID()) == nullptr) {
+    return nullptr;
+  }
+  return checkedCast<CFStringRef>(internal::kept(CFUUIDCreateString(kCFAllocatorDefault, uuid)), CFStringGetTypeID());
 }
 
 }  // namespace
@@ -22,16 +26,20 @@ CFStringRef __knownDisplayForUUID(CFUUIDRef uuid) {  // NOLINT(bugprone-reserved
   // Kept for the life of the process, and with it every name: from UUID text to name.
   static CFMutableDictionaryRef displayDict = nullptr;
   if (displayDict == nullptr) {
-    displayDict = CFDictionaryCreateMutable(kCFAllocatorDefault, 0, &kCFTypeDictionaryKeyCallBacks,
-                                            &kCFTypeDictionaryValueCallBacks);
+    displayDict = checkedAdopt<CFMutableDictionaryRef>(
+                      CFDictionaryCreateMutable(kCFAllocatorDefault, 0, &kCFTypeDictionaryKeyCallBacks,
+                                                &kCFTypeDictionaryValueCallBacks),
+                      CFDictionaryGetTypeID())
+                      .release();
   }
   const CFStringRef key = keptKey(uuid);
   if (key == nullptr) {
     return internal::unknownName();
   }
-  const void* const known = displayDict != nullptr ? CFDictionaryGetValue(displayDict, key) : nullptr;
+  const auto known =
+      displayDict != nullptr ? checkedValue<CFStringRef>(displayDict, key, CFStringGetTypeID()) : nullptr;
   if (known != nullptr) {
-    return static_cast<CFStringRef>(known);
+    return known;
   }
   const CFStringRef name = DisplayNameForID(CGDisplayGetDisplayIDFromUUID(uuid));
   if (displayDict != nullptr) {

@@ -5,7 +5,7 @@
 
 #include <algorithm>
 #include <cstdint>
-#include <new>
+#include <cstdlib>
 
 #include "display/display_services.h"
 #include "display/kept.h"
@@ -20,8 +20,8 @@ void monitors_set::buildSet(UuidSet* set) {
   if (set == nullptr || count == 0) {
     return;
   }
-  // Deliberately never freed: a buffer per call, 4 bytes a display.
-  auto* const displays = new (std::nothrow) CGDirectDisplayID[count];
+  // Deliberately never freed: a buffer per call, 4 bytes a display. Zeroed, so that what is not written is no display.
+  auto* const displays = static_cast<CGDirectDisplayID*>(std::calloc(count, sizeof(CGDirectDisplayID)));
   if (displays == nullptr) {
     return;
   }
@@ -31,7 +31,7 @@ void monitors_set::buildSet(UuidSet* set) {
   }
   // Displays come and go between the two calls: fewer than before may be listed, and no more than there is room for.
   count = std::min(count, capacity);
-  for (std::uint32_t i = 0; i < count; ++i) {
+  for (std::uint32_t i = 0; i < count && displays[i] != kCGNullDirectDisplay; ++i) {
     // The reference is kept for the life of the process, also that of a UUID that is in the set already.
     set->insert(internal::kept(CGDisplayCreateUUIDFromDisplayID(displays[i])));
   }

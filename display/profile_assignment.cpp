@@ -1,6 +1,6 @@
 // Makes a profile file the custom profile of a display.
 #include "display/display_services.h"
-#include "strings/owned_ref.h"
+#include "strings/checked_value.h"
 
 namespace DisplayServices {
 
@@ -9,14 +9,16 @@ bool SetProfileForDisplay(CFURLRef url, CGDirectDisplayID displayID) {
 }
 
 bool SetProfileForDisplay64(CFURLRef url, CFUUIDRef uuid) {
-  const auto display = OwnedRef<CFUUIDRef>::adopt(uuid);
+  const auto display = checkedAdopt<CFUUIDRef>(uuid, CFUUIDGetTypeID());
   if (url == nullptr || !display) {
     return false;
   }
   const void* key = kColorSyncDeviceDefaultProfileID;
   const void* value = url;
-  const auto profiles = OwnedRef<CFDictionaryRef>::adopt(CFDictionaryCreate(
-      kCFAllocatorDefault, &key, &value, 1, &kCFTypeDictionaryKeyCallBacks, &kCFTypeDictionaryValueCallBacks));
+  const auto profiles = checkedAdopt<CFDictionaryRef>(
+      CFDictionaryCreate(kCFAllocatorDefault, &key, &value, 1, &kCFTypeDictionaryKeyCallBacks,
+                         &kCFTypeDictionaryValueCallBacks),
+      CFDictionaryGetTypeID());
   return profiles && ColorSyncDeviceSetCustomProfiles(kColorSyncDisplayDeviceClass, display.get(), profiles.get());
 }
 

@@ -2,6 +2,8 @@
 
 #import <AppKit/AppKit.h>
 
+#include <objc/runtime.h>
+
 #include <cstdlib>
 
 namespace DisplayServices {
@@ -9,6 +11,15 @@ namespace {
 
 /// The one vertical offset, in points, by which a screen's frame may lie above its display's bounds.
 constexpr CGFloat kVerticalTolerance = 30.0;
+
+/// Nil for what is no list.
+NSArray* listOrNil(id object) { return [object isKindOfClass:[NSArray class]] ? (NSArray*)object : nil; }
+
+/// `screen_class` is NSScreen. The comparison spares most screens, and with them most of a walk over many, the
+/// question.
+bool isScreen(id object, Class screen_class) {
+  return object_getClass(object) == screen_class || [object isKindOfClass:screen_class];
+}
 
 /// An empty element of the screen list counts as the all-zero rectangle.
 CGRect frameOf(NSScreen* screen) { return screen == nil ? CGRectMake(0, 0, 0, 0) : [screen frame]; }
@@ -22,13 +33,15 @@ bool matches(CGRect bounds, CGRect frame) {
 }  // namespace
 
 NSScreen* ScreenWithDisplayID(CGDirectDisplayID displayID) {
+  const Class screen_class = [NSScreen class];
   const CGRect bounds = CGDisplayBounds(displayID);
-  for (NSScreen* screen in [NSScreen screens]) {
-    if (matches(bounds, frameOf(screen))) {
+  for (NSScreen* screen in listOrNil([NSScreen screens])) {
+    if ((screen == nil || isScreen(screen, screen_class)) && matches(bounds, frameOf(screen))) {
       return screen;
     }
   }
-  return [NSScreen mainScreen];
+  NSScreen* const main = [NSScreen mainScreen];
+  return isScreen(main, screen_class) ? main : nil;
 }
 
 double ScaleFactorForDisplay(CGDirectDisplayID displayID) {

@@ -54,8 +54,8 @@ std::uint32_t GetIndex(std::uint32_t displayID) {
   if (capacity == 0) {
     return kNotFound;
   }
-  // Deliberately never released: a small loss per call.
-  auto* const displays = static_cast<CGDirectDisplayID*>(std::malloc(capacity * sizeof(CGDirectDisplayID)));
+  // Deliberately never released: a small loss per call. Zeroed, so that what is not written is no display.
+  auto* const displays = static_cast<CGDirectDisplayID*>(std::calloc(capacity, sizeof(CGDirectDisplayID)));
   if (displays == nullptr) {
     return kNotFound;
   }
@@ -65,7 +65,7 @@ std::uint32_t GetIndex(std::uint32_t displayID) {
   }
   // No more than the buffer holds, whatever number is reported.
   count = std::min(count, capacity);
-  for (std::uint32_t index = 0; index < count; ++index) {
+  for (std::uint32_t index = 0; index < count && displays[index] != kCGNullDirectDisplay; ++index) {
     if (displays[index] == displayID) {
       return index;
     }

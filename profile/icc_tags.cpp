@@ -1,10 +1,13 @@
 #include <ColorSync/ColorSync.h>
 
 #include <algorithm>
+#include <optional>
+#include <string>
+#include <utility>
 #include <vector>
 
-#include "profile/large_memory.h"
 #include "profile/profile_services.h"
+#include "strings/checked_value.h"
 #include "strings/owned_ref.h"
 #include "strings/utils.h"
 
@@ -18,7 +21,10 @@ using OwnedData = OwnedRef<CFDataRef>;
 constexpr std::size_t kDocumentOffset = 8;
 
 OwnedProfile openProfile(CFURLRef url) {
-  return url == nullptr ? OwnedProfile() : OwnedProfile::adopt(ColorSyncProfileCreateWithURL(url, nullptr));
+  if (url == nullptr) {
+    return {};
+  }
+  return checkedAdopt<ColorSyncProfileRef>(ColorSyncProfileCreateWithURL(url, nullptr), ColorSyncProfileGetTypeID());
 }
 
 /// Owns nothing when there is no such tag.
@@ -26,15 +32,31 @@ OwnedData copyTag(const OwnedProfile& profile, CFStringRef signature) {
   if (!profile || signature == nullptr) {
     return {};
   }
-  return OwnedData::adopt(ColorSyncProfileCopyTag(profile.get(), signature));
+  return checkedAdopt<CFDataRef>(ColorSyncProfileCopyTag(profile.get(), signature), CFDataGetTypeID());
 }
 
-std::string textFrom(const std::vector<unsigned char>& bytes, std::size_t begin) {
-  const std::size_t size = bytes.size() - begin;
+/// How much is copied at a time: little enough to stay in the processor's cache on its way, mostly.
+constexpr std::size_t kPiece = 1 << 20;
+
+/// The document in an element: through a byte vector into the text. Memory is only used for the first time, which costs
+/// more than the copy, where the text itself is. Nothing when the data does not say where its bytes are.
+std::optional<std::string> documentIn(CFDataRef element) {
+  const CFIndex length = CFDataGetLength(element);
+  auto* const bytes = const_cast<unsigned char*>(CFDataGetBytePtr(element));
+  if (length < 0 || (bytes == nullptr && length > 0)) {
+    return std::nullopt;
+  }
+  const auto size = static_cast<std::size_t>(length);
   std::string text;
   text.reserve(size);
-  aboutToFill(text.data(), size);
-  text.assign(reinterpret_cast<const char*>(bytes.data()) + begin, size);
+  std::vector<unsigned char> piece;
+  piece.reserve(std::min(size, kPiece));
+  for (std::size_t begin = 0; begin < size; begin += piece.size()) {
+    piece.clear();
+    Utils::appendBytes(piece, bytes + begin, std::min(kPiece, size - begin));
+    const std::size_t skipped = begin == 0 ? std::min(kDocumentOffset, piece.size()) : 0;
+    text.append(reinterpret_cast<const char*>(piece.data()) + skipped, piece.size() - skipped);
+  }
   return text;
 }
 
@@ -53,16 +75,12 @@ std::int32_t QV02Read(CFURLRef profile, std::optional<std::string>& xml) {
   }
   // Deliberate: the tag is asked for again, and this second copy is the one that counts.
   const OwnedData element = copyTag(opened, signature);
-  if (!element) {
+  auto document = element ? documentIn(element.get()) : std::nullopt;
+  if (!document) {
     xml.reset();
     return kQVIFailedToReadTag;
   }
-  const auto size = static_cast<std::size_t>(CFDataGetLength(element.get()));
-  std::vector<unsigned char> bytes;
-  bytes.reserve(size);
-  aboutToFill(bytes.data(), size);
-  Utils::appendBytes(bytes, const_cast<unsigned char*>(CFDataGetBytePtr(element.get())), size);
-  xml = textFrom(bytes, std::min(kDocumentOffset, size));
+  xml = std::move(document);
   return kQVINoError;
 }
 

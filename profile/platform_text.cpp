@@ -1,6 +1,7 @@
 #include "profile/platform_text.h"
 
 #include <array>
+#include <limits>
 #include <memory>
 #include <new>
 
@@ -13,7 +14,11 @@ std::optional<std::string> utf8Text(CFTypeRef string) {
     return std::nullopt;
   }
   const auto text = static_cast<CFStringRef>(string);
-  const CFIndex size = CFStringGetMaximumSizeForEncoding(CFStringGetLength(text), kCFStringEncodingUTF8) + 1;
+  const CFIndex most = CFStringGetMaximumSizeForEncoding(CFStringGetLength(text), kCFStringEncodingUTF8);
+  if (most < 0 || most == std::numeric_limits<CFIndex>::max()) {
+    return std::nullopt;
+  }
+  const CFIndex size = most + 1;
   std::array<char, 1024> small;
   std::unique_ptr<char[]> large;
   char* buffer = small.data();

@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "profile/platform_text.h"
+#include "strings/checked_value.h"
 #include "strings/owned_ref.h"
 
 namespace ProfileServices {
@@ -52,7 +53,8 @@ void profile_iterator::listAllInstalledProfiles() {
 }
 
 bool profile_iterator::profileListIterator(CFDictionaryRef info, void*) {
-  if (info == nullptr || !equal(CFDictionaryGetValue(info, kColorSyncProfileClass), kColorSyncSigDisplayClass)) {
+  if (checkedCast<CFDictionaryRef>(info, CFDictionaryGetTypeID()) == nullptr ||
+      !equal(CFDictionaryGetValue(info, kColorSyncProfileClass), kColorSyncSigDisplayClass)) {
     return true;
   }
   std::optional<std::string> name = utf8Text(CFDictionaryGetValue(info, kColorSyncProfileDescription));
@@ -78,7 +80,7 @@ void profile_iterator::listDeviceProfiles(std::uint32_t displayID) {
 }
 
 bool profile_iterator::deviceListIterator(CFDictionaryRef info, void*) {
-  if (info == nullptr) {
+  if (checkedCast<CFDictionaryRef>(info, CFDictionaryGetTypeID()) == nullptr) {
     return true;
   }
   const CFTypeRef device_class = CFDictionaryGetValue(info, kColorSyncDeviceClass);

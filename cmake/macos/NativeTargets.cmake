@@ -1,5 +1,8 @@
 # On a Mac: each architecture's oldest system, and the targets that check, sign and notarise what was built.
 
+get_directory_property(ostrevin_compile_options COMPILE_OPTIONS)
+get_directory_property(ostrevin_link_options LINK_OPTIONS)
+
 # CMake knows one oldest system for all architectures; the compiler takes one for each.
 if(OSTREVIN_OWN_DEPLOYMENT_TARGETS)
   set(CMAKE_OSX_DEPLOYMENT_TARGET "")
@@ -13,6 +16,14 @@ if(OSTREVIN_OWN_DEPLOYMENT_TARGETS)
     endif()
   endforeach()
 endif()
+
+# ostrevin_build_for_this_mac_only(): what is added from here on is for this computer's processor and system.
+macro(ostrevin_build_for_this_mac_only)
+  set(CMAKE_OSX_ARCHITECTURES ${CMAKE_HOST_SYSTEM_PROCESSOR})
+  set_directory_properties(PROPERTIES
+    COMPILE_OPTIONS "${ostrevin_compile_options}"
+    LINK_OPTIONS "${ostrevin_link_options}")
+endmacro()
 
 # ostrevin_add_macos_targets(): check-macho, sign, notarize. docs/macos.md tells how to use them.
 function(ostrevin_add_macos_targets)

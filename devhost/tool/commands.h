@@ -2,6 +2,8 @@
 // user got wrong is thrown as ValueError.
 #pragma once
 
+#include <cstdint>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -11,6 +13,32 @@ namespace devhost::tool {
 
 /// The displays: number, index, name, bounds, scale, profile.
 int listDisplays(Session& session);
+
+inline constexpr std::size_t kFewestLayoutColumns = 20;
+inline constexpr std::size_t kMostLayoutColumns = 1000;
+
+struct LayoutOptions {
+  std::optional<std::string> file;  ///< for an SVG picture; "-" is the standard output; absent: draw a text
+  bool ascii = false;
+  std::optional<std::size_t> width;  ///< absent: the terminal's
+};
+/// A picture of the arrangement of the displays. Throws OutputError.
+int drawLayout(Session& session, const LayoutOptions& options);
+
+inline constexpr double kShortestInterval = 0.01;
+inline constexpr double kLongestInterval = 1e6;
+
+struct WatchOptions {
+  double interval = 1;  ///< seconds
+  std::optional<std::uint32_t> count;
+  std::optional<double> duration;  ///< seconds
+};
+/// A line whenever displays come or go, until a signal, or nobody reads any more.
+int watchDisplays(Session& session, const WatchOptions& options);
+
+/// What each source answers about the displays, and what is missing.
+int diagnose(Session& session);
+
 /// The modules as registered.
 int listMethods(Session& session);
 /// Any method by name, with arguments as the user wrote them.

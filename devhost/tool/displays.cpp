@@ -2,11 +2,41 @@
 
 #include <CoreGraphics/CoreGraphics.h>
 
+#include "devhost/tool/progress.h"
+
 namespace devhost::tool {
 namespace {
 
 /// GetIndex of a display that is not active.
 constexpr std::uint32_t kDisplayNotFound = 0xF4520FF3;
+
+Display describePlace(const Plugin& plugin, std::uint32_t number) {
+  Display display;
+  display.number = number;
+  const auto index = static_cast<std::uint32_t>(plugin.call("GetIndex", {number}).result.unsignedNumber());
+  if (index != kDisplayNotFound) {
+    display.index = index;
+  }
+  display.name = plugin.call("GetName", {number})["name"].text();
+  const CallResult bounds = plugin.call("GetCGRect", {number});
+  display.x = bounds["x"].real();
+  display.y = bounds["y"].real();
+  display.width = bounds["width"].real();
+  display.height = bounds["height"].real();
+  display.scale = plugin.call("GetScale", {number}).result.real();
+  return display;
+}
+
+template <typename Describe>
+std::vector<Display> describeAll(const Plugin& plugin, Describe describe) {
+  Progress progress("displays");
+  std::vector<Display> displays;
+  for (const std::uint32_t number : activeDisplayNumbers()) {
+    displays.push_back(describe(plugin, number));
+    progress.step();
+  }
+  return displays;
+}
 
 }  // namespace
 
@@ -25,22 +55,24 @@ std::vector<std::uint32_t> activeDisplayNumbers() {
   return numbers;
 }
 
-Display describeDisplay(const Plugin& plugin, std::uint32_t number) {
-  Display display;
-  display.number = number;
-  const auto index = static_cast<std::uint32_t>(plugin.call("GetIndex", {number}).result.unsignedNumber());
-  if (index != kDisplayNotFound) {
-    display.index = index;
-  }
-  display.name = plugin.call("GetName", {number})["name"].text();
-  const CallResult bounds = plugin.call("GetCGRect", {number});
-  display.x = bounds["x"].real();
-  display.y = bounds["y"].real();
-  display.width = bounds["width"].real();
-  display.height = bounds["height"].real();
-  display.scale = plugin.call("GetScale", {number}).result.real();
-  display.profile = plugin.call("GetProfilePath", {number})["path"].text();
-  return display;
+bool isMain(const Display& display) { return display.index == 0U; }
+
+std::vector<Display> describePlaces(const Plugin& plugin) { return describeAll(plugin, describePlace); }
+
+std::vector<Display> describeDisplays(const Plugin& plugin) {
+  return describeAll(plugin, [](const Plugin& asked, std::uint32_t number) {
+    Display display = describePlace(asked, number);
+    display.profile = asked.call("GetProfilePath", {number})["path"].text();
+    return display;
+  });
+}
+
+Json placeToJson(const Display& display) {
+  return {{"number", display.number},
+          {"index", display.index ? Json(*display.index) : Json(nullptr)},
+          {"name", display.name},
+          {"bounds", {{"x", display.x}, {"y", display.y}, {"width", display.width}, {"height", display.height}}},
+          {"scale", display.scale}};
 }
 
 }  // namespace devhost::tool

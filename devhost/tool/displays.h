@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "devhost/plugin.h"
+#include "devhost/tool/json.h"
 
 namespace devhost::tool {
 
@@ -24,7 +25,14 @@ struct Display {
 
 /// Numbers of the active displays, the main one first, as a host's program gets them.
 std::vector<std::uint32_t> activeDisplayNumbers();
-/// One display, asked for at the plugin. Throws ValueError when the plugin lacks a method.
-Display describeDisplay(const Plugin& plugin, std::uint32_t number);
+/// Whether it is the first one.
+bool isMain(const Display& display);
+/// All active displays without their profiles, which cost more than the rest. Throws ValueError when the plugin lacks a
+/// method.
+std::vector<Display> describePlaces(const Plugin& plugin);
+/// The same with the profiles.
+std::vector<Display> describeDisplays(const Plugin& plugin);
+/// All but the profile.
+Json placeToJson(const Display& display);
 
 }  // namespace devhost::tool

@@ -4,29 +4,15 @@
 #include "devhost/tool/displays.h"
 #include "devhost/tool/exit_status.h"
 #include "devhost/tool/json.h"
-#include "devhost/tool/progress.h"
 #include "devhost/tool/table.h"
 
 namespace devhost::tool {
 namespace {
 
-std::vector<Display> describeAll(const Plugin& plugin) {
-  Progress progress("displays");
-  std::vector<Display> displays;
-  for (const std::uint32_t number : activeDisplayNumbers()) {
-    displays.push_back(describeDisplay(plugin, number));
-    progress.step();
-  }
-  return displays;
-}
-
 Json toJson(const Display& display) {
-  return {{"number", display.number},
-          {"index", display.index ? Json(*display.index) : Json(nullptr)},
-          {"name", display.name},
-          {"bounds", {{"x", display.x}, {"y", display.y}, {"width", display.width}, {"height", display.height}}},
-          {"scale", display.scale},
-          {"profile", display.profile}};
+  Json entry = placeToJson(display);
+  entry["profile"] = display.profile;
+  return entry;
 }
 
 std::vector<std::string> toRow(const Display& display) {
@@ -42,7 +28,7 @@ std::vector<std::string> toRow(const Display& display) {
 }  // namespace
 
 int listDisplays(Session& session) {
-  const std::vector<Display> displays = describeAll(session.plugin());
+  const std::vector<Display> displays = describeDisplays(session.plugin());
   if (session.json()) {
     Json document = jsonDocument("list");
     document["displays"] = Json::array();

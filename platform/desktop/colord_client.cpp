@@ -9,6 +9,7 @@ namespace platform::desktop {
 namespace {
 
 constexpr const char* kColordName = "org.freedesktop.ColorManager";
+constexpr const char* kColordPath = "/org/freedesktop/ColorManager";
 /// A reading during which something changed is begun anew this many times; then it is taken as it is.
 constexpr int kMostReadings = 3;
 
@@ -189,9 +190,35 @@ std::shared_ptr<GPtrArray> ColordClient::listDevices(const Operation& operation)
   return devices == nullptr ? nullptr : std::shared_ptr<GPtrArray>(devices, g_ptr_array_unref);
 }
 
+bool ColordClient::answers(const Operation& operation) {
+  const auto asked = operation.start([&](auto... rest) {
+    g_dbus_connection_call(connection_.get(), kColordName, kColordPath, "org.freedesktop.DBus.Properties", "Get",
+                           g_variant_new("(ss)", kColordName, "DaemonVersion"), nullptr, G_DBUS_CALL_FLAGS_NONE,
+                           -1 /* the operation limits it */, rest...);
+  });
+  if (operation.wait(asked) == nullptr) {
+    return false;
+  }
+  ErrorSlot error;
+  GVariant* const version = g_dbus_connection_call_finish(connection_.get(), asked->result.get(), error.place());
+  if (version == nullptr) {
+    return false;
+  }
+  g_variant_unref(version);
+  return true;
+}
+
 ColordClient::Devices ColordClient::readOrKeep(const Operation& operation) {
   if (!connect(operation)) {
     return nullptr;
+  }
+  if (known_ && !changed_ && owner_ == restored_owner_) {
+    if (!answers(operation)) {
+      return nullptr;
+    }
+    if (!changed_) {
+      return known_;
+    }
   }
   std::shared_ptr<GPtrArray> list = listDevices(operation);
   if (list && owner_ != restored_owner_) {

@@ -52,6 +52,8 @@ class ColordClient {
   static void vanished(GDBusConnection*, const gchar* name, gpointer self);
 
   Devices readOrKeep(const Operation& operation);
+  /// Asks colord for its version: the least that it can be asked for, whatever the number of its devices.
+  bool answers(const Operation& operation);
   std::shared_ptr<GPtrArray> listDevices(const Operation& operation);
   ObjectRef<CdDevice> registerDevice(const Operation& operation, const ColordRegistration& registration);
   ObjectRef<CdProfile> findProfile(const Operation& operation, const std::string& file);

@@ -5,6 +5,7 @@
 #include <optional>
 
 #include "desktop/colord_client.h"
+#include "desktop/colord_factory.h"
 #include "desktop/colord_matching.h"
 #include "desktop/display_profile_file.h"
 #include "desktop/glib_thread.h"
@@ -91,8 +92,7 @@ bool visitProfiles(const Display& display, const ColordDevice& device, const Dev
 
 }  // namespace
 
-ColordDevices::ColordDevices(std::function<std::shared_ptr<const Arrangement>()> arrangement)
-    : arrangement_(std::move(arrangement)) {}
+ColordDevices::ColordDevices(ArrangementSource arrangement) : arrangement_(std::move(arrangement)) {}
 
 void ColordDevices::visit(const DeviceProfileVisitor& visit) const {
   const auto arrangement = arrangement_();
@@ -121,3 +121,9 @@ bool ColordDevices::assign(const Uuid& device, const std::string& profile_path) 
 }
 
 }  // namespace platform::desktop
+
+extern "C" PLATFORM_API platform::desktop::MakeColordDevices ostrevinMakeColordDevices;
+
+platform::desktop::DeviceProfiles* ostrevinMakeColordDevices(const platform::desktop::ArrangementSource& arrangement) {
+  return new platform::desktop::ColordDevices(arrangement);
+}

@@ -8,11 +8,9 @@
 #pragma once
 
 #include <chrono>
-#include <functional>
-#include <memory>
 #include <string>
 
-#include "desktop/desktop.h"
+#include "desktop/device_profiles.h"
 #include "desktop/export.h"
 
 namespace platform::desktop {
@@ -23,14 +21,14 @@ inline constexpr std::chrono::milliseconds kDeviceWalkLimit{5000};
 inline constexpr std::chrono::milliseconds kAssignmentLimit{5000};
 
 /// Any thread may call any function, several at once.
-class PLATFORM_API ColordDevices {
+class PLATFORM_API ColordDevices final : public DeviceProfiles {
  public:
   /// `arrangement` says which displays there are; called once in each visit() and assign(), on the caller's thread.
-  explicit ColordDevices(std::function<std::shared_ptr<const Arrangement>()> arrangement);
+  explicit ColordDevices(ArrangementSource arrangement);
 
   /// Visits the entries display by display, in the arrangement's order. An entry's description is the device's model,
   /// else its vendor, else the connector; a profile without a file gives an entry without a path.
-  void visit(const DeviceProfileVisitor& visit) const;
+  void visit(const DeviceProfileVisitor& visit) const override;
 
   /// Makes the file the default profile of the display with this UUID. The file may lie anywhere, but must be a
   /// readable display profile; colord may refuse, too: who may change devices is a matter of its polkit rules, by
@@ -40,10 +38,10 @@ class PLATFORM_API ColordDevices {
   /// kept in colord's database. The assignment lasts: colord remembers it, and a file outside colord's own directories
   /// is made known to a restarted colord again, at once while this process runs and has used colord, else by the next
   /// one that does. True when colord reports the file as the device's default afterwards.
-  bool assign(const Uuid& device, const std::string& profile_path) const;
+  bool assign(const Uuid& device, const std::string& profile_path) const override;
 
  private:
-  std::function<std::shared_ptr<const Arrangement>()> arrangement_;
+  ArrangementSource arrangement_;
 };
 
 }  // namespace platform::desktop

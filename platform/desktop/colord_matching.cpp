@@ -24,7 +24,7 @@ ObjectRef<CdEdid> parseEdid(const std::vector<std::uint8_t>& bytes) {
   return cd_edid_parse(edid.get(), data.get(), error.place()) ? std::move(edid) : nullptr;
 }
 
-std::string md5(const std::vector<std::uint8_t>& bytes) {
+std::string checksumOf(const std::vector<std::uint8_t>& bytes) {
   if (bytes.empty()) {
     return {};
   }
@@ -33,23 +33,32 @@ std::string md5(const std::vector<std::uint8_t>& bytes) {
   return text(digits.get());
 }
 
-bool sameModelAndSerial(const Display& display, const ColordDevice& device) {
-  const ObjectRef<CdEdid> edid = parseEdid(display.edid);
-  return edid && !device.model.empty() && device.model == text(cd_edid_get_monitor_name(edid.get())) &&
-         device.serial == text(cd_edid_get_serial_number(edid.get()));
-}
+/// What tells a display's monitor from others, read from its EDID once.
+struct Monitor {
+  explicit Monitor(const std::vector<std::uint8_t>& bytes) : md5(checksumOf(bytes)) {
+    if (const ObjectRef<CdEdid> edid = parseEdid(bytes)) {
+      model = text(cd_edid_get_monitor_name(edid.get()));
+      serial = text(cd_edid_get_serial_number(edid.get()));
+    }
+  }
+
+  std::string md5;  ///< empty without an EDID
+  std::optional<std::string> model;
+  std::optional<std::string> serial;
+};
 
 /// How well a device fits a display; 0 for not at all.
-int fit(const Display& display, const std::string& display_md5, const ColordDevice& device) {
+int fit(const Display& display, const Monitor& monitor, const ColordDevice& device) {
   const bool same_connector = !display.connector.empty() && display.connector == device.connector;
-  if (!display_md5.empty() && !device.edid_md5.empty()) {
-    const bool same_monitor = display_md5 == device.edid_md5;
+  if (!monitor.md5.empty() && !device.edid_md5.empty()) {
+    const bool same_monitor = monitor.md5 == device.edid_md5;
     return !same_monitor ? 0 : same_connector ? 4 : 2;
   }
   if (same_connector) {
     return 3;
   }
-  return device.edid_md5.empty() && sameModelAndSerial(display, device) ? 1 : 0;
+  const bool same_names = !device.model.empty() && device.model == monitor.model && device.serial == monitor.serial;
+  return device.edid_md5.empty() && same_names ? 1 : 0;
 }
 
 struct Candidate {
@@ -61,9 +70,9 @@ struct Candidate {
 std::vector<Candidate> candidates(const std::vector<Display>& displays, const std::vector<ColordDevice>& devices) {
   std::vector<Candidate> found;
   for (std::size_t display = 0; display < displays.size(); ++display) {
-    const std::string display_md5 = md5(displays[display].edid);
+    const Monitor monitor(displays[display].edid);
     for (std::size_t device = 0; device < devices.size(); ++device) {
-      if (const int value = fit(displays[display], display_md5, devices[device])) {
+      if (const int value = fit(displays[display], monitor, devices[device])) {
         found.push_back({value, display, device});
       }
     }
@@ -159,7 +168,7 @@ ColordRegistration registrationFor(const std::vector<Display>& displays, std::si
     add(CD_DEVICE_PROPERTY_EMBEDDED, "True");
   }
   add(CD_DEVICE_METADATA_XRANDR_NAME, registered.connector);
-  add(CD_DEVICE_METADATA_OUTPUT_EDID_MD5, md5(registered.edid));
+  add(CD_DEVICE_METADATA_OUTPUT_EDID_MD5, checksumOf(registered.edid));
   add(CD_DEVICE_METADATA_OUTPUT_PRIORITY,
       display == 0 ? CD_DEVICE_METADATA_OUTPUT_PRIORITY_PRIMARY : CD_DEVICE_METADATA_OUTPUT_PRIORITY_SECONDARY);
   return registration;

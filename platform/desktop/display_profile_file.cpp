@@ -1,15 +1,13 @@
 #include "desktop/display_profile_file.h"
 
 #include <colord.h>
-#include <fcntl.h>
-#include <sys/stat.h>
-#include <unistd.h>
 
 #include <cstdint>
 #include <optional>
 #include <vector>
 
 #include "desktop/glib_refs.h"
+#include "desktop/regular_file.h"
 
 namespace platform::desktop {
 namespace {
@@ -19,40 +17,14 @@ constexpr off_t kMostBytes = 64 << 20;
 /// An ICC header, and the tag count after it.
 constexpr off_t kFewestBytes = 132;
 
-class Descriptor {
- public:
-  explicit Descriptor(int descriptor) : descriptor_(descriptor) {}
-  ~Descriptor() {
-    if (descriptor_ >= 0) {
-      close(descriptor_);
-    }
-  }
-  Descriptor(const Descriptor&) = delete;
-  Descriptor& operator=(const Descriptor&) = delete;
-  int get() const { return descriptor_; }
-
- private:
-  int descriptor_;
-};
-
 std::optional<std::vector<std::uint8_t>> readProfile(const std::string& path) {
-  // Not blocking: the path may name a pipe that nobody writes to.
-  const Descriptor file(open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
-  struct stat status {};
-  if (file.get() < 0 || fstat(file.get(), &status) != 0 || !S_ISREG(status.st_mode) || status.st_size < kFewestBytes ||
-      status.st_size > kMostBytes) {
+  const RegularFile file(path);
+  if (!file || file.size() < kFewestBytes || file.size() > kMostBytes) {
     return std::nullopt;
   }
-  std::vector<std::uint8_t> bytes(static_cast<std::size_t>(status.st_size));
-  std::size_t have = 0;
-  while (have < bytes.size()) {
-    const ssize_t more = read(file.get(), bytes.data() + have, bytes.size() - have);
-    if (more <= 0) {
-      return std::nullopt;
-    }
-    have += static_cast<std::size_t>(more);
-  }
-  return bytes;
+  std::vector<std::uint8_t> bytes(static_cast<std::size_t>(file.size()));
+  const bool is_whole = file.read(bytes.data(), bytes.size()) == file.size();
+  return is_whole ? std::optional(std::move(bytes)) : std::nullopt;
 }
 
 /// The size that an ICC header states: its first four bytes, the most significant first.

@@ -1,6 +1,6 @@
 #include "desktop/live.h"
 
-#include "desktop/colord_devices.h"
+#include "desktop/colord_library.h"
 #include "desktop/icc_folders.h"
 #include "desktop/x11_displays.h"
 
@@ -19,7 +19,7 @@ class LiveDesktop final : public Desktop {
  private:
   IccFolders profiles_{installedProfileFolders()};
   X11Displays displays_;
-  ColordDevices devices_{[this] { return displays_.arrangement(); }};
+  ColordLibrary devices_{[this] { return displays_.arrangement(); }};
 };
 
 }  // namespace

@@ -6,6 +6,7 @@
 #include <memory>
 #include <mutex>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "desktop/desktop.h"
@@ -57,5 +58,7 @@ class PLATFORM_API ScriptedDesktop final : public Desktop {
 /// Reads the description of a desktop from a JSON file (docs/desktop-file.md says its shape). Throws std::runtime_error
 /// with one line, "FILE:LINE: REASON", when the file cannot be read or does not describe a desktop.
 PLATFORM_API Script readScript(const std::string& path);
+/// The same for what the file at `path`, which need not exist, would contain; `path` is absolute.
+PLATFORM_API Script readScriptText(std::string_view content, const std::string& path);
 
 }  // namespace platform::desktop

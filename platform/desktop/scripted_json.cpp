@@ -2,12 +2,12 @@
 #include <cerrno>
 #include <cstring>
 #include <filesystem>
-#include <fstream>
 #include <set>
 #include <stdexcept>
 
 #include "desktop/json_lines.h"
 #include "desktop/json_members.h"
+#include "desktop/regular_file.h"
 #include "desktop/scripted.h"
 
 namespace platform::desktop {
@@ -252,36 +252,52 @@ class Reader {
   std::set<std::uint32_t> numbers_;
 };
 
+[[noreturn]] void failToRead() {
+  // A pipe or a terminal could keep the process waiting for ever.
+  throw Error(1, errno == 0 ? "not a regular file" : std::strerror(errno));
+}
+
 /// At most one byte more than a description may have, so that one that is too long is noticed.
 std::string contentOf(const std::string& path) {
-  std::error_code failure;
-  const auto status = std::filesystem::status(path, failure);
-  if (failure) {
-    throw Error(1, failure.message());
-  }
-  if (!std::filesystem::is_regular_file(status)) {
-    throw Error(1, "not a regular file");  // a pipe or a terminal could keep the process waiting for ever
-  }
-  std::ifstream file(path, std::ios::binary);
+  const RegularFile file(path);
   if (!file) {
-    throw Error(1, std::strerror(errno));
+    failToRead();
   }
   std::string content(kMaxBytes + 1, '\0');
-  file.read(content.data(), static_cast<std::streamsize>(content.size()));
-  content.resize(static_cast<std::size_t>(file.gcount()));
+  const ssize_t size = file.read(content.data(), content.size());
+  if (size < 0) {
+    failToRead();
+  }
+  content.resize(static_cast<std::size_t>(size));
   return content;
+}
+
+/// What `read` gives; an Error becomes one that names the file.
+template <typename Read>
+Script readNaming(const std::string& path, const Read& read) {
+  try {
+    return read();
+  } catch (const Error& error) {
+    throw std::runtime_error(path + ":" + std::to_string(error.line()) + ": " + error.what());
+  }
+}
+
+Script readContent(std::string_view content, const std::filesystem::path& folder) {
+  const Value root = parse(content);
+  return Reader(folder).read(root);
 }
 
 }  // namespace
 
 Script readScript(const std::string& path) {
-  try {
-    const Value root = parse(contentOf(path));
+  return readNaming(path, [&] {
     std::error_code ignored;  // without a working folder, relative paths stay as they are
-    return Reader(std::filesystem::absolute(path, ignored).parent_path()).read(root);
-  } catch (const Error& error) {
-    throw std::runtime_error(path + ":" + std::to_string(error.line()) + ": " + error.what());
-  }
+    return readContent(contentOf(path), std::filesystem::absolute(path, ignored).parent_path());
+  });
+}
+
+Script readScriptText(std::string_view content, const std::string& path) {
+  return readNaming(path, [&] { return readContent(content, std::filesystem::path(path).parent_path()); });
 }
 
 }  // namespace platform::desktop

@@ -1,34 +1,18 @@
 #include "desktop/x11_displays.h"
 
 #include <condition_variable>
-#include <csignal>
 #include <cstdlib>
 #include <exception>
 #include <thread>
 #include <utility>
 
+#include "desktop/signals_blocked.h"
 #include "desktop/x11_session.h"
 
 namespace platform::desktop {
 namespace {
 
 using Clock = std::chrono::steady_clock;
-
-/// While this lives, threads that are started take no signals, those for writing to a closed connection included.
-class SignalsBlocked {
- public:
-  SignalsBlocked() {
-    sigset_t all;
-    sigfillset(&all);
-    pthread_sigmask(SIG_SETMASK, &all, &before_);
-  }
-  ~SignalsBlocked() { pthread_sigmask(SIG_SETMASK, &before_, nullptr); }
-  SignalsBlocked(const SignalsBlocked&) = delete;
-  SignalsBlocked& operator=(const SignalsBlocked&) = delete;
-
- private:
-  sigset_t before_;
-};
 
 }  // namespace
 

@@ -24,6 +24,9 @@ class X11Monitors {
   /// when the connection is lost.
   std::optional<std::vector<Monitor>> read();
 
+  /// Which version 1.x of RandR is used; 0 when there is none that serves.
+  std::uint32_t randrMinor() const { return minor_; }
+
   /// Whether the event says that what read() answers may have changed.
   bool isChange(const xcb_generic_event_t& event) const;
 

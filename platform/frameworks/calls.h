@@ -13,6 +13,7 @@
 #include <string_view>
 #include <vector>
 
+#include "desktop/desktop.h"
 #include "desktop/export.h"
 
 namespace platform::calls {
@@ -26,10 +27,20 @@ enum class Call : std::size_t {
 
 inline constexpr std::size_t kCallCount = static_cast<std::size_t>(Call::kCount);
 
-/// What a hook makes of one call.
+/// Makes something else of a dictionary that a call hands out. Gets it borrowed; answers an object of any type with a
+/// reference for the caller, or null.
+using Edit = std::function<const void*(const void* dictionary)>;
+
+/// What a hook makes of one call. Of the members that a call has no use for, nothing comes.
 struct Answer {
   bool fail = false;  ///< the call does nothing and answers its failure value: null, an error code, false
-  std::optional<std::int64_t> number{};  ///< the count that CGGetActiveDisplayList or CGGetDisplaysWithRect reports
+  /// What the call reports in place of the truth: a count, a length, a handle, a display's number, a truth value.
+  std::optional<std::int64_t> number{};
+  std::optional<double> real{};         ///< the same, of a scale factor
+  std::optional<desktop::Rect> rect{};  ///< the same, of a rectangle
+  std::optional<std::int32_t> error{};  ///< the call does nothing and answers this code, which may be that of success
+  const void* object = nullptr;         ///< borrowed; what the call answers, whatever its own type is
+  const Edit* edit = nullptr;  ///< borrowed, for as long as the call may use it; for calls that hand out dictionaries
 };
 
 /// `nth` is 1 for the first call after the hook was set. A hook runs on the calling thread, before the call does its

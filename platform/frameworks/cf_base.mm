@@ -1,10 +1,12 @@
-// CoreFoundation: what every type can do, and the types' numbers.
+// CoreFoundation: what every type can do, and the types' numbers; ColorSync's too.
+#include <ColorSync/ColorSync.h>
 #include <CoreFoundation/CoreFoundation.h>
 
 #import <Foundation/Foundation.h>
 
 #include "frameworks/autorelease_pool.h"
 #include "frameworks/calls.h"
+#include "frameworks/color_profile.h"
 #include "frameworks/require.h"
 #include "frameworks/uuids.h"
 
@@ -25,6 +27,7 @@ enum : CFTypeID {
   kStringType,
   kUrlType,
   kUuidType,
+  kProfileType,
 };
 
 id object(CFTypeRef reference) { return static_cast<id>(const_cast<void*>(reference)); }
@@ -56,6 +59,10 @@ CFTypeID typeOf(id value) {
   }
   if ([value isKindOfClass:data_class]) {
     return kDataType;
+  }
+  static const Class profile_class = [PlatformColorProfile class];
+  if ([value isKindOfClass:profile_class]) {
+    return kProfileType;
   }
   return platform::isUuid(value) ? kUuidType : kTypeOfOtherObjects;
 }
@@ -90,8 +97,9 @@ CFIndex CFGetRetainCount(CFTypeRef reference) {
 }
 
 Boolean CFEqual(CFTypeRef first, CFTypeRef second) {
-  if (calls::enter(Call::CFEqual)) {
-    return false;
+  const calls::Answer answer = calls::answer(Call::CFEqual);
+  if (answer.fail || answer.number) {
+    return answer.number.value_or(0) != 0;
   }
   requireObject(first, "CFEqual");
   requireObject(second, "CFEqual");
@@ -115,5 +123,6 @@ CFTypeID CFNumberGetTypeID(void) { return kNumberType; }
 CFTypeID CFStringGetTypeID(void) { return kStringType; }
 CFTypeID CFURLGetTypeID(void) { return kUrlType; }
 CFTypeID CFUUIDGetTypeID(void) { return kUuidType; }
+CFTypeID ColorSyncProfileGetTypeID(void) { return kProfileType; }
 
 }  // extern "C"

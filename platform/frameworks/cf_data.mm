@@ -3,6 +3,7 @@
 
 #import <Foundation/Foundation.h>
 
+#include "frameworks/answers.h"
 #include "frameworks/autorelease_pool.h"
 #include "frameworks/calls.h"
 #include "frameworks/require.h"
@@ -15,8 +16,8 @@ namespace calls = platform::calls;
 extern "C" {
 
 CFDataRef CFDataCreate(CFAllocatorRef, const UInt8* bytes, CFIndex length) {
-  if (calls::enter(Call::CFDataCreate)) {
-    return nullptr;
+  if (const auto answer = platform::retainedAnswer<CFDataRef>(calls::answer(Call::CFDataCreate))) {
+    return *answer;
   }
   if (length < 0 || (bytes == nullptr && length > 0)) {
     return nullptr;
@@ -27,11 +28,18 @@ CFDataRef CFDataCreate(CFAllocatorRef, const UInt8* bytes, CFIndex length) {
 }
 
 CFIndex CFDataGetLength(CFDataRef data) {
+  const calls::Answer answer = calls::answer(Call::CFDataGetLength);
+  if (answer.fail || answer.number) {
+    return answer.number.value_or(0);
+  }
   requireObject(data, "CFDataGetLength");
   return static_cast<CFIndex>([(NSData*)data length]);
 }
 
 const UInt8* CFDataGetBytePtr(CFDataRef data) {
+  if (calls::enter(Call::CFDataGetBytePtr)) {
+    return nullptr;
+  }
   requireObject(data, "CFDataGetBytePtr");
   return static_cast<const UInt8*>([(NSData*)data bytes]);
 }

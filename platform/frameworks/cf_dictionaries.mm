@@ -3,6 +3,7 @@
 
 #import <Foundation/Foundation.h>
 
+#include "frameworks/answers.h"
 #include "frameworks/autorelease_pool.h"
 #include "frameworks/calls.h"
 #include "frameworks/require.h"
@@ -47,8 +48,8 @@ const CFDictionaryValueCallBacks kCFTypeDictionaryValueCallBacks = {0, retainObj
 CFDictionaryRef CFDictionaryCreate(CFAllocatorRef, const void** keys, const void** values, CFIndex numValues,
                                    const CFDictionaryKeyCallBacks* keyCallBacks,
                                    const CFDictionaryValueCallBacks* valueCallBacks) {
-  if (calls::enter(Call::CFDictionaryCreate)) {
-    return nullptr;
+  if (const auto answer = platform::retainedAnswer<CFDictionaryRef>(calls::answer(Call::CFDictionaryCreate))) {
+    return *answer;
   }
   requireObjectCallBacks(keyCallBacks, valueCallBacks, "CFDictionaryCreate");
   if (numValues < 0) {
@@ -69,8 +70,9 @@ CFDictionaryRef CFDictionaryCreate(CFAllocatorRef, const void** keys, const void
 CFMutableDictionaryRef CFDictionaryCreateMutable(CFAllocatorRef, CFIndex capacity,
                                                  const CFDictionaryKeyCallBacks* keyCallBacks,
                                                  const CFDictionaryValueCallBacks* valueCallBacks) {
-  if (calls::enter(Call::CFDictionaryCreateMutable)) {
-    return nullptr;
+  if (const auto answer =
+          platform::retainedAnswer<CFMutableDictionaryRef>(calls::answer(Call::CFDictionaryCreateMutable))) {
+    return *answer;
   }
   requireObjectCallBacks(keyCallBacks, valueCallBacks, "CFDictionaryCreateMutable");
   if (capacity < 0) {
@@ -81,6 +83,9 @@ CFMutableDictionaryRef CFDictionaryCreateMutable(CFAllocatorRef, CFIndex capacit
 }
 
 void CFDictionarySetValue(CFMutableDictionaryRef dictionary, const void* key, const void* value) {
+  if (calls::enter(Call::CFDictionarySetValue)) {
+    return;
+  }
   requireObject(dictionary, "CFDictionarySetValue");
   requireObject(key, "CFDictionarySetValue");
   requireObject(value, "CFDictionarySetValue");
@@ -89,13 +94,17 @@ void CFDictionarySetValue(CFMutableDictionaryRef dictionary, const void* key, co
 }
 
 CFIndex CFDictionaryGetCount(CFDictionaryRef dictionary) {
+  const calls::Answer answer = calls::answer(Call::CFDictionaryGetCount);
+  if (answer.fail || answer.number) {
+    return answer.number.value_or(0);
+  }
   requireObject(dictionary, "CFDictionaryGetCount");
   return static_cast<CFIndex>([(NSDictionary*)dictionary count]);
 }
 
 const void* CFDictionaryGetValue(CFDictionaryRef dictionary, const void* key) {
-  if (calls::enter(Call::CFDictionaryGetValue)) {
-    return nullptr;
+  if (const auto answer = platform::borrowedAnswer<const void*>(calls::answer(Call::CFDictionaryGetValue))) {
+    return *answer;
   }
   requireObject(dictionary, "CFDictionaryGetValue");
   requireObject(key, "CFDictionaryGetValue");
@@ -103,8 +112,13 @@ const void* CFDictionaryGetValue(CFDictionaryRef dictionary, const void* key) {
 }
 
 Boolean CFDictionaryGetValueIfPresent(CFDictionaryRef dictionary, const void* key, const void** value) {
-  if (calls::enter(Call::CFDictionaryGetValueIfPresent)) {
+  const calls::Answer answer = calls::answer(Call::CFDictionaryGetValueIfPresent);
+  if (answer.fail) {
     return false;
+  }
+  if (answer.number || answer.object != nullptr) {  // with a number, present is what is not there
+    *value = answer.object;
+    return true;
   }
   requireObject(dictionary, "CFDictionaryGetValueIfPresent");
   requireObject(key, "CFDictionaryGetValueIfPresent");
@@ -116,6 +130,10 @@ Boolean CFDictionaryGetValueIfPresent(CFDictionaryRef dictionary, const void* ke
 }
 
 void CFDictionaryGetKeysAndValues(CFDictionaryRef dictionary, const void** keys, const void** values) {
+  const calls::Answer answer = calls::answer(Call::CFDictionaryGetKeysAndValues);
+  if (answer.fail) {
+    return;
+  }
   requireObject(dictionary, "CFDictionaryGetKeysAndValues");
   const ScopedPool pool;
   NSArray* const all_keys = [(NSDictionary*)dictionary allKeys];
@@ -125,7 +143,7 @@ void CFDictionaryGetKeysAndValues(CFDictionaryRef dictionary, const void** keys,
       keys[i] = key;
     }
     if (values != nullptr) {
-      values[i] = [(NSDictionary*)dictionary objectForKey:key];
+      values[i] = answer.object != nullptr ? answer.object : [(NSDictionary*)dictionary objectForKey:key];
     }
   }
 }

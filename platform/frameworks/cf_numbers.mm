@@ -6,6 +6,7 @@
 #include <cmath>
 #include <cstdint>
 
+#include "frameworks/answers.h"
 #include "frameworks/autorelease_pool.h"
 #include "frameworks/calls.h"
 #include "frameworks/require.h"
@@ -57,8 +58,8 @@ Bits bitsOf(NSNumber* number) {
 extern "C" {
 
 CFNumberRef CFNumberCreate(CFAllocatorRef, CFNumberType type, const void* value) {
-  if (calls::enter(Call::CFNumberCreate)) {
-    return nullptr;
+  if (const auto answer = platform::retainedAnswer<CFNumberRef>(calls::answer(Call::CFNumberCreate))) {
+    return *answer;
   }
   requireObject(value, "CFNumberCreate");
   const ScopedPool pool;
@@ -73,12 +74,13 @@ CFNumberRef CFNumberCreate(CFAllocatorRef, CFNumberType type, const void* value)
 }
 
 Boolean CFNumberGetValue(CFNumberRef number, CFNumberType type, void* value) {
-  if (calls::enter(Call::CFNumberGetValue)) {
+  const calls::Answer answer = calls::answer(Call::CFNumberGetValue);
+  if (answer.fail) {
     return false;
   }
   requireObject(number, "CFNumberGetValue");
   requireObject(value, "CFNumberGetValue");
-  const Bits bits = bitsOf((NSNumber*)number);
+  const Bits bits = answer.number ? Bits{*answer.number, true} : bitsOf((NSNumber*)number);
   switch (type) {
     case kCFNumberSInt32Type: {
       const auto cut = static_cast<std::int32_t>(bits.value);

@@ -9,6 +9,7 @@
 #include <string>
 #include <unordered_map>
 
+#include "frameworks/answers.h"
 #include "frameworks/autorelease_pool.h"
 #include "frameworks/calls.h"
 #include "frameworks/require.h"
@@ -54,8 +55,8 @@ CFStringRef __CFStringMakeConstantString(const char* text) {
 
 CFStringRef CFStringCreateWithBytes(CFAllocatorRef, const UInt8* bytes, CFIndex length, CFStringEncoding encoding,
                                     Boolean) {
-  if (calls::enter(Call::CFStringCreateWithBytes)) {
-    return nullptr;
+  if (const auto answer = platform::retainedAnswer<CFStringRef>(calls::answer(Call::CFStringCreateWithBytes))) {
+    return *answer;
   }
   if (length < 0 || (bytes == nullptr && length > 0) || encoding != kCFStringEncodingUTF8) {
     return nullptr;
@@ -68,12 +69,20 @@ CFStringRef CFStringCreateWithBytes(CFAllocatorRef, const UInt8* bytes, CFIndex 
 }
 
 CFIndex CFStringGetLength(CFStringRef string) {
+  const calls::Answer answer = calls::answer(Call::CFStringGetLength);
+  if (answer.fail || answer.number) {
+    return answer.number.value_or(0);
+  }
   requireObject(string, "CFStringGetLength");
   return static_cast<CFIndex>([(NSString*)string length]);
 }
 
 CFIndex CFStringGetMaximumSizeForEncoding(CFIndex length, CFStringEncoding encoding) {
   constexpr CFIndex kNotFound = -1;
+  const calls::Answer answer = calls::answer(Call::CFStringGetMaximumSizeForEncoding);
+  if (answer.fail || answer.number) {
+    return answer.number.value_or(kNotFound);
+  }
   if (encoding != kCFStringEncodingUTF8 || length < 0 ||
       length > std::numeric_limits<CFIndex>::max() / kUtf8BytesPerUnit) {
     return kNotFound;

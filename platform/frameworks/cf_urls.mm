@@ -3,6 +3,7 @@
 
 #import <Foundation/Foundation.h>
 
+#include "frameworks/answers.h"
 #include "frameworks/autorelease_pool.h"
 #include "frameworks/calls.h"
 #include "frameworks/file_url.h"
@@ -17,8 +18,8 @@ extern "C" {
 
 CFURLRef CFURLCreateWithFileSystemPath(CFAllocatorRef, CFStringRef filePath, CFURLPathStyle pathStyle,
                                        Boolean isDirectory) {
-  if (calls::enter(Call::CFURLCreateWithFileSystemPath)) {
-    return nullptr;
+  if (const auto answer = platform::retainedAnswer<CFURLRef>(calls::answer(Call::CFURLCreateWithFileSystemPath))) {
+    return *answer;
   }
   requireObject(filePath, "CFURLCreateWithFileSystemPath");
   if (pathStyle != kCFURLPOSIXPathStyle) {
@@ -30,19 +31,19 @@ CFURLRef CFURLCreateWithFileSystemPath(CFAllocatorRef, CFStringRef filePath, CFU
 }
 
 CFStringRef CFURLCopyFileSystemPath(CFURLRef url, CFURLPathStyle pathStyle) {
-  if (calls::enter(Call::CFURLCopyFileSystemPath)) {
-    return nullptr;
+  if (const auto answer = platform::retainedAnswer<CFStringRef>(calls::answer(Call::CFURLCopyFileSystemPath))) {
+    return *answer;
   }
   requireObject(url, "CFURLCopyFileSystemPath");
   if (pathStyle != kCFURLPOSIXPathStyle) {
     return nullptr;
   }
-  return reinterpret_cast<CFStringRef>([(NSURL*)url platformCopyPath]);
+  return reinterpret_cast<CFStringRef>([(NSURL*)url copyPlatformPath]);
 }
 
 CFStringRef CFURLGetString(CFURLRef url) {
-  if (calls::enter(Call::CFURLGetString)) {
-    return nullptr;
+  if (const auto answer = platform::borrowedAnswer<CFStringRef>(calls::answer(Call::CFURLGetString))) {
+    return *answer;
   }
   requireObject(url, "CFURLGetString");
   return reinterpret_cast<CFStringRef>([(NSURL*)url relativeString]);  // the URL's own

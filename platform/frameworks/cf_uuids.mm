@@ -9,6 +9,7 @@
 #include <optional>
 #include <string>
 
+#include "frameworks/answers.h"
 #include "frameworks/autorelease_pool.h"
 #include "frameworks/calls.h"
 #include "frameworks/require.h"
@@ -170,8 +171,8 @@ bool isUuid(id value) { return [value isKindOfClass:[PlatformUUID class]]; }
 extern "C" {
 
 CFUUIDRef CFUUIDCreateFromUUIDBytes(CFAllocatorRef, CFUUIDBytes bytes) {
-  if (calls::enter(Call::CFUUIDCreateFromUUIDBytes)) {
-    return nullptr;
+  if (const auto answer = platform::retainedAnswer<CFUUIDRef>(calls::answer(Call::CFUUIDCreateFromUUIDBytes))) {
+    return *answer;
   }
   Uuid value{};
   static_assert(sizeof value == sizeof bytes);
@@ -180,8 +181,8 @@ CFUUIDRef CFUUIDCreateFromUUIDBytes(CFAllocatorRef, CFUUIDBytes bytes) {
 }
 
 CFUUIDRef CFUUIDCreateFromString(CFAllocatorRef, CFStringRef text) {
-  if (calls::enter(Call::CFUUIDCreateFromString)) {
-    return nullptr;
+  if (const auto answer = platform::retainedAnswer<CFUUIDRef>(calls::answer(Call::CFUUIDCreateFromString))) {
+    return *answer;
   }
   requireObject(text, "CFUUIDCreateFromString");
   const std::optional<Uuid> bytes = parse((NSString*)text);
@@ -196,8 +197,8 @@ CFUUIDBytes CFUUIDGetUUIDBytes(CFUUIDRef uuid) {
 }
 
 CFStringRef CFUUIDCreateString(CFAllocatorRef, CFUUIDRef uuid) {
-  if (calls::enter(Call::CFUUIDCreateString)) {
-    return nullptr;
+  if (const auto answer = platform::retainedAnswer<CFStringRef>(calls::answer(Call::CFUUIDCreateString))) {
+    return *answer;
   }
   requireObject(uuid, "CFUUIDCreateString");
   const ScopedPool pool;

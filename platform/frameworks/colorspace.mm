@@ -4,6 +4,7 @@
 #import <Foundation/Foundation.h>
 
 #include "desktop/icc_gamut.h"
+#include "frameworks/answers.h"
 #include "frameworks/calls.h"
 #include "frameworks/color_profile.h"
 
@@ -37,7 +38,11 @@ namespace calls = platform::calls;
 extern "C" {
 
 CGColorSpaceRef CGColorSpaceCreateWithPlatformColorSpace(const void* ref) {
-  if (calls::enter(Call::CGColorSpaceCreateWithPlatformColorSpace) || ref == nullptr) {
+  const auto answer = calls::answer(Call::CGColorSpaceCreateWithPlatformColorSpace);
+  if (const auto object = platform::retainedAnswer<CGColorSpaceRef>(answer)) {
+    return *object;
+  }
+  if (ref == nullptr) {
     return nullptr;
   }
   auto* const profile = (PlatformColorProfile*)ref;
@@ -49,8 +54,9 @@ CGColorSpaceRef CGColorSpaceCreateWithPlatformColorSpace(const void* ref) {
 }
 
 bool CGColorSpaceIsWideGamutRGB(CGColorSpaceRef space) {
-  if (calls::enter(Call::CGColorSpaceIsWideGamutRGB) || space == nullptr) {
-    return false;
+  const calls::Answer answer = calls::answer(Call::CGColorSpaceIsWideGamutRGB);
+  if (answer.fail || answer.number || space == nullptr) {
+    return answer.number.value_or(0) != 0;
   }
   auto* const made = (PlatformColorSpace*)space;
   return [made isKindOfClass:[PlatformColorSpace class]] && [made isWideGamutRGB];

@@ -8,6 +8,7 @@
 #include <string>
 
 #include "desktop/current.h"
+#include "frameworks/answers.h"
 #include "frameworks/autorelease_pool.h"
 #include "frameworks/calls.h"
 #include "frameworks/uuids.h"
@@ -36,19 +37,23 @@ id booleanOf(const std::optional<bool>& value) { return value ? (id)(*value ? kC
 
 id uuidOf(const std::optional<Uuid>& value) { return value ? [(id)platform::makeUuid(*value) autorelease] : nil; }
 
-NSURL* fileUrlOf(const std::optional<std::string>& path) {
-  NSString* const text = stringOf(path);
-  return text == nil ? nil : [NSURL fileURLWithPath:text isDirectory:NO];
+// The two values that a caller may keep have functions of their own: a leak checker knows them by these.
+
+NSURL* deviceProfileUrl(const DeviceProfile& profile) {
+  NSString* const path = stringOf(profile.profile_path);
+  return path == nil ? nil : [NSURL fileURLWithPath:path isDirectory:NO];
 }
+
+NSString* deviceDescription(const DeviceProfile& profile) { return stringOf(profile.description); }
 
 NSMutableDictionary* newEntry(const DeviceProfile& profile) {
   NSMutableDictionary* const entry = [[NSMutableDictionary alloc] init];
   put(entry, kColorSyncDeviceClass, stringOf(profile.device_class));
   put(entry, kColorSyncDeviceID, uuidOf(profile.device_id));
-  put(entry, kColorSyncDeviceDescription, stringOf(profile.description));
+  put(entry, kColorSyncDeviceDescription, deviceDescription(profile));
   put(entry, kColorSyncDeviceProfileIsDefault, booleanOf(profile.is_default));
   put(entry, kColorSyncDeviceProfileIsCurrent, booleanOf(profile.is_current));
-  put(entry, kColorSyncDeviceProfileURL, fileUrlOf(profile.profile_path));
+  put(entry, kColorSyncDeviceProfileURL, deviceProfileUrl(profile));
   return entry;
 }
 
@@ -67,22 +72,27 @@ std::optional<std::string> customProfilePath(NSDictionary* profiles) {
 extern "C" {
 
 void ColorSyncIterateDeviceProfiles(ColorSyncDeviceProfileIterateCallback callBack, void* userInfo) {
-  if (calls::enter(Call::ColorSyncIterateDeviceProfiles) || callBack == nullptr) {
+  const calls::Answer answer = calls::answer(Call::ColorSyncIterateDeviceProfiles);
+  if (answer.fail || callBack == nullptr) {
     return;
   }
   platform::desktop::current()->visitDeviceProfiles([=](const DeviceProfile& profile) {
     const ScopedPool pool;
     // The entry and what is in it go away after the callback, unless the callback took references.
     NSMutableDictionary* const entry = newEntry(profile);
-    const bool go_on = callBack((CFDictionaryRef)entry, userInfo);
+    const bool go_on = platform::showEntry(answer.edit, (CFDictionaryRef)entry,
+                                           [=](CFDictionaryRef shown) { return callBack(shown, userInfo); });
     [entry release];
     return go_on;
   });
 }
 
 bool ColorSyncDeviceSetCustomProfiles(CFStringRef deviceClass, CFUUIDRef deviceID, CFDictionaryRef profileInfo) {
-  if (calls::enter(Call::ColorSyncDeviceSetCustomProfiles) || deviceClass == nullptr || deviceID == nullptr ||
-      profileInfo == nullptr) {
+  const calls::Answer answer = calls::answer(Call::ColorSyncDeviceSetCustomProfiles);
+  if (answer.fail || answer.number) {
+    return answer.number.value_or(0) != 0;
+  }
+  if (deviceClass == nullptr || deviceID == nullptr || profileInfo == nullptr) {
     return false;
   }
   const ScopedPool pool;
@@ -94,8 +104,8 @@ bool ColorSyncDeviceSetCustomProfiles(CFStringRef deviceClass, CFUUIDRef deviceI
 }
 
 CFUUIDRef CGDisplayCreateUUIDFromDisplayID(uint32_t displayID) {
-  if (calls::enter(Call::CGDisplayCreateUUIDFromDisplayID)) {
-    return nullptr;
+  if (const auto answer = platform::retainedAnswer<CFUUIDRef>(calls::answer(Call::CGDisplayCreateUUIDFromDisplayID))) {
+    return *answer;
   }
   const auto arrangement = platform::desktop::current()->arrangement();
   for (const Display& display : arrangement->displays) {
@@ -107,7 +117,11 @@ CFUUIDRef CGDisplayCreateUUIDFromDisplayID(uint32_t displayID) {
 }
 
 uint32_t CGDisplayGetDisplayIDFromUUID(CFUUIDRef uuid) {
-  if (calls::enter(Call::CGDisplayGetDisplayIDFromUUID) || uuid == nullptr) {
+  const calls::Answer answer = calls::answer(Call::CGDisplayGetDisplayIDFromUUID);
+  if (answer.fail || answer.number) {
+    return static_cast<uint32_t>(answer.number.value_or(0));
+  }
+  if (uuid == nullptr) {
     return 0;
   }
   const Uuid wanted = platform::bytesOf(uuid);

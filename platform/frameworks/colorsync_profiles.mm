@@ -8,6 +8,7 @@
 
 #include "desktop/current.h"
 #include "desktop/icc_profile.h"
+#include "frameworks/answers.h"
 #include "frameworks/autorelease_pool.h"
 #include "frameworks/calls.h"
 #include "frameworks/color_profile.h"
@@ -44,11 +45,12 @@ NSDictionary* newEntry(const InstalledProfile& profile) {
 
 void releaseEntry(const void* entry) { [static_cast<id>(const_cast<void*>(entry)) release]; }
 
-/// Has a call-back look at an entry, which is kept for the next walk where there is a place for it.
-bool showEntry(const InstalledProfile& profile, ColorSyncProfileIterateCallback callback, void* user_info) {
+/// Has somebody look at an entry, which is kept for the next walk where there is a place for it.
+template <typename Look>
+bool showEntry(const InstalledProfile& profile, Look look) {
   if (profile.kept == nullptr) {
     NSDictionary* const entry = newEntry(profile);
-    const bool goes_on = callback(reinterpret_cast<CFDictionaryRef>(entry), user_info);
+    const bool goes_on = look(reinterpret_cast<CFDictionaryRef>(entry));
     [entry release];
     return goes_on;
   }
@@ -56,7 +58,7 @@ bool showEntry(const InstalledProfile& profile, ColorSyncProfileIterateCallback 
   if (entry == nullptr) {
     entry = profile.kept->put(newEntry(profile), releaseEntry);
   }
-  return callback(static_cast<CFDictionaryRef>(entry), user_info);
+  return look(static_cast<CFDictionaryRef>(entry));
 }
 
 /// Empty for what is no file URL.
@@ -95,15 +97,23 @@ extern "C" {
 // NOLINTNEXTLINE(clang-analyzer-osx.coreFoundation.CFError): the result is Apple's
 void ColorSyncIterateInstalledProfiles(ColorSyncProfileIterateCallback callBack, uint32_t*, void* userInfo,
                                        CFErrorRef*) {
-  if (calls::enter(Call::ColorSyncIterateInstalledProfiles) || callBack == nullptr) {
+  const calls::Answer answer = calls::answer(Call::ColorSyncIterateInstalledProfiles);
+  if (answer.fail || callBack == nullptr) {
     return;
   }
-  platform::desktop::current()->visitInstalledProfiles(
-      [=](const InstalledProfile& profile) { return showEntry(profile, callBack, userInfo); });
+  platform::desktop::current()->visitInstalledProfiles([=](const InstalledProfile& profile) {
+    return showEntry(profile, [=](CFDictionaryRef entry) {
+      return platform::showEntry(answer.edit, entry, [=](CFDictionaryRef shown) { return callBack(shown, userInfo); });
+    });
+  });
 }
 
 ColorSyncProfileRef ColorSyncProfileCreateWithURL(CFURLRef url, CFErrorRef*) {
-  if (calls::enter(Call::ColorSyncProfileCreateWithURL) || url == nullptr) {
+  const auto answer = calls::answer(Call::ColorSyncProfileCreateWithURL);
+  if (const auto object = platform::retainedAnswer<ColorSyncProfileRef>(answer)) {
+    return *object;
+  }
+  if (url == nullptr) {
     return nullptr;
   }
   const std::string path = pathOf(url);
@@ -114,7 +124,10 @@ ColorSyncProfileRef ColorSyncProfileCreateWithURL(CFURLRef url, CFErrorRef*) {
 }
 
 CFDataRef ColorSyncProfileCopyTag(ColorSyncProfileRef profile, CFStringRef signature) {
-  if (calls::enter(Call::ColorSyncProfileCopyTag) || profile == nullptr || signature == nullptr) {
+  if (const auto object = platform::retainedAnswer<CFDataRef>(calls::answer(Call::ColorSyncProfileCopyTag))) {
+    return *object;
+  }
+  if (profile == nullptr || signature == nullptr) {
     return nullptr;
   }
   auto* const opened = (PlatformColorProfile*)profile;

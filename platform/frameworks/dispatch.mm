@@ -1,4 +1,5 @@
-// libdispatch: serial queues, each on a thread of its own while it has work.
+// libdispatch: serial queues, each on a thread of its own while it has work. A thread that has run out of work waits a
+// while for another queue before it ends, so that queue after queue costs one thread.
 //
 // A worker may still be running a block while the process exits, or may never come back from one. So everything that a
 // worker touches is kept for the life of the process: a queue is never freed, nothing here has a destructor that runs
@@ -10,6 +11,9 @@
 #include <Block.h>
 #include <pthread.h>
 
+#include <atomic>
+#include <chrono>
+#include <condition_variable>
 #include <deque>
 #include <mutex>
 #include <new>
@@ -17,6 +21,7 @@
 
 #include "frameworks/autorelease_pool.h"
 #include "frameworks/calls.h"
+#include "frameworks/dispatch_work.h"
 #include "frameworks/require.h"
 
 using platform::requireObject;
@@ -32,6 +37,8 @@ struct dispatch_queue_s {
 };
 
 namespace {
+
+std::atomic<std::size_t> unfinished{0};
 
 /// The next block, or null when there is none: then the queue has no worker any more.
 dispatch_block_t takeBlock(dispatch_queue_s& queue) {
@@ -53,22 +60,70 @@ void nameThread(const std::string& label) {
   }
 }
 
-void* work(void* argument) {
-  auto& queue = *static_cast<dispatch_queue_s*>(argument);
+/// Where workers without a queue and queues without a worker meet. A queue is only put here when a worker waits for it:
+/// there are never more queues than waiting workers.
+class IdleWorkers {
+ public:
+  /// Gives the queue to a waiting worker; false when none is free.
+  bool take(dispatch_queue_s& queue) {
+    const std::lock_guard lock(mutex_);
+    if (queues_.size() >= waiting_) {
+      return false;
+    }
+    queues_.push_back(&queue);
+    wake_.notify_one();
+    return true;
+  }
+
+  /// Waits for a queue; null when none came in time.
+  dispatch_queue_s* await() {
+    constexpr std::chrono::seconds kPatience(5);
+    std::unique_lock lock(mutex_);
+    ++waiting_;
+    wake_.wait_for(lock, kPatience, [this] { return !queues_.empty(); });
+    --waiting_;
+    if (queues_.empty()) {
+      return nullptr;
+    }
+    dispatch_queue_s* const queue = queues_.front();
+    queues_.pop_front();
+    return queue;
+  }
+
+ private:
+  std::mutex mutex_;
+  std::condition_variable wake_;
+  std::size_t waiting_ = 0;
+  std::deque<dispatch_queue_s*> queues_;
+};
+
+IdleWorkers& idleWorkers() {
+  static auto* const kept = new IdleWorkers;
+  return *kept;
+}
+
+void runBlocks(dispatch_queue_s& queue) {
   nameThread(queue.label);
-  // Said to Foundation on purpose: it otherwise notices the thread on the first autorelease, and clears up after it
-  // only when the thread's own data is being destroyed.
-  GSRegisterCurrentThread();
   while (const dispatch_block_t block = takeBlock(queue)) {
     const ScopedPool pool;
     block();
     Block_release(block);
+    --unfinished;
+  }
+}
+
+void* work(void* argument) {
+  // Said to Foundation on purpose: it otherwise notices the thread on the first autorelease, and clears up after it
+  // only when the thread's own data is being destroyed.
+  GSRegisterCurrentThread();
+  for (auto* queue = static_cast<dispatch_queue_s*>(argument); queue != nullptr; queue = idleWorkers().await()) {
+    runBlocks(*queue);
   }
   GSUnregisterCurrentThread();
   return nullptr;
 }
 
-bool startWorker(dispatch_queue_s& queue) {
+bool startThread(dispatch_queue_s& queue) {
   pthread_attr_t attributes;
   if (pthread_attr_init(&attributes) != 0) {
     return false;
@@ -80,7 +135,11 @@ bool startWorker(dispatch_queue_s& queue) {
   return started;
 }
 
+bool startWorker(dispatch_queue_s& queue) { return idleWorkers().take(queue) || startThread(queue); }
+
 }  // namespace
+
+std::size_t platform::unfinishedBlocks() { return unfinished.load(); }
 
 extern "C" {
 
@@ -104,6 +163,7 @@ void dispatch_async(dispatch_queue_t queue, dispatch_block_t block) noexcept {
   requireObject(reinterpret_cast<const void*>(block), "dispatch_async");
   const std::lock_guard lock(queue->mutex);
   queue->blocks.push_back(Block_copy(block));
+  ++unfinished;
   if (!queue->has_worker) {
     // A system that is out of threads leaves the block in the queue, for the worker that a later call may start.
     queue->has_worker = startWorker(*queue);

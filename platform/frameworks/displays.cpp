@@ -23,6 +23,8 @@ const Display* find(const Arrangement& arrangement, CGDirectDisplayID number) {
   return found == arrangement.displays.end() ? nullptr : &*found;
 }
 
+CGRect rectOf(const Rect& rect) { return CGRectMake(rect.x, rect.y, rect.width, rect.height); }
+
 /// Whether two half-open intervals meet; an interval without length counts as the point where it begins.
 bool meet(double first, double first_length, double second, double second_length) {
   if (first_length < 0) {
@@ -43,8 +45,8 @@ bool meets(const CGRect& rect, const Rect& bounds) {
 /// Writes the numbers of the displays that `wanted` picks, as both list calls do.
 template <typename Wanted>
 CGError list(const Answer& answer, uint32_t capacity, CGDirectDisplayID* numbers, uint32_t* count, Wanted wanted) {
-  if (answer.fail) {
-    return kCGErrorFailure;
+  if (answer.fail || answer.error) {
+    return answer.error ? static_cast<CGError>(*answer.error) : kCGErrorFailure;
   }
   if (count == nullptr) {
     return kCGErrorIllegalArgument;
@@ -71,8 +73,9 @@ CGError list(const Answer& answer, uint32_t capacity, CGDirectDisplayID* numbers
 constexpr uint32_t kNoNumber = 0xFFFFFFFF;
 
 uint32_t number(Call call, CGDirectDisplayID display, uint32_t Display::*member) {
-  if (platform::calls::enter(call)) {
-    return kNoNumber;
+  const Answer answer = platform::calls::answer(call);
+  if (answer.fail || answer.number) {
+    return answer.number ? static_cast<uint32_t>(*answer.number) : kNoNumber;
   }
   const auto now = arrangement();
   const Display* const found = find(*now, display);
@@ -95,16 +98,16 @@ CGError CGGetDisplaysWithRect(CGRect rect, uint32_t maxDisplays, CGDirectDisplay
 }
 
 CGRect CGDisplayBounds(CGDirectDisplayID display) {
-  if (platform::calls::enter(Call::CGDisplayBounds)) {
-    return CGRectMake(0, 0, 0, 0);
+  const Answer answer = platform::calls::answer(Call::CGDisplayBounds);
+  if (answer.fail || answer.rect) {
+    return rectOf(answer.rect.value_or(Rect{}));
   }
   const auto now = arrangement();
   const Display* const found = find(*now, display);
   if (found == nullptr) {
     return CGRectMake(0, 0, 0, 0);
   }
-  const Rect& bounds = found->bounds;
-  return CGRectMake(bounds.x, bounds.y, bounds.width, bounds.height);
+  return rectOf(found->bounds);
 }
 
 uint32_t CGDisplayVendorNumber(CGDirectDisplayID display) {

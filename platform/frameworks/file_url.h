@@ -15,5 +15,5 @@ NSURL* newFileUrl(const std::string& path);
 
 @interface NSURL (PlatformPath)
 /// The URL's path, or null. The caller releases. Nothing is autoreleased on the way.
-- (NSString*)platformCopyPath;
+- (NSString*)copyPlatformPath;
 @end

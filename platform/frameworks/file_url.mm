@@ -31,7 +31,7 @@ NSString* newString(const std::string& text) {
 
 @implementation NSURL (PlatformPath)
 
-- (NSString*)platformCopyPath {
+- (NSString*)copyPlatformPath {
   const platform::ScopedPool pool;
   return [[self path] copy];
 }
@@ -57,7 +57,7 @@ NSString* newString(const std::string& text) {
   return _filePath;
 }
 
-- (NSString*)platformCopyPath {
+- (NSString*)copyPlatformPath {
   return [_filePath retain];
 }
 

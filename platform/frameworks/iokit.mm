@@ -8,6 +8,7 @@
 #include <string_view>
 
 #include "desktop/current.h"
+#include "frameworks/answers.h"
 #include "frameworks/autorelease_pool.h"
 #include "frameworks/calls.h"
 #include "frameworks/io_handles.h"
@@ -80,8 +81,8 @@ extern "C" {
 const mach_port_t kIOMasterPortDefault = 0;
 
 CFMutableDictionaryRef IOServiceMatching(const char* name) {
-  if (calls::enter(Call::IOServiceMatching)) {
-    return nullptr;
+  if (const auto answer = platform::retainedAnswer<CFMutableDictionaryRef>(calls::answer(Call::IOServiceMatching))) {
+    return *answer;
   }
   if (name == nullptr) {
     return nullptr;
@@ -97,14 +98,18 @@ CFMutableDictionaryRef IOServiceMatching(const char* name) {
 }
 
 kern_return_t IOServiceGetMatchingServices(mach_port_t, CFDictionaryRef matching, io_iterator_t* existing) {
-  const bool fails = calls::enter(Call::IOServiceGetMatchingServices);
+  const calls::Answer answer = calls::answer(Call::IOServiceGetMatchingServices);
   if (matching == nullptr) {
     return KERN_FAILURE;
   }
   const ScopedPool pool;
   [(NSDictionary*)matching autorelease];  // consumed, also when the call fails
-  if (fails || existing == nullptr) {
-    return KERN_FAILURE;
+  if (answer.fail || answer.error || existing == nullptr) {
+    return answer.error.value_or(KERN_FAILURE);
+  }
+  if (answer.number) {
+    *existing = static_cast<io_iterator_t>(*answer.number);
+    return KERN_SUCCESS;
   }
   const auto arrangement = platform::desktop::current()->arrangement();
   const std::size_t count = matchesDisplays((NSDictionary*)matching) ? arrangement->services.size() : 0;
@@ -113,29 +118,38 @@ kern_return_t IOServiceGetMatchingServices(mach_port_t, CFDictionaryRef matching
 }
 
 io_object_t IOIteratorNext(io_iterator_t iterator) {
-  if (calls::enter(Call::IOIteratorNext)) {
-    return 0;
+  const calls::Answer answer = calls::answer(Call::IOIteratorNext);
+  if (answer.fail || answer.number) {
+    return static_cast<io_object_t>(answer.number.value_or(0));
   }
   return handles().next(iterator);
 }
 
 kern_return_t IOObjectRelease(io_object_t object) {
-  if (calls::enter(Call::IOObjectRelease)) {
-    return KERN_FAILURE;
+  const calls::Answer answer = calls::answer(Call::IOObjectRelease);
+  if (answer.fail || answer.error) {
+    return answer.error.value_or(KERN_FAILURE);
   }
   return handles().release(object) ? KERN_SUCCESS : KERN_FAILURE;
 }
 
 CFDictionaryRef IODisplayCreateInfoDictionary(io_service_t framebuffer, IOOptionBits options) {
-  if (calls::enter(Call::IODisplayCreateInfoDictionary)) {
-    return nullptr;
+  const calls::Answer answer = calls::answer(Call::IODisplayCreateInfoDictionary);
+  if (const auto object = platform::retainedAnswer<CFDictionaryRef>(answer)) {
+    return *object;
   }
   const std::shared_ptr<const DisplayService> service = handles().service(framebuffer);
   if (service == nullptr || !service->has_info) {
     return nullptr;
   }
   const ScopedPool pool;
-  return reinterpret_cast<CFDictionaryRef>(copyInfo(*service, (options & kIODisplayOnlyPreferredName) != 0));
+  const auto info = reinterpret_cast<CFDictionaryRef>(copyInfo(*service, (options & kIODisplayOnlyPreferredName) != 0));
+  if (answer.edit == nullptr) {
+    return info;
+  }
+  const auto edited = static_cast<CFDictionaryRef>((*answer.edit)(info));
+  CFRelease(info);
+  return edited;
 }
 
 }  // extern "C"

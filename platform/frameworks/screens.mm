@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "desktop/current.h"
+#include "frameworks/answers.h"
 #include "frameworks/calls.h"
 
 using platform::calls::Call;
@@ -108,17 +109,13 @@ PlatformScreenList* currentList() {
 @implementation NSScreen
 
 + (NSArray*)screens {
-  if (platform::calls::enter(Call::NSScreen_screens)) {
-    return nil;
-  }
-  return currentList();
+  const auto answer = platform::borrowedAnswer<NSArray*>(platform::calls::answer(Call::NSScreen_screens));
+  return answer ? *answer : currentList();
 }
 
 + (NSScreen*)mainScreen {
-  if (platform::calls::enter(Call::NSScreen_mainScreen)) {
-    return nil;
-  }
-  return [currentList() main];
+  const auto answer = platform::borrowedAnswer<NSScreen*>(platform::calls::answer(Call::NSScreen_mainScreen));
+  return answer ? *answer : [currentList() main];
 }
 
 - (instancetype)initWithScreen:(const Screen&)screen {
@@ -131,11 +128,13 @@ PlatformScreenList* currentList() {
 }
 
 - (NSRect)frame {
-  return platform::calls::enter(Call::NSScreen_frame) ? NSMakeRect(0, 0, 0, 0) : _frame;
+  const platform::calls::Answer answer = platform::calls::answer(Call::NSScreen_frame);
+  return answer.fail || answer.rect ? rectOf(answer.rect.value_or(platform::desktop::Rect{})) : _frame;
 }
 
 - (CGFloat)backingScaleFactor {
-  return platform::calls::enter(Call::NSScreen_backingScaleFactor) ? 0 : _backingScaleFactor;
+  const platform::calls::Answer answer = platform::calls::answer(Call::NSScreen_backingScaleFactor);
+  return answer.fail || answer.real ? answer.real.value_or(0) : _backingScaleFactor;
 }
 
 @end

@@ -12,6 +12,7 @@
 
 namespace {
 
+using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::Not;
 
@@ -92,5 +93,12 @@ TEST(Exports, EveryUndefinedSymbolIsFoundInALibraryThatThePluginNames) {
   EXPECT_THAT(report, Not(testing::HasSubstr("not found")));
 }
 #endif
+
+TEST(LoadedModule, IsInitialisedDataThatNoCodeOfTheLibraryWrites) {
+  // "d" is initialised data in nm's words; records that code fills in at load would be "b".
+  const std::string symbols = outputOf("nm '" OSTREVIN_LIBRARY "'");
+  EXPECT_THAT(symbols, HasSubstr(" d DisplayModuleDefinition\n"));
+  EXPECT_THAT(symbols, HasSubstr(" d DisplayModuleMethods\n"));
+}
 
 }  // namespace

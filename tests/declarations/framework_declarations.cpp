@@ -223,6 +223,7 @@ DECLARED(ColorSyncIterateDeviceProfiles, void(ColorSyncDeviceProfileIterateCallb
 DECLARED(ColorSyncDeviceSetCustomProfiles, bool(CFStringRef, CFUUIDRef, CFDictionaryRef));
 TYPE(ColorSyncProfileIterateCallback, bool (*)(CFDictionaryRef, void*));
 DECLARED(ColorSyncIterateInstalledProfiles, void(ColorSyncProfileIterateCallback, std::uint32_t*, void*, CFErrorRef*));
+DECLARED(ColorSyncProfileGetTypeID, CFTypeID());
 DECLARED(ColorSyncProfileCreateWithURL, ColorSyncProfileRef(CFURLRef, CFErrorRef*));
 DECLARED(ColorSyncProfileCopyTag, CFDataRef(ColorSyncProfileRef, CFStringRef));
 DECLARED(CGDisplayCreateUUIDFromDisplayID, CFUUIDRef(std::uint32_t));

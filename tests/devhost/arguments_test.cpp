@@ -97,6 +97,9 @@ TEST(Arguments, AnErrorIsOneLineThatSaysWhatWasExpected) {
   EXPECT_EQ(errorOf("f()", {"1"}), "f: expected 0 arguments, got 1: f()");
   EXPECT_EQ(errorOf("f(a As Int8)", {"x"}), "f, argument a: expected Int8 (-128 to 127), got \"x\": f(a As Int8)");
   EXPECT_EQ(errorOf("f(a As Double)", {"x"}), "f, argument a: expected a number (Double), got \"x\": f(a As Double)");
+  EXPECT_EQ(errorOf("f(a\nAs UInt8)", {"1\r\n\x1B"}),
+            "f, argument a: expected UInt8 (0 to 255), got \"1\\r\\n\\x1b\": f(a\\nAs UInt8)");
+  EXPECT_EQ(errorOf("f(\t)", {"1"}), "f: expected 0 arguments, got 1: f(\\t)");
 }
 
 }  // namespace

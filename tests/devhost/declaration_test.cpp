@@ -125,5 +125,14 @@ TEST(DeclarationError, SaysWhatWasExpectedAndWhere) {
   EXPECT_THAT(errorOf("As()"), HasSubstr("expected the method's name at column 1"));
 }
 
+TEST(DeclarationError, IsOneLineWhateverTheDeclarationHolds) {
+  EXPECT_EQ(errorOf("f(\r\n"), "declaration \"f(\\r\\n\": expected a parameter's name at column 5, where it ends");
+  EXPECT_EQ(errorOf("f()\x1B"),
+            "declaration \"f()\\x1b\": expected \"As\" and the result's type, or the end at column 4, where \"\\x1b\" "
+            "stands");
+  EXPECT_EQ(errorOf(std::string_view("\0\xE2\x80\xAE", 4)),
+            "declaration \"\\x00\\u202e\": expected the method's name at column 1, where \"\\x00\" stands");
+}
+
 }  // namespace
 }  // namespace devhost

@@ -90,8 +90,8 @@ TEST_F(EntriesTest, StringsCompareJoinAndConvert) {
   EXPECT_EQ(call<std::int64_t>("RuntimeStringCompare", a, a), 0);
   void* const joined = call<void*>("RuntimeAddString", a, b);
   EXPECT_EQ(contents(joined), "abb");
-  const auto* const pascal = call<const unsigned char*>("StringGetPString", a);
-  EXPECT_EQ(std::string(reinterpret_cast<const char*>(pascal), 3), "\2ab");
+  const auto* const pascal_bytes = call<const unsigned char*>("StringGetPString", a);
+  EXPECT_EQ(std::string(reinterpret_cast<const char*>(pascal_bytes), 3), "\2ab");
   EXPECT_EQ(call<std::uint32_t>("StringToOSType", joined), 0x61626220U);
   for (void* string : {a, b, joined}) {
     unlock(string);

@@ -44,4 +44,32 @@ TEST(ColumnsOf, CountsWideAndCombiningCharacters) {
 }
 
 }  // namespace
+TEST(Printable, WhatIsNoCharacterComesOutAsAnEscape) {
+  EXPECT_EQ(printable("\uFFFE\uFFFF\uFFFD"), "\\ufffe\\uffff\uFFFD");
+  EXPECT_EQ(printable("\U0001FFFE\U0010FFFF"), "\\u1fffe\\u10ffff");
+}
+
+TEST(Shortened, TextThatFitsStaysAsItIs) {
+  EXPECT_EQ(shortened("abc", 3, "…"), "abc");
+  EXPECT_EQ(shortened("", 0, "…"), "");
+}
+
+TEST(Shortened, TextThatDoesNotFitEndsInTheMark) {
+  EXPECT_EQ(shortened("abcd", 3, "…"), "ab…");
+  EXPECT_EQ(shortened("abcd", 3, "..."), "...");
+  EXPECT_EQ(shortened("abcd", 2, "..."), "..");
+  EXPECT_EQ(shortened("abcd", 0, "…"), "");
+}
+
+TEST(Shortened, CutsBetweenCharactersOnly) {
+  EXPECT_EQ(shortened("日本語", 5, "…"), "日本…");
+  EXPECT_EQ(shortened("日本語", 4, "…"), "日…");
+  EXPECT_EQ(shortened("e\u0301e\u0301e\u0301", 2, "…"), "e\u0301…");
+}
+
+TEST(AsciiOnly, ReplacesEveryColumnOfWhatIsNotAscii) {
+  EXPECT_EQ(asciiOnly("a é 日\u0301 b"), "a ? ?? b");
+  EXPECT_EQ(asciiOnly("\xff"), "?");
+}
+
 }  // namespace devhost

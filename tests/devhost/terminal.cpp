@@ -1,6 +1,7 @@
 #include "terminal.h"
 
 #include <pty.h>
+#include <sys/ioctl.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -9,7 +10,7 @@
 
 namespace test_support {
 
-std::string runOnTerminal(const std::vector<std::string>& command) {
+std::string runOnTerminal(const std::vector<std::string>& command, unsigned short columns) {
   std::vector<std::string> texts = command;
   std::vector<char*> arguments;
   for (std::string& text : texts) {
@@ -17,8 +18,10 @@ std::string runOnTerminal(const std::vector<std::string>& command) {
   }
   arguments.push_back(nullptr);
 
+  struct winsize size {};
+  size.ws_col = columns;
   int terminal = -1;
-  const pid_t pid = forkpty(&terminal, nullptr, nullptr, nullptr);
+  const pid_t pid = forkpty(&terminal, nullptr, nullptr, columns == 0 ? nullptr : &size);
   if (pid < 0) {
     throw std::runtime_error("no terminal");
   }

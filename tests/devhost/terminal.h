@@ -9,7 +9,8 @@
 namespace test_support {
 
 /// Runs a program whose three standard streams are a terminal; answers all that it wrote there. Throws
-/// std::runtime_error when it cannot be started or fails.
-std::string runOnTerminal(const std::vector<std::string>& command);
+/// std::runtime_error when it cannot be started or fails. The terminal is `columns` wide, or does not say when that is
+/// 0.
+std::string runOnTerminal(const std::vector<std::string>& command, unsigned short columns = 0);
 
 }  // namespace test_support

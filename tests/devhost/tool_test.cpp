@@ -4,11 +4,11 @@
 
 #include <algorithm>
 #include <filesystem>
-#include <fstream>
 #include <nlohmann/json.hpp>
 
 #include "support/process.h"
 #include "terminal.h"
+#include "tool_runner.h"
 
 namespace {
 
@@ -19,38 +19,14 @@ using ::testing::HasSubstr;
 using ::testing::IsEmpty;
 using ::testing::Not;
 using ::testing::StartsWith;
-
-struct ToolRun : test_support::ProcessResult {
-  json document() const { return json::parse(output); }
-  std::size_t errorLines() const { return static_cast<std::size_t>(std::count(errors.begin(), errors.end(), '\n')); }
-};
-
-/// With neither an X server nor a desktop file, unless the options or the variables name one.
-struct Variables {
-  std::string display;
-  std::string desktop;
-};
-
-ToolRun runTool(std::vector<std::string> arguments, const Variables& variables = {}) {
-  arguments.insert(arguments.begin(), OSTREVIN_HOST);
-  return {test_support::run(arguments, {"DISPLAY=" + variables.display, "OSTREVIN_DESKTOP=" + variables.desktop})};
-}
+using tool_test::runTool;
+using tool_test::ToolRun;
+using tool_test::ToolTest;
 
 ToolRun runSample(std::vector<std::string> arguments) {
   arguments.insert(arguments.begin(), {"--plugin", SAMPLE_PLUGIN, "--desktop", "live"});
   return runTool(arguments);
 }
-
-class ToolTest : public ::testing::Test {
- protected:
-  std::string write(const std::string& name, const std::string& text) {
-    const std::string path = folder_.path() / name;
-    std::ofstream(path) << text;
-    return path;
-  }
-
-  test_support::TemporaryDirectory folder_;
-};
 
 constexpr const char* kTwoDisplays = R"({
   "displays": [

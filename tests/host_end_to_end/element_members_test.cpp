@@ -61,7 +61,7 @@ class ElementMembers : public FamilyTest {
   template <typename T>
   void expectElements(const Members<T>& members, REALarrayStruct* array, const std::vector<T>& values) {
     for (std::size_t i = 0; i < values.size(); ++i) {
-      EXPECT_TRUE(sameBits(elementAt(members, array, static_cast<long long>(i)), values[i])) << "index " << i;
+      EXPECT_TRUE(sameBits<T>(elementAt(members, array, static_cast<long long>(i)), values[i])) << "index " << i;
     }
   }
 

@@ -95,13 +95,13 @@ TEST_F(Variants, OfTextsShareThem) {
 TEST_F(Variants, OfCharactersCopyThem) {
   std::string bytes = "bytes";
   std::wstring wide = L"wide";
-  unsigned char pascal[] = {2, 'a', 'b'};
+  unsigned char pascal_bytes[] = {2, 'a', 'b'};
   REALobjectStruct* const of_bytes = REALNewVariantCString(bytes.c_str());
   REALobjectStruct* const of_wide = REALNewVariantWString(wide.c_str());
-  REALobjectStruct* const of_pascal = REALNewVariantPString(pascal);
+  REALobjectStruct* const of_pascal = REALNewVariantPString(pascal_bytes);
   bytes.assign("xxxxx");
   wide.assign(L"xxxx");
-  pascal[1] = 'x';
+  pascal_bytes[1] = 'x';
   const char* bytes_read = nullptr;
   const wchar_t* wide_read = nullptr;
   const unsigned char* pascal_read = nullptr;

@@ -1,6 +1,8 @@
 // Serial queues.
 #include <dispatch/dispatch.h>
 #include <gmock/gmock.h>
+#include <pthread.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <atomic>
@@ -8,6 +10,7 @@
 #include <cstdlib>
 #include <future>
 #include <memory>
+#include <set>
 #include <string>
 #include <thread>
 #include <vector>
@@ -94,6 +97,54 @@ TEST(Queue, StartsAgainAfterItWasIdle) {
   auto* const queue = dispatch_queue_create("AGAIN", nullptr);
   for (int round = 0; round < 200; ++round) {
     ASSERT_TRUE(drained(queue)) << round;
+  }
+}
+
+TEST(Queue, AfterQueueNeedsNoThreadAfterThread) {
+  constexpr int kQueues = 200;
+  const auto threads = std::make_shared<std::set<pid_t>>();
+  for (int i = 0; i < kQueues; ++i) {
+    auto* const queue = dispatch_queue_create("NEXT", nullptr);
+    dispatch_async(queue, ^{
+      threads->insert(gettid());
+    });
+    ASSERT_TRUE(drained(queue));
+  }
+  // A worker that is not quite idle yet when the next queue begins has another one started beside it.
+  EXPECT_LT(threads->size(), kQueues / 2);
+}
+
+TEST(Queue, ThatBeginsWhileAllWorkersAreBusyRunsAtOnce) {
+  const auto release = std::make_shared<std::promise<void>>();
+  const auto released = std::make_shared<std::shared_future<void>>(release->get_future());
+  constexpr int kBusy = 20;
+  std::vector<dispatch_queue_t> queues;
+  std::atomic<int> started = 0;
+  std::atomic<int>* const busy = &started;
+  for (int i = 0; i < kBusy; ++i) {
+    queues.push_back(dispatch_queue_create("BUSY", nullptr));
+    dispatch_async(queues.back(), ^{
+      ++*busy;
+      released->wait();
+    });
+  }
+  EXPECT_TRUE(drained(dispatch_queue_create("ONE MORE", nullptr)));
+  release->set_value();
+  for (auto* const queue : queues) {
+    EXPECT_TRUE(drained(queue));
+  }
+  EXPECT_EQ(started, kBusy);
+}
+
+TEST(Queue, NamesItsThreadAfterItself) {
+  for (const char* const label : {"ONE NAME", "ANOTHER"}) {
+    const auto name = std::make_shared<std::string>(32, '\0');
+    auto* const queue = dispatch_queue_create(label, nullptr);
+    dispatch_async(queue, ^{
+      pthread_getname_np(pthread_self(), name->data(), name->size());
+    });
+    ASSERT_TRUE(drained(queue));
+    EXPECT_STREQ(name->c_str(), label);
   }
 }
 

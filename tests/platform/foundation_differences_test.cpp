@@ -2,7 +2,6 @@
 #include <gmock/gmock.h>
 #include <iconv.h>
 #include <sys/stat.h>
-#include <unicode/ustring.h>
 #include <unistd.h>
 
 #include <array>
@@ -16,6 +15,7 @@
 
 #include "frameworks/system_version.h"
 #include "platform/foundation_probe.h"
+#include "support/icu_text.h"
 
 namespace {
 
@@ -57,27 +57,13 @@ TEST(Searching, FindsPartsAsBefore) {
 
 // --- UTF-8
 
-/// What ICU makes of the bytes; nothing when they are not UTF-8.
-std::optional<std::u16string> decodedByIcu(const std::string& utf8) {
-  std::u16string units(utf8.size(), u'\0');
-  int32_t length = 0;
-  UErrorCode status = U_ZERO_ERROR;
-  u_strFromUTF8(units.data(), static_cast<int32_t>(units.size()), &length, utf8.data(),
-                static_cast<int32_t>(utf8.size()), &status);
-  if (U_FAILURE(status)) {
-    return std::nullopt;
-  }
-  units.resize(static_cast<std::size_t>(length));
-  return units;
-}
-
 /// Foundation takes a byte-order mark at the start of UTF-8 for no text, here as on the Mac.
 std::u16string withoutMark(const std::u16string& text) {
   return !text.empty() && text[0] == 0xFEFF ? text.substr(1) : text;
 }
 
 testing::AssertionResult decodesAsIcuDoes(const std::string& utf8) {
-  std::optional<std::u16string> expected = decodedByIcu(utf8);
+  std::optional<std::u16string> expected = support::utf16ByIcu(utf8);
   if (expected) {
     expected = withoutMark(*expected);
   }

@@ -3,6 +3,7 @@
 
 #include <cmath>
 #include <limits>
+#include <stdexcept>
 
 #include "desktop/scripted.h"
 #include "platform_scripted/temporary_file.h"
@@ -222,6 +223,15 @@ TEST(DesktopFile, TakesRelativePathsFromItsOwnFolder) {
   EXPECT_EQ(script.installed_profiles[0].path, file.folder() + "/profiles/a.icc");
   EXPECT_EQ(script.installed_profiles[1].path, (std::filesystem::path(file.folder()).parent_path() / "b.icc").string());
   EXPECT_EQ(script.installed_profiles[2].path, "/plain/../c.icc");
+}
+
+TEST(DesktopFile, MayBeInMemory) {
+  const Script script = readScriptText(R"({"installed_profiles": ["a.icc", "/b.icc"]})", "/folder/desktop.json");
+  ASSERT_THAT(script.installed_profiles, SizeIs(2));
+  EXPECT_EQ(script.installed_profiles[0].path, "/folder/a.icc");
+  EXPECT_EQ(script.installed_profiles[1].path, "/b.icc");
+  EXPECT_THAT([] { readScriptText("{\n\"display\": 1}", "/folder/desktop.json"); },
+              testing::ThrowsMessage<std::runtime_error>("/folder/desktop.json:2: unknown key \"display\""));
 }
 
 TEST(DesktopFile, DescribesWalks) {

@@ -148,6 +148,21 @@ TEST(Qv02Read, OfSixtyFourMebibytesGivesThemAll) {
   EXPECT_TRUE(read.xml == document);
 }
 
+TEST(Qv02Read, LosesNothingWhereTheDocumentIsCopiedInPieces) {
+  constexpr std::size_t kPiece = 256 << 10;
+  for (const std::size_t pieces : {1U, 2U, 3U}) {
+    for (std::size_t element = pieces * kPiece - 9; element <= pieces * kPiece + 9; ++element) {
+      std::string document(element - 8, '\0');
+      for (std::size_t i = 0; i < document.size(); ++i) {
+        document[i] = static_cast<char>(i * 31 + i / 251);
+      }
+      const Read read = qv02OfElement(kTypeAndReserved + document);
+      EXPECT_EQ(read.code, kQVINoError);
+      EXPECT_TRUE(read.xml == document) << element;
+    }
+  }
+}
+
 TEST(Qv02Read, WithoutTheTagDiscardsWhatWasThere) {
   const TemporaryFolder folder;
   const Read read = qv02(folder.write("a.icc", support::displayProfile("a")));

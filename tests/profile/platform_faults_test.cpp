@@ -5,9 +5,6 @@
 
 #include "frameworks/calls.h"
 #include "profile/profile_fixture.h"
-#include "strings/owned_ref.h"
-#include "support/icc_maker.h"
-#include "support/temporary_folder.h"
 
 namespace {
 
@@ -23,37 +20,7 @@ class ProfileServicesUnderFaults : public support::ProfileServicesTest {
     setInstalled({installed("/a", "A"), installed("/b", std::string(5000, 'B'))});
     setAssociated({associated(1, "/a", true, true), associated(1, "/c")});
   }
-
-  /// Runs everything that the services do; answers nothing, must only come to an end.
-  void runEverything() {
-    ProfileServices::ListAllInstalledProfiles();
-    ProfileServices::ListProfilesForDisplay(1);
-    ProfileServices::GetAssociatedProfilesCount(2);
-    const auto url = OwnedRef<CFURLRef>::adopt(
-        CFURLCreateWithFileSystemPath(nullptr, CFSTR("/usr/share/color/icc/sRGB.icc"), kCFURLPOSIXPathStyle, false));
-    std::optional<std::string> xml;
-    ProfileServices::ICCTagExists(url.get(), CFSTR("desc"));
-    ProfileServices::QV02Read(url.get(), xml);
-  }
 };
-
-TEST_F(ProfileServicesUnderFaults, SurviveEveryCallFailingAlways) {
-  for (std::size_t i = 0; i < platform::calls::kCallCount; ++i) {
-    setHook(static_cast<Call>(i), [](std::uint64_t) { return Answer{true}; });
-    runEverything();
-    platform::calls::removeAllHooks();
-  }
-}
-
-TEST_F(ProfileServicesUnderFaults, SurviveEverySingleCallFailing) {
-  for (std::size_t i = 0; i < platform::calls::kCallCount; ++i) {
-    for (std::uint64_t failing = 1; failing <= 12; ++failing) {
-      setHook(static_cast<Call>(i), [=](std::uint64_t nth) { return Answer{nth == failing}; });
-      runEverything();
-      platform::calls::removeAllHooks();
-    }
-  }
-}
 
 TEST_F(ProfileServicesUnderFaults, LeaveOutAnEntryWhoseTextCannotBeRead) {
   setHook(Call::CFStringGetCString, [](std::uint64_t nth) { return Answer{nth == 1}; });

@@ -10,6 +10,7 @@
 
 #include "frameworks/autorelease_pool.h"
 #include "frameworks/system_version.h"
+#include "strings/other_foundation.h"
 #include "strings/owned_ref.h"
 #include "strings/string_services.h"
 
@@ -160,6 +161,18 @@ TEST_P(Contains, IsFalseForNull) {
   EXPECT_FALSE(contains(nullptr, "a"));
   EXPECT_FALSE(contains("a", nullptr));
   EXPECT_FALSE(contains(nullptr, nullptr));
+}
+
+TEST_F(Strings, AreSearchedTheOldWayOnASystemThatCannotBeAskedForItsVersion) {
+  const other_foundation::WithoutVersionQuestion older;
+  EXPECT_TRUE(StringServices::CFStringRefContains(string("abc"), string("b")));
+  EXPECT_FALSE(StringServices::CFStringRefContains(string("abc"), string("d")));
+}
+
+TEST_F(Strings, AreNullForTheFirstOfNoCodes) {
+  const other_foundation::WithoutCodes none;
+  EXPECT_EQ(StringServices::CountryCode(), nullptr);
+  EXPECT_EQ(StringServices::LanguageCode(), nullptr);
 }
 
 INSTANTIATE_TEST_SUITE_P(BeforeAndSince, Contains,

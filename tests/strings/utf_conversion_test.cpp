@@ -1,7 +1,6 @@
 // UTF-8 to UTF-16 and back, against ICU.
 #include <gmock/gmock.h>
-#include <unicode/ustring.h>
-#include <unicode/utf8.h>
+#include <unicode/utf16.h>
 
 #include <algorithm>
 #include <cstdint>
@@ -12,6 +11,7 @@
 #include <vector>
 
 #include "strings/utils.h"
+#include "support/icu_text.h"
 
 namespace {
 
@@ -45,30 +45,11 @@ std::optional<std::string> toUtf8(const std::wstring& utf16) {
 // --- ICU's opinion: nothing when the text is malformed
 
 std::optional<std::wstring> toUtf16ByIcu(const std::string& utf8) {
-  std::u16string units(utf8.size(), u'\0');
-  int32_t length = 0;
-  UErrorCode status = U_ZERO_ERROR;
-  u_strFromUTF8(units.data(), static_cast<int32_t>(units.size()), &length, utf8.data(),
-                static_cast<int32_t>(utf8.size()), &status);
-  if (U_FAILURE(status)) {
-    return std::nullopt;
-  }
-  units.resize(static_cast<std::size_t>(length));
-  return wide(units);
+  const auto units = support::utf16ByIcu(utf8);
+  return units ? std::optional(wide(*units)) : std::nullopt;
 }
 
-std::optional<std::string> toUtf8ByIcu(const std::u16string& utf16) {
-  std::string bytes(utf16.size() * 3, '\0');
-  int32_t length = 0;
-  UErrorCode status = U_ZERO_ERROR;
-  u_strToUTF8(bytes.data(), static_cast<int32_t>(bytes.size()), &length, utf16.data(),
-              static_cast<int32_t>(utf16.size()), &status);
-  if (U_FAILURE(status)) {
-    return std::nullopt;
-  }
-  bytes.resize(static_cast<std::size_t>(length));
-  return bytes;
-}
+std::optional<std::string> toUtf8ByIcu(const std::u16string& utf16) { return support::utf8ByIcu(utf16); }
 
 std::u16string unitsOf(char32_t code) {
   if (code < 0x10000) {

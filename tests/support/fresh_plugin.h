@@ -20,7 +20,7 @@ inline devhost::Plugin loadFreshPlugin(devhost::Host& host) {
   if (!std::exchange(loaded, true)) {
     return host.load(OSTREVIN_LIBRARY);
   }
-  std::string folder = (std::filesystem::temp_directory_path() / "ostrevin-XXXXXX").string();
+  std::string folder = (std::filesystem::temp_directory_path() / "ostrevin-copy-XXXXXX").string();
   if (mkdtemp(folder.data()) == nullptr) {
     throw std::runtime_error("no temporary folder");
   }

@@ -118,9 +118,8 @@ void writeAll(int fd, const std::string& text) {
 }
 
 /// Reads both ends until they are closed; false when that takes too long.
-bool readAll(int output, int errors, ProcessResult& result) {
-  constexpr std::chrono::seconds kLimit(30);
-  const auto deadline = Clock::now() + kLimit;
+bool readAll(int output, int errors, std::chrono::seconds limit, ProcessResult& result) {
+  const auto deadline = Clock::now() + limit;
   std::array<pollfd, 2> ends{pollfd{output, POLLIN, 0}, pollfd{errors, POLLIN, 0}};
   std::array<std::string*, 2> texts{&result.output, &result.errors};
   while (ends[0].fd >= 0 || ends[1].fd >= 0) {
@@ -146,7 +145,8 @@ bool readAll(int output, int errors, ProcessResult& result) {
 
 }  // namespace
 
-ProcessResult run(const std::vector<std::string>& command, const Environment& environment, const std::string& input) {
+ProcessResult run(const std::vector<std::string>& command, const Environment& environment, const std::string& input,
+                  std::chrono::seconds limit) {
   Pipe in;
   Pipe out;
   Pipe err;
@@ -157,7 +157,7 @@ ProcessResult run(const std::vector<std::string>& command, const Environment& en
   writeAll(in.ends[1], input);
   in.closeEnd(1);
   ProcessResult result;
-  const bool ended = readAll(out.ends[0], err.ends[0], result);
+  const bool ended = readAll(out.ends[0], err.ends[0], limit, result);
   if (!ended) {
     kill(pid, SIGKILL);
   }
@@ -174,8 +174,8 @@ ProcessResult run(const std::vector<std::string>& command, const Environment& en
 }
 
 std::string runSuccessfully(const std::vector<std::string>& command, const Environment& environment,
-                            const std::string& input) {
-  ProcessResult result = run(command, environment, input);
+                            const std::string& input, std::chrono::seconds limit) {
+  ProcessResult result = run(command, environment, input, limit);
   if (result.exit_status == 0) {
     return std::move(result.output);
   }

@@ -20,14 +20,17 @@ struct ProcessResult {
   std::string errors;
 };
 
-/// Runs a program found in PATH to its end, or for at most 30 seconds. Throws std::runtime_error when it cannot be
-/// started or does not end.
+/// The longest that a program runs for, unless more is said.
+inline constexpr std::chrono::seconds kRunLimit(30);
+
+/// Runs a program found in PATH to its end, or for at most `limit`. Throws std::runtime_error when it cannot be started
+/// or does not end.
 ProcessResult run(const std::vector<std::string>& command, const Environment& environment = {},
-                  const std::string& input = {});
+                  const std::string& input = {}, std::chrono::seconds limit = kRunLimit);
 
 /// As run(), but a program that fails throws too; answers its output.
 std::string runSuccessfully(const std::vector<std::string>& command, const Environment& environment = {},
-                            const std::string& input = {});
+                            const std::string& input = {}, std::chrono::seconds limit = kRunLimit);
 
 /// A directory of its own, removed with what is in it.
 class TemporaryDirectory {

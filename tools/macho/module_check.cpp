@@ -54,7 +54,7 @@ class ModuleCheck {
     try {
       checkModule(addressOf("DisplayModuleDefinition"), addressOf("DisplayModuleMethods"));
     } catch (const MachoError& error) {
-      problems_.push_back(error.what());
+      problems_.emplace_back(error.what());
     }
     return std::move(problems_);
   }

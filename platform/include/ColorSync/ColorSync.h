@@ -40,6 +40,7 @@ typedef bool (*ColorSyncProfileIterateCallback)(CFDictionaryRef profileInfo, voi
 CF_EXPORT void ColorSyncIterateInstalledProfiles(ColorSyncProfileIterateCallback callBack, uint32_t* seed,
                                                  void* userInfo, CFErrorRef* error);
 
+CF_EXPORT CFTypeID ColorSyncProfileGetTypeID(void);
 /// Null when the file cannot be read as a profile; `error` is not looked at. The caller releases.
 CF_EXPORT ColorSyncProfileRef ColorSyncProfileCreateWithURL(CFURLRef url, CFErrorRef* error);
 /// A copy of a tag element's bytes, or null for a null profile, a null signature, or no such tag. The caller releases.

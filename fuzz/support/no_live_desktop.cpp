@@ -1,0 +1,9 @@
+// The fuzzers' frameworks have no live desktop behind them, and so neither X nor colord: fuzzers describe their own.
+#include "desktop/live.h"
+#include "desktop/scripted.h"
+
+namespace platform::desktop {
+
+std::shared_ptr<Desktop> makeLiveDesktop() { return std::make_shared<ScriptedDesktop>(); }
+
+}  // namespace platform::desktop

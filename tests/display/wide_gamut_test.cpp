@@ -1,0 +1,46 @@
+// Whether a display's current profile is a wide-gamut one, on real profiles whose names tell.
+#include "display/scripted_displays.h"
+#include "frameworks/autorelease_pool.h"
+#include "plugin/display.h"
+
+namespace {
+
+using namespace display_tests;
+
+class WideGamutDisplay : public DisplayTest {
+ protected:
+  bool isWide(const std::string& profile) {
+    edit([&](Script& script) { script.device_profiles = {entry(1, "/usr/share/color/icc/colord/" + profile)}; });
+    return ::Display::IsWideGamut(1);
+  }
+
+ private:
+  const platform::ScopedPool pool_;
+};
+
+TEST_F(WideGamutDisplay, HasAProfileOfAWideSpace) {
+  EXPECT_TRUE(isWide("ProPhotoRGB.icc"));
+  EXPECT_TRUE(isWide("WideGamutRGB.icc"));
+  EXPECT_TRUE(isWide("AdobeRGB1998.icc"));
+}
+
+TEST_F(WideGamutDisplay, HasNoProfileOfASmallSpace) {
+  EXPECT_FALSE(isWide("sRGB.icc"));
+  EXPECT_FALSE(isWide("Rec709.icc"));
+  EXPECT_FALSE(isWide("AppleRGB.icc"));
+}
+
+TEST_F(WideGamutDisplay, IsNotOneWithoutACurrentProfile) {
+  edit([](Script& script) { script.device_profiles.clear(); });
+  waitInNoTime([this] { waitForWalks(1); });
+  EXPECT_FALSE(::Display::IsWideGamut(1));
+}
+
+TEST_F(WideGamutDisplay, IsNotOneWhoseProfileCannotBeRead) { EXPECT_FALSE(isWide("no such file.icc")); }
+
+TEST_F(WideGamutDisplay, IsNotOneWhoseProfileMakesNoColourSpace) {
+  fail(Call::CGColorSpaceCreateWithPlatformColorSpace);
+  EXPECT_FALSE(isWide("ProPhotoRGB.icc"));
+}
+
+}  // namespace

@@ -1,0 +1,219 @@
+// Nothing that the plugin asks of a framework or of the host goes untried: what it asks for is read off the library.
+#include <gmock/gmock.h>
+
+#include <algorithm>
+#include <map>
+#include <set>
+#include <string>
+
+#include "faults/answers.h"
+#include "faults/expectations.h"
+#include "faults/host_answers.h"
+#include "faults/library_symbols.h"
+#include "faults/message_answers.h"
+#include "faults/messages.h"
+#include "faults/scene.h"
+
+namespace {
+
+using faults::Scene;
+using platform::calls::Call;
+using testing::Contains;
+using testing::IsEmpty;
+using testing::IsSubsetOf;
+
+using Names = std::set<std::string>;
+
+/// Functions and variables of the frameworks that cannot answer wrongly, each with its reason.
+const std::map<std::string, const char*> kCannotFail = {
+    {"CFRetain", "only counts"},
+    {"CFRelease", "only counts"},
+    {"CFGetTypeID", "the question by which wrong types are found out"},
+    {"CFBooleanGetTypeID", "a constant"},
+    {"CFDataGetTypeID", "a constant"},
+    {"CFDictionaryGetTypeID", "a constant"},
+    {"CFNumberGetTypeID", "a constant"},
+    {"CFStringGetTypeID", "a constant"},
+    {"CFURLGetTypeID", "a constant"},
+    {"CFUUIDGetTypeID", "a constant"},
+    {"ColorSyncProfileGetTypeID", "a constant"},
+    {"__CFStringMakeConstantString",
+     "stands for a constant string, which a compiler for the Mac makes at compile time"},
+    {"objc_enumerationMutation", "told of what cannot be: no list changes while it is gone through"},
+    {"objc_lookup_class", "finds classes by their names when the library is loaded"},
+    {"__objc_exec_class", "run when the library is loaded"},
+    {"__gnu_objc_personality_v0", "part of unwinding"},
+    {"objc_msg_lookup", "finds methods; what they answer is tried message by message"},
+};
+
+/// The prefixes of names that are constants or classes, whatever comes after.
+bool isConstant(const std::string& symbol) {
+  return symbol.starts_with("kCF") || symbol.starts_with("kColorSync") || symbol.starts_with("kIO") ||
+         symbol.starts_with("__objc_class_name_");
+}
+
+/// The undefined symbols of the plugin that the platform's library or the Objective-C run-time has.
+Names frameworkSymbols() {
+  const Names platform = faults::definedSymbols(OSTREVIN_PLATFORM_LIBRARY);
+  Names symbols;
+  for (const std::string& symbol : faults::undefinedSymbols(OSTREVIN_LIBRARY)) {
+    if (platform.count(symbol) != 0 || symbol.find("objc") != std::string::npos) {
+      symbols.insert(symbol);
+    }
+  }
+  return symbols;
+}
+
+bool isWalked(const std::string& symbol) {
+  const auto call = platform::calls::find(symbol);
+  return call && !faults::answersOf(*call).empty();
+}
+
+TEST(FaultCoverage, EveryFrameworkSymbolThatThePluginWantsIsWalkedOrCannotFail) {
+  const Names symbols = frameworkSymbols();
+  ASSERT_THAT(symbols, testing::IsSupersetOf({"CFEqual", "CGDisplayBounds", "dispatch_async", "kCFBooleanTrue"}));
+  for (const std::string& symbol : symbols) {
+    EXPECT_TRUE(isWalked(symbol) || kCannotFail.count(symbol) != 0 || isConstant(symbol))
+        << symbol << " is called by the plugin and in no table of this folder";
+  }
+}
+
+TEST(FaultCoverage, NoListHasWhatThePluginDoesNotWant) {
+  const Names symbols = frameworkSymbols();
+  const Names selectors = faults::sentSelectors(OSTREVIN_LIBRARY);
+  for (const auto& [symbol, reason] : kCannotFail) {
+    EXPECT_THAT(symbols, Contains(symbol));
+  }
+  for (std::size_t i = 0; i < platform::calls::kCallCount; ++i) {
+    const auto call = static_cast<Call>(i);
+    const std::string name = platform::calls::name(call);
+    if (faults::answersOf(call).empty()) {
+      EXPECT_EQ(symbols.count(name), 0U) << name;
+    } else if (name.starts_with("NSScreen_")) {
+      EXPECT_THAT(selectors, Contains(name.substr(9)));
+    } else {
+      EXPECT_THAT(symbols, Contains(name));
+    }
+  }
+}
+
+// --- messages
+
+/// Messages that cannot answer wrongly.
+const Names kSafeMessages = {"class", "isKindOfClass:", "retain", "release",
+                             "countByEnumeratingWithState:objects:count:"};  // lists are tried as a whole
+
+/// Sent only by exported functions that no method reaches.
+const Names kMessagesOfOthers = {"ISOCountryCodes",
+                                 "ISOLanguageCodes",
+                                 "containsString:",
+                                 "count",
+                                 "dataUsingEncoding:allowLossyConversion:",
+                                 "fileURLWithPath:isDirectory:",
+                                 "instancesRespondToSelector:",
+                                 "isOperatingSystemAtLeastVersion:",
+                                 "lastPathComponent",
+                                 "objectAtIndex:",
+                                 "processInfo",
+                                 "rangeOfString:"};
+
+Names walkedMessages() {
+  Names messages;
+  for (const auto& message : faults::messageAnswers()) {
+    messages.insert(message.selector);
+  }
+  for (const char* const screens : {"screens", "mainScreen", "frame", "backingScaleFactor"}) {
+    messages.insert(screens);
+  }
+  return messages;
+}
+
+TEST(FaultCoverage, EveryMessageThatThePluginSendsIsWalkedOrCannotFail) {
+  const Names selectors = faults::sentSelectors(OSTREVIN_LIBRARY);
+  ASSERT_THAT(selectors, Contains("UTF8String"));
+  Names known = walkedMessages();
+  known.insert(kSafeMessages.begin(), kSafeMessages.end());
+  known.insert(kMessagesOfOthers.begin(), kMessagesOfOthers.end());
+  EXPECT_EQ(selectors, known);
+}
+
+TEST(FaultCoverage, NoMethodSendsAMessageThatIsNotWalked) {
+  Scene scene;
+  scene.load();
+  for (const faults::Question& question : faults::questions()) {
+    EXPECT_EQ(scene.run(question.ask).answer, question.right) << question.name;
+  }
+  Names known = walkedMessages();
+  known.insert(kSafeMessages.begin(), kSafeMessages.end());
+  EXPECT_THAT(faults::messagesSent(), IsSubsetOf(known));
+  for (const std::string& message : walkedMessages()) {
+    EXPECT_THAT(faults::messagesSent(), Contains(message));
+  }
+}
+
+// --- the host
+
+TEST(FaultCoverage, EveryEntryThatThePluginLooksUpIsWalked) {
+  Scene scene;
+  scene.load();
+  for (const faults::Question& question : faults::questions()) {
+    scene.run(question.ask);
+  }
+  const Names looked_up(scene.host.entries().lookups().begin(), scene.host.entries().lookups().end());
+  Names walked;
+  for (const auto& answer : faults::hostAnswers()) {
+    walked.insert(answer.entry);
+  }
+  walked.insert("RegisterPluginVersion");  // deliberately not tested for: a host without it is not supported
+  EXPECT_EQ(looked_up, walked);
+}
+
+/// A member of the host-call family that the library has not got cannot be called; of those that it has, each stands
+/// for an entry.
+TEST(FaultCoverage, ThePluginHasAsManyMembersOfTheHostCallFamilyAsItLooksUpEntries) {
+  std::size_t slots = 0;
+  for (const auto& [symbol, offset] : faults::ownSymbols(OSTREVIN_LIBRARY)) {
+    slots += symbol.starts_with("_ZN4host5slots") && symbol.ends_with("7addressE") ? 1 : 0;
+  }
+  Names walked;
+  for (const auto& answer : faults::hostAnswers()) {
+    walked.insert(answer.entry);
+  }
+  constexpr std::size_t kGlobalMethods = 1;  // "LenB", which is found through an entry
+  EXPECT_EQ(slots, walked.size() + kGlobalMethods);
+}
+
+// --- methods and expectations
+
+TEST(FaultCoverage, EveryMethodIsAsked) {
+  Scene scene;
+  scene.load();
+  const auto& methods = scene.plugin().module().methods;
+  ASSERT_EQ(methods.size(), 15U);
+  for (const auto& method : methods) {
+    EXPECT_TRUE(std::any_of(faults::questions().begin(), faults::questions().end(),
+                            [&](const faults::Question& question) { return question.name == method.declaration.name; }))
+        << method.declaration.name;
+  }
+}
+
+TEST(FaultCoverage, EveryExpectationIsOfSomethingThatIsTried) {
+  Names tried;
+  for (std::size_t i = 0; i < platform::calls::kCallCount; ++i) {
+    if (!faults::answersOf(static_cast<Call>(i)).empty()) {
+      tried.insert(platform::calls::name(static_cast<Call>(i)));
+    }
+  }
+  for (const auto& edit : faults::dictionaryEdits()) {
+    tried.insert(edit.what);
+  }
+  for (const auto& message : faults::messageAnswers()) {
+    tried.insert(message.selector);
+  }
+  for (const auto& answer : faults::hostAnswers()) {
+    tried.insert(answer.entry);
+  }
+  EXPECT_THAT(faults::expectedSubjects(), IsSubsetOf(tried));
+}
+
+}  // namespace

@@ -1,0 +1,171 @@
+#include "faults/scene.h"
+
+#include <dlfcn.h>
+
+#include <sstream>
+#include <stdexcept>
+
+#include "display/answer_wait.h"
+#include "faults/library_symbols.h"
+#include "faults/messages.h"
+#include "frameworks/dispatch_work.h"
+#include "support/fresh_plugin.h"
+#include "support/icc_maker.h"
+#include "support/temporary_folder.h"
+
+namespace faults {
+namespace {
+
+using platform::desktop::DeviceProfile;
+using platform::desktop::Script;
+using std::chrono::milliseconds;
+using std::chrono::seconds;
+
+std::vector<seconds> limits_asked_for;
+
+/// Ends when there is an answer, or when nobody is left who could give one.
+std::future_status waitWhileThereIsHope(const std::future<bool>& answer, seconds limit) {
+  limits_asked_for.push_back(limit);
+  constexpr std::chrono::microseconds kStep{200};
+  while (platform::unfinishedBlocks() > 0) {
+    if (answer.wait_for(kStep) == std::future_status::ready) {
+      return std::future_status::ready;
+    }
+  }
+  return answer.wait_for(seconds(0));
+}
+
+/// The variable is not exported: it is found by the library's own table of symbols.
+void replaceWait(const devhost::Plugin& plugin) {
+  static const std::uintptr_t offset = ownSymbols(OSTREVIN_LIBRARY).at("_ZN15DisplayServices8internal11answer_waitE");
+  Dl_info info{};
+  if (dladdr(plugin.symbol("REALPluginMain"), &info) == 0) {
+    throw std::runtime_error("where is the plugin?");
+  }
+  auto* const base = static_cast<char*>(info.dli_fbase);
+  *reinterpret_cast<DisplayServices::internal::AnswerWait*>(base + offset) = waitWhileThereIsHope;
+}
+
+/// A wide-gamut display profile with a document of the plugin's own.
+std::string profile(const std::string& description, const std::string& document) {
+  support::IccMaker maker;
+  maker.description(description);
+  maker.tag("wtpt", support::xyzElement(0.9642, 1, 0.8249));
+  maker.tag("rXYZ", support::xyzElement(0.7977, 0.2880, 0.0000));
+  maker.tag("gXYZ", support::xyzElement(0.1352, 0.7119, 0.0000));
+  maker.tag("bXYZ", support::xyzElement(0.0313, 0.0001, 0.8249));
+  maker.tag("QV02", "text" + std::string(4, '\0') + document);
+  return maker.bytes();
+}
+
+DeviceProfile deviceProfile(std::uint8_t display, const std::string& path, bool is_default_and_current) {
+  return {.device_class = platform::desktop::kDisplayDeviceClass,
+          .device_id = support::uuid(display),
+          .description = "Device " + std::to_string(display),
+          .is_default = is_default_and_current,
+          .is_current = is_default_and_current,
+          .profile_path = path};
+}
+
+void addDisplay(Script& script, std::uint32_t number, platform::desktop::Rect bounds, const std::string& name) {
+  auto display = support::display(number, bounds);
+  display.vendor = 0x10AC;
+  display.model = number;
+  display.serial = number * 10;
+  script.arrangement.displays.push_back(display);
+  script.arrangement.services.push_back({true, display.vendor, display.model, display.serial, {{{"en", name}}}});
+  script.arrangement.screens.push_back(support::screen(bounds, 1 + number * 0.25));
+}
+
+/// Answers do not depend on where the temporary folder is.
+std::string withoutFolder(std::string text) {
+  const std::string& folder = profileFolder();
+  for (std::size_t at = text.find(folder); at != std::string::npos; at = text.find(folder, at)) {
+    text.replace(at, folder.size(), "DIR");
+  }
+  return text;
+}
+
+}  // namespace
+
+const std::string& profileFolder() {
+  static const auto* const folder = [] {
+    static const support::TemporaryFolder temporary;
+    for (const char* const name : {"a", "b", "c"}) {
+      temporary.write(std::string(name) + ".icc", profile(name, "<document/>"));
+    }
+    return &temporary.path();
+  }();
+  return *folder;
+}
+
+Script fiveDisplays() {
+  const std::string& folder = profileFolder();
+  Script script;
+  addDisplay(script, 1, {0, 0, 1440, 900}, "Notebook");
+  addDisplay(script, 2, {-1440.5, 0, 1440, 900}, "Größe 27″");
+  addDisplay(script, 3, {1440, -100, 1920, 1080}, "Third");
+  addDisplay(script, 4, {4000, 0, 800, 600}, "");
+  addDisplay(script, 5, {4800, 0, 800, 600}, "");
+  script.arrangement.main_screen = 0;
+  for (const std::uint8_t display : {1, 2, 3, 4, 5}) {
+    script.device_profiles.push_back(deviceProfile(display, folder + "/a.icc", true));
+    script.device_profiles.push_back(deviceProfile(display, folder + "/b.icc", false));
+  }
+  for (const auto& [name, description] : {std::pair("c", "B"), {"a", "B"}, {"b", "   A"}}) {
+    script.installed_profiles.push_back({"mntr", description, folder + '/' + name + ".icc"});
+  }
+  script.installed_profiles.push_back({"prtr", "Printer", folder + "/printer.icc"});
+  return script;
+}
+
+Scene::Scene() : session(fiveDisplays()) {
+  listener_ = host.makeObject("Listener");
+  listener_->addMethod("DisplayProfileFound( name as String, path as String )",
+                       [this](devhost::Object&, devhost::Values& arguments) -> devhost::Value {
+                         events_.push_back(arguments[0].text() + '=' + arguments[1].text());
+                         return {};
+                       });
+}
+
+Scene::~Scene() { answerNoMessage(); }
+
+void Scene::load(Wait wait) {
+  plugin_.emplace(support::loadFreshPlugin(host));
+  watchMessagesOf(plugin_->symbol("REALPluginMain"));
+  if (wait == Wait::kWhileThereIsHope) {
+    replaceWait(*plugin_);
+  }
+}
+
+void* Scene::address(const char* symbol) const {
+  void* const found = plugin_->symbol(symbol);
+  return found != nullptr ? found : throw std::runtime_error(std::string("not exported: ") + symbol);
+}
+
+std::string Scene::takeEvents() {
+  std::string text;
+  for (const std::string& event : std::exchange(events_, {})) {
+    text += (text.empty() ? "" : " ") + event;
+  }
+  return text;
+}
+
+Outcome Scene::run(const std::function<std::string(Scene&)>& question) {
+  Outcome outcome;
+  events_.clear();
+  limits_asked_for.clear();
+  const auto begin = std::chrono::steady_clock::now();
+  try {
+    outcome.answer = withoutFolder(question(*this));
+  } catch (const std::exception& error) {
+    outcome.answer = std::string("threw ") + error.what();
+  } catch (...) {
+    outcome.answer = "threw";
+  }
+  outcome.time = std::chrono::duration_cast<milliseconds>(std::chrono::steady_clock::now() - begin);
+  outcome.limits = limits_asked_for;
+  return outcome;
+}
+
+}  // namespace faults

@@ -1,0 +1,38 @@
+#include "strings/other_foundation.h"
+
+#import <Foundation/Foundation.h>
+#include <objc/runtime.h>
+
+namespace other_foundation {
+namespace {
+
+BOOL answerNo(id /*self*/, SEL /*selector*/, SEL /*asked*/) { return NO; }
+id answerEmptyList(id /*self*/, SEL /*selector*/) { return [NSArray array]; }
+
+void answerRespondsWith(IMP implementation) {
+  Method inherited = class_getClassMethod([NSObject class], @selector(instancesRespondToSelector:));
+  class_replaceMethod(object_getClass([NSProcessInfo class]), @selector(instancesRespondToSelector:),
+                      implementation != nullptr ? implementation : method_getImplementation(inherited),
+                      method_getTypeEncoding(inherited));
+}
+
+Method countryCodes() { return class_getClassMethod([NSLocale class], @selector(ISOCountryCodes)); }
+Method languageCodes() { return class_getClassMethod([NSLocale class], @selector(ISOLanguageCodes)); }
+
+}  // namespace
+
+WithoutVersionQuestion::WithoutVersionQuestion() { answerRespondsWith(reinterpret_cast<IMP>(answerNo)); }
+WithoutVersionQuestion::~WithoutVersionQuestion() { answerRespondsWith(nullptr); }
+
+WithoutCodes::WithoutCodes()
+    : countries_(reinterpret_cast<void (*)()>(
+          method_setImplementation(countryCodes(), reinterpret_cast<IMP>(answerEmptyList)))),
+      languages_(reinterpret_cast<void (*)()>(
+          method_setImplementation(languageCodes(), reinterpret_cast<IMP>(answerEmptyList)))) {}
+
+WithoutCodes::~WithoutCodes() {
+  method_setImplementation(countryCodes(), reinterpret_cast<IMP>(countries_));
+  method_setImplementation(languageCodes(), reinterpret_cast<IMP>(languages_));
+}
+
+}  // namespace other_foundation
