@@ -18,12 +18,11 @@
 #include <vector>
 
 #include "desktop/current.h"
-#include "desktop/desktop.h"
-#include "desktop/icc_folders.h"
 #include "desktop/scripted.h"
 #include "groups.h"
 #include "plugin_rows.h"
 #include "profile/profile_services.h"
+#include "support/folder_desktop.h"
 #include "support/icc_maker.h"
 #include "support/temporary_folder.h"
 
@@ -75,25 +74,8 @@ const ProfileFolder& folderOf(long count) {
   return *folder;
 }
 
-/// A desktop whose installed profiles are those in one folder.
-class FolderDesktop final : public platform::desktop::Desktop {
- public:
-  explicit FolderDesktop(const std::string& folder) : folders_({folder}) {}
-  std::shared_ptr<const platform::desktop::Arrangement> arrangement() override {
-    return std::make_shared<const platform::desktop::Arrangement>();
-  }
-  void visitDeviceProfiles(const platform::desktop::DeviceProfileVisitor&) override {}
-  void visitInstalledProfiles(const platform::desktop::InstalledProfileVisitor& visit) override {
-    folders_.visit(visit);
-  }
-  bool setDeviceProfile(const platform::desktop::Uuid&, const std::string&) override { return false; }
-
- private:
-  platform::desktop::IccFolders folders_;
-};
-
 void makeCurrent(const ProfileFolder& folder) {
-  platform::desktop::setCurrent(std::make_shared<FolderDesktop>(folder.path()));
+  platform::desktop::setCurrent(std::make_shared<support::FolderDesktop>(folder.path()));
 }
 
 void expectAll(std::size_t found, const ProfileFolder& folder) {
@@ -139,7 +121,7 @@ Timer firstTimer(const ProfileFolder& folder) {
 
 /// A desktop of its own, used for nothing else, so that it remembers the folder whatever is measured in between.
 Timer againTimer(const ProfileFolder& folder) {
-  const auto desktop = std::make_shared<FolderDesktop>(folder.path());
+  const auto desktop = std::make_shared<support::FolderDesktop>(folder.path());
   platform::desktop::setCurrent(desktop);
   list(folder);
   return preparedTimer([desktop] { platform::desktop::setCurrent(desktop); }, [&folder] { list(folder); });

@@ -14,9 +14,9 @@
 #include <vector>
 
 #include "desktop/current.h"
-#include "desktop/icc_folders.h"
 #include "desktop/scripted.h"
 #include "frameworks/calls.h"
+#include "support/folder_desktop.h"
 #include "support/icc_maker.h"
 #include "support/scripted.h"
 #include "support/temporary_folder.h"
@@ -164,26 +164,9 @@ TEST(IterateInstalledProfiles, GivesEntriesThatMayOutliveTheWalk) {
   CFRelease(kept);
 }
 
-/// A desktop whose installed profiles are those in one folder.
-class FolderDesktop final : public platform::desktop::Desktop {
- public:
-  explicit FolderDesktop(const std::string& folder) : folders_({folder}) {}
-  std::shared_ptr<const platform::desktop::Arrangement> arrangement() override {
-    return std::make_shared<const platform::desktop::Arrangement>();
-  }
-  void visitDeviceProfiles(const platform::desktop::DeviceProfileVisitor&) override {}
-  void visitInstalledProfiles(const platform::desktop::InstalledProfileVisitor& visit) override {
-    folders_.visit(visit);
-  }
-  bool setDeviceProfile(const platform::desktop::Uuid&, const std::string&) override { return false; }
-
- private:
-  platform::desktop::IccFolders folders_;
-};
-
 TEST(IterateInstalledProfiles, SeesFilesComeChangeAndGo) {
   const TemporaryFolder folder;
-  platform::desktop::setCurrent(std::make_shared<FolderDesktop>(folder.path()));
+  platform::desktop::setCurrent(std::make_shared<support::FolderDesktop>(folder.path()));
   EXPECT_THAT(entries(), IsEmpty());
   const std::string path = folder.write("a.icc", support::displayProfile("First"));
   for (int i = 0; i < 3; ++i) {

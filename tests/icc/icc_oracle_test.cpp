@@ -14,6 +14,7 @@
 
 #include "desktop/icc_folders.h"
 #include "desktop/icc_profile.h"
+#include "support/icu_text.h"
 
 namespace {
 
@@ -57,22 +58,6 @@ std::uint32_t signatureOf(const std::string& four_characters) {
   return signature;
 }
 
-std::string utf8(const std::wstring& wide) {
-  std::string text;
-  for (const wchar_t unit : wide) {
-    const auto value = static_cast<std::uint32_t>(unit);
-    if (value < 0x80) {
-      text += static_cast<char>(value);
-    } else if (value < 0x800) {
-      text += {static_cast<char>(0xC0 | value >> 6), static_cast<char>(0x80 | (value & 0x3F))};
-    } else {
-      text += {static_cast<char>(0xE0 | value >> 12), static_cast<char>(0x80 | (value >> 6 & 0x3F)),
-               static_cast<char>(0x80 | (value & 0x3F))};
-    }
-  }
-  return text;
-}
-
 struct ClassAndName {
   std::string profile_class;
   std::string name;
@@ -96,7 +81,8 @@ std::map<std::string, ClassAndName> listOfLcms(const char* language, const char*
     std::wstring name(size / sizeof(wchar_t), L'\0');
     cmsGetProfileInfo(profile.get(), cmsInfoDescription, language, country, name.data(), size);
     name.resize(std::min(name.find(L'\0'), name.size()));
-    list[file] = {fourCharacters(cmsGetDeviceClass(profile.get())), utf8(name)};
+    list[file] = {fourCharacters(cmsGetDeviceClass(profile.get())),
+                  support::utf8ByIcu(std::u16string(name.begin(), name.end())).value_or("no text")};
   }
   return list;
 }

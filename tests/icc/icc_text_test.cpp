@@ -8,6 +8,7 @@
 #include <string>
 
 #include "support/icc_maker.h"
+#include "support/icu_text.h"
 #include "support/temporary_folder.h"
 
 namespace {
@@ -37,7 +38,7 @@ std::optional<std::string> textOf(const std::string& element, const Language& wa
   return readIccText(*file, IccTag{0, 0, static_cast<std::uint32_t>(element.size())}, wanted);
 }
 
-/// What lcms2 makes of the same element as a profile's description, in UTF-8; for texts of the BMP.
+/// What lcms2 makes of the same element as a profile's description, in UTF-8.
 std::string lcmsTextOf(const std::string& element, const char* language = "en", const char* country = "US") {
   const std::string bytes = support::IccMaker().tag("desc", element).bytes();
   const cmsHPROFILE profile = cmsOpenProfileFromMem(bytes.data(), static_cast<cmsUInt32Number>(bytes.size()));
@@ -45,19 +46,8 @@ std::string lcmsTextOf(const std::string& element, const char* language = "en", 
   std::wstring wide(size / sizeof(wchar_t), L'\0');
   cmsGetProfileInfo(profile, cmsInfoDescription, language, country, wide.data(), size);
   cmsCloseProfile(profile);
-  std::string text;
-  for (const wchar_t unit : wide.substr(0, wide.find(L'\0'))) {
-    const auto value = static_cast<unsigned>(unit);
-    if (value < 0x80) {
-      text += static_cast<char>(value);
-    } else if (value < 0x800) {
-      text += {static_cast<char>(0xC0 | value >> 6), static_cast<char>(0x80 | (value & 0x3F))};
-    } else {
-      text += {static_cast<char>(0xE0 | value >> 12), static_cast<char>(0x80 | (value >> 6 & 0x3F)),
-               static_cast<char>(0x80 | (value & 0x3F))};
-    }
-  }
-  return text;
+  const std::wstring text = wide.substr(0, wide.find(L'\0'));
+  return support::utf8ByIcu(std::u16string(text.begin(), text.end())).value_or("no text");
 }
 
 // --- desc
