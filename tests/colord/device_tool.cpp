@@ -4,24 +4,20 @@
 //   colord_device_tool assign CONNECTOR FILE      prints "true" or "false"
 //   colord_device_tool exit-during-walk           leaves while a walk on another thread waits for colord
 #include <cstdio>
-#include <future>
 #include <string>
 #include <thread>
 
 #include "colord/displays.h"
+#include "support/colord_calls.h"
 
 using namespace colord_test;
 
 namespace {
 
 int exitDuringWalk(const ColordDevices& devices) {
-  std::promise<void> begun;
-  std::thread([&] {
-    begun.set_value();
-    walk(devices);
-  }).detach();
-  begun.get_future().wait();
-  std::this_thread::sleep_for(std::chrono::milliseconds(200));  // until the walk has very likely asked colord
+  test_support::ColordCalls calls;
+  std::thread([&devices] { walk(devices); }).detach();
+  calls.waitForOne();
   return 0;
 }
 

@@ -1,0 +1,76 @@
+#include "support/colord_calls.h"
+
+#include <gio/gio.h>
+
+#include <chrono>
+#include <cstdlib>
+#include <stdexcept>
+
+namespace test_support {
+namespace {
+
+constexpr std::chrono::seconds kLimit{30};
+/// Whoever is called by a path below this one is colord, by whichever name.
+constexpr const char* kRule = "type='method_call',path_namespace='/org/freedesktop/ColorManager'";
+
+std::shared_ptr<GDBusConnection> connectToBus() {
+  const char* const address = std::getenv("DBUS_SYSTEM_BUS_ADDRESS");
+  const auto flags = static_cast<GDBusConnectionFlags>(G_DBUS_CONNECTION_FLAGS_AUTHENTICATION_CLIENT |
+                                                       G_DBUS_CONNECTION_FLAGS_MESSAGE_BUS_CONNECTION);
+  GDBusConnection* const connection =
+      g_dbus_connection_new_for_address_sync(address == nullptr ? "" : address, flags, nullptr, nullptr, nullptr);
+  if (connection == nullptr) {
+    throw std::runtime_error("no bus to monitor");
+  }
+  return {connection, g_object_unref};
+}
+
+bool becomeMonitor(GDBusConnection* connection) {
+  const char* const rules[] = {kRule, nullptr};
+  GVariant* const answer = g_dbus_connection_call_sync(
+      connection, "org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus.Monitoring", "BecomeMonitor",
+      g_variant_new("(^asu)", rules, 0U), nullptr, G_DBUS_CALL_FLAGS_NONE, -1, nullptr, nullptr);
+  if (answer != nullptr) {
+    g_variant_unref(answer);
+  }
+  return answer != nullptr;
+}
+
+bool isAnotherOnesCall(GDBusMessage* message, gboolean incoming) {
+  return incoming != FALSE && g_dbus_message_get_message_type(message) == G_DBUS_MESSAGE_TYPE_METHOD_CALL;
+}
+
+}  // namespace
+
+ColordCalls::ColordCalls() : connection_(connectToBus()) {
+  // What the filter drops is not answered: a monitor that sends anything is thrown off the bus.
+  const auto filter = +[](GDBusConnection*, GDBusMessage* message, gboolean incoming, gpointer self) -> GDBusMessage* {
+    if (!isAnotherOnesCall(message, incoming)) {
+      return message;
+    }
+    g_object_unref(message);
+    static_cast<ColordCalls*>(self)->seen();
+    return nullptr;
+  };
+  g_dbus_connection_add_filter(connection_.get(), filter, this, nullptr);
+  if (!becomeMonitor(connection_.get())) {
+    throw std::runtime_error("the bus does not let itself be monitored");
+  }
+}
+
+ColordCalls::~ColordCalls() { g_dbus_connection_close_sync(connection_.get(), nullptr, nullptr); }
+
+void ColordCalls::seen() {
+  const std::lock_guard lock(mutex_);
+  any_ = true;
+  changed_.notify_all();
+}
+
+void ColordCalls::waitForOne() {
+  std::unique_lock lock(mutex_);
+  if (!changed_.wait_for(lock, kLimit, [this] { return any_; })) {
+    throw std::runtime_error("nobody has asked colord for anything in time");
+  }
+}
+
+}  // namespace test_support

@@ -1,0 +1,34 @@
+// ColordCalls: what processes ask of colord on the system bus, as the bus itself sees it pass.
+//
+// The bus is the one that DBUS_SYSTEM_BUS_ADDRESS names. It must run as the user of the test, who may then monitor it.
+#pragma once
+
+#include <condition_variable>
+#include <memory>
+#include <mutex>
+
+struct _GDBusConnection;
+
+namespace test_support {
+
+class ColordCalls {
+ public:
+  /// Watches from now on. Throws std::runtime_error when the bus does not admit it.
+  ColordCalls();
+  ~ColordCalls();
+  ColordCalls(const ColordCalls&) = delete;
+  ColordCalls& operator=(const ColordCalls&) = delete;
+
+  /// Returns once colord has been asked for something, answered or not. Throws std::runtime_error after 30 seconds.
+  void waitForOne();
+
+ private:
+  void seen();
+
+  std::mutex mutex_;
+  std::condition_variable changed_;
+  bool any_ = false;
+  std::shared_ptr<_GDBusConnection> connection_;
+};
+
+}  // namespace test_support
