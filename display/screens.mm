@@ -12,7 +12,12 @@ namespace {
 /// The one vertical offset, in points, by which a screen's frame may lie above its display's bounds.
 constexpr CGFloat kVerticalTolerance = 30.0;
 
-// The classes that answers are held against are looked up once, as that would be most of what the comparison costs.
+// The classes that answers are held against are looked up once: that would be most of what the comparison costs.
+
+Class screenClass() {
+  static const Class screen_class = [NSScreen class];
+  return screen_class;
+}
 
 /// Nil for what is no list.
 NSArray* listOrNil(id object) {
@@ -21,8 +26,7 @@ NSArray* listOrNil(id object) {
 }
 
 /// The comparison spares most screens, and with them most of a walk over many, the question.
-bool isScreen(id object) {
-  static const Class screen_class = [NSScreen class];
+bool isScreen(id object, Class screen_class) {
   return object_getClass(object) == screen_class || [object isKindOfClass:screen_class];
 }
 
@@ -38,14 +42,15 @@ bool matches(CGRect bounds, CGRect frame) {
 }  // namespace
 
 NSScreen* ScreenWithDisplayID(CGDirectDisplayID displayID) {
+  const Class screen_class = screenClass();
   const CGRect bounds = CGDisplayBounds(displayID);
   for (NSScreen* screen in listOrNil([NSScreen screens])) {
-    if ((screen == nil || isScreen(screen)) && matches(bounds, frameOf(screen))) {
+    if ((screen == nil || isScreen(screen, screen_class)) && matches(bounds, frameOf(screen))) {
       return screen;
     }
   }
   NSScreen* const main = [NSScreen mainScreen];
-  return isScreen(main) ? main : nil;
+  return isScreen(main, screen_class) ? main : nil;
 }
 
 double ScaleFactorForDisplay(CGDirectDisplayID displayID) {
