@@ -98,7 +98,13 @@ bool ColordClient::connect(const Operation& operation) {
 }
 
 bool ColordClient::connectToBus(const Operation& operation) {
+  // GIO hands out one and the same connection while anybody holds it, a failed one too: an attempt that an operation
+  // gave up must be over before the next begins.
+  if (!operation.waitUntil([this] { return connecting_.expired(); })) {
+    return false;
+  }
   const auto got = operation.start([](auto... rest) { g_bus_get(G_BUS_TYPE_SYSTEM, rest...); });
+  connecting_ = got;
   ErrorSlot error;
   if (operation.wait(got) == nullptr) {
     return false;

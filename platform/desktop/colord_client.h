@@ -60,6 +60,7 @@ class ColordClient {
   ObjectRef<CdProfile> createProfile(const Operation& operation, const AssignedProfile& profile);
   ObjectRef<CdProfile> registerProfile(const Operation& operation, const std::string& file);
 
+  std::weak_ptr<PendingCall> connecting_;  ///< the last attempt, while it is under way
   ObjectRef<GDBusConnection> connection_;
   guint name_watch_ = 0;
   guint signal_watch_ = 0;

@@ -13,6 +13,7 @@ Operation::Operation(GMainContext* context, Clock::time_point deadline)
 }
 
 Operation::~Operation() {
+  g_cancellable_cancel(cancellable_.get());
   g_source_destroy(alarm_);
   g_source_unref(alarm_);
 }

@@ -25,6 +25,7 @@ class Operation {
 
   /// `context` is the calling thread's own default context and outlives the operation.
   Operation(GMainContext* context, Clock::time_point deadline);
+  /// Cancels every call that is still under way.
   ~Operation();
   Operation(const Operation&) = delete;
   Operation& operator=(const Operation&) = delete;
