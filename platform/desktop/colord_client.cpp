@@ -12,6 +12,7 @@ constexpr const char* kColordName = "org.freedesktop.ColorManager";
 constexpr const char* kColordPath = "/org/freedesktop/ColorManager";
 /// A reading during which something changed is begun anew this many times; then it is taken as it is.
 constexpr int kMostReadings = 3;
+constexpr std::chrono::milliseconds kRetryPause{2};
 
 /// Where colord looks for profiles itself.
 constexpr const char* kColordDirectories[] = {"/usr/share/color/icc/", "/usr/local/share/color/icc/",
@@ -97,20 +98,24 @@ bool ColordClient::connect(const Operation& operation) {
   return true;
 }
 
+ObjectRef<GDBusConnection> ColordClient::sharedConnection(const Operation& operation) {
+  for (;;) {
+    const auto got = operation.start([](auto... rest) { g_bus_get(G_BUS_TYPE_SYSTEM, rest...); });
+    ErrorSlot error;
+    if (operation.wait(got) == nullptr) {
+      return nullptr;
+    }
+    ObjectRef<GDBusConnection> connection(g_bus_get_finish(got->result.get(), error.place()));
+    // GIO hands out one and the same connection while anybody holds it, a failed one too. This operation has not been
+    // cancelled, so the error is of an earlier one that was, and whose thread has not let go of the connection yet.
+    if (connection || !error.is(G_IO_ERROR, G_IO_ERROR_CANCELLED) || !operation.pause(kRetryPause)) {
+      return connection;
+    }
+  }
+}
+
 bool ColordClient::connectToBus(const Operation& operation) {
-  // GIO hands out one and the same connection while anybody holds it, a failed one too: an attempt that an operation
-  // gave up must be over before the next begins.
-  if (!operation.waitUntil([this] { return connecting_.expired(); })) {
-    return false;
-  }
-  const auto got = operation.start([](auto... rest) { g_bus_get(G_BUS_TYPE_SYSTEM, rest...); });
-  connecting_ = got;
-  ErrorSlot error;
-  if (operation.wait(got) == nullptr) {
-    return false;
-  }
-  // The process's one connection to the system bus, which libcolord uses too.
-  ObjectRef<GDBusConnection> connection(g_bus_get_finish(got->result.get(), error.place()));
+  ObjectRef<GDBusConnection> connection = sharedConnection(operation);
   if (!connection || g_dbus_connection_is_closed(connection.get())) {
     return false;
   }

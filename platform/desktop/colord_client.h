@@ -46,6 +46,8 @@ class ColordClient {
  private:
   bool connect(const Operation& operation);
   bool connectToBus(const Operation& operation);
+  /// The process's one connection to the system bus, which libcolord uses too; null when there is none.
+  static ObjectRef<GDBusConnection> sharedConnection(const Operation& operation);
   void disconnect();
   static void announced(GDBusConnection*, const gchar*, const gchar*, const gchar*, const gchar*, GVariant*, gpointer);
   static void appeared(GDBusConnection*, const gchar* name, const gchar* owner, gpointer self);
@@ -60,7 +62,6 @@ class ColordClient {
   ObjectRef<CdProfile> createProfile(const Operation& operation, const AssignedProfile& profile);
   ObjectRef<CdProfile> registerProfile(const Operation& operation, const std::string& file);
 
-  std::weak_ptr<PendingCall> connecting_;  ///< the last attempt, while it is under way
   ObjectRef<GDBusConnection> connection_;
   guint name_watch_ = 0;
   guint signal_watch_ = 0;

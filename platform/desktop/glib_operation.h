@@ -38,6 +38,8 @@ class Operation {
   GAsyncResult* wait(const std::shared_ptr<PendingCall>& call) const;
   /// Waits until `condition` holds; false when the operation expired first.
   bool waitUntil(const std::function<bool()>& condition) const;
+  /// Waits for that long; false when the operation expired first.
+  bool pause(std::chrono::milliseconds time) const;
 
  private:
   static gboolean expire(gpointer self);

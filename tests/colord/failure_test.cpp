@@ -1,4 +1,5 @@
 // A colord or a bus that is missing, hangs or dies.
+#include <dlfcn.h>
 #include <gio/gio.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -12,6 +13,26 @@
 #include "support/colord_calls.h"
 #include "support/private_colord.h"
 #include "support/process.h"
+
+namespace {
+
+/// So many answers of GIO are what it gives while it still holds the connection of an attempt that was cancelled.
+std::atomic<int> abandoned_attempts = 0;
+
+}  // namespace
+
+/// In place of GIO's, which it calls.
+extern "C" __attribute__((visibility("default"))) GDBusConnection* g_bus_get_finish(GAsyncResult* result,
+                                                                                    GError** error) {
+  static auto* const original = reinterpret_cast<decltype(&g_bus_get_finish)>(dlsym(RTLD_NEXT, "g_bus_get_finish"));
+  GDBusConnection* const connection = original(result, error);
+  if (connection == nullptr || abandoned_attempts-- <= 0) {
+    return connection;
+  }
+  g_object_unref(connection);
+  g_set_error_literal(error, G_IO_ERROR, G_IO_ERROR_CANCELLED, "Operation was cancelled");
+  return nullptr;
+}
 
 namespace colord_test {
 namespace {
@@ -162,6 +183,12 @@ TEST_F(Failing, ABusThatHangsCostsTheLimitOnly) {
   colord_.resumeBus();
   assignOnce();
   expectWorking();
+}
+
+TEST_F(Failing, AConnectionThatIsStillThatOfAnAbandonedAttemptIsAskedForAgain) {
+  abandoned_attempts = 3;
+  assignOnce();
+  EXPECT_LT(abandoned_attempts, 0);
 }
 
 TEST_F(Failing, AProcessMayEndWhileAWalkWaits) {
