@@ -42,17 +42,18 @@ bool isAnotherOnesCall(GDBusMessage* message, gboolean incoming) {
 
 }  // namespace
 
-ColordCalls::ColordCalls() : connection_(connectToBus()) {
+ColordCalls::ColordCalls() : seen_(g_async_queue_new(), g_async_queue_unref), connection_(connectToBus()) {
   // What the filter drops is not answered: a monitor that sends anything is thrown off the bus.
-  const auto filter = +[](GDBusConnection*, GDBusMessage* message, gboolean incoming, gpointer self) -> GDBusMessage* {
+  const auto filter = +[](GDBusConnection*, GDBusMessage* message, gboolean incoming, gpointer seen) -> GDBusMessage* {
     if (!isAnotherOnesCall(message, incoming)) {
       return message;
     }
     g_object_unref(message);
-    static_cast<ColordCalls*>(self)->seen();
+    g_async_queue_push(static_cast<GAsyncQueue*>(seen), seen);
     return nullptr;
   };
-  g_dbus_connection_add_filter(connection_.get(), filter, this, nullptr);
+  const auto forget = +[](gpointer seen) { g_async_queue_unref(static_cast<GAsyncQueue*>(seen)); };
+  g_dbus_connection_add_filter(connection_.get(), filter, g_async_queue_ref(seen_.get()), forget);
   if (!becomeMonitor(connection_.get())) {
     throw std::runtime_error("the bus does not let itself be monitored");
   }
@@ -60,15 +61,8 @@ ColordCalls::ColordCalls() : connection_(connectToBus()) {
 
 ColordCalls::~ColordCalls() { g_dbus_connection_close_sync(connection_.get(), nullptr, nullptr); }
 
-void ColordCalls::seen() {
-  const std::lock_guard lock(mutex_);
-  any_ = true;
-  changed_.notify_all();
-}
-
 void ColordCalls::waitForOne() {
-  std::unique_lock lock(mutex_);
-  if (!changed_.wait_for(lock, kLimit, [this] { return any_; })) {
+  if (g_async_queue_timeout_pop(seen_.get(), std::chrono::microseconds(kLimit).count()) == nullptr) {
     throw std::runtime_error("nobody has asked colord for anything in time");
   }
 }
