@@ -56,18 +56,8 @@ bool Operation::waitUntil(const std::function<bool()>& condition) const {
 }
 
 bool Operation::pause(std::chrono::milliseconds time) const {
-  bool is_over = false;
-  GSource* const timer = g_timeout_source_new(static_cast<guint>(time.count()));
-  const auto note = +[](gpointer over) -> gboolean {
-    *static_cast<bool*>(over) = true;
-    return G_SOURCE_REMOVE;
-  };
-  g_source_set_callback(timer, note, &is_over, nullptr);
-  g_source_attach(timer, context_);
-  const bool in_time = waitUntil([&is_over] { return is_over; });
-  g_source_destroy(timer);
-  g_source_unref(timer);
-  return in_time;
+  Operation(context_, Clock::now() + time).waitUntil([] { return false; });
+  return !expired();
 }
 
 }  // namespace platform::desktop
