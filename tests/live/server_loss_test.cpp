@@ -36,7 +36,7 @@ Clock::duration timeOf(Function function) {
 }
 
 TEST(LostServer, LeavesNoDisplays) {
-  XorgServer server;
+  XorgServer server(XorgServer::reservedDisplay());
   const auto desktop = liveDesktopOf(server);
   ASSERT_EQ(desktop->arrangement()->displays.size(), 1u);
   server.kill();

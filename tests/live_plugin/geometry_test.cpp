@@ -98,7 +98,7 @@ class LiveGeometry : public testing::Test {
     EXPECT_EQ(plugin.call("DisplayIDForWindow", {100, 100, 100, 100}).result.unsignedNumber(), 0U);
   }
 
-  XorgServer server;
+  XorgServer server{XorgServer::reservedDisplay()};
   LiveSession session{server.display()};
   const devhost::Plugin& plugin = session.plugin;
 };

@@ -71,7 +71,8 @@ class XServer {
   /// Replaces the resource database by this text (xrdb); an empty text removes it.
   void setResources(const std::string& text);
 
-  /// Ends the server at once, as a crash would.
+  /// Ends the server at once, as a crash would. Its display number is then free: a client that goes on looking for it
+  /// may find another test's server, unless the number was a reserved one.
   void kill();
   /// The server hangs until it is resumed.
   void pause();
@@ -112,7 +113,7 @@ class XorgServer final : public XServer {
   /// An empty display: any free one.
   explicit XorgServer(const std::string& display = {});
 
-  /// A display name that no other test uses, for a server that is to be started again at the same one.
+  /// A display name that no other test uses, for a server that is to be killed, or started again at the same one.
   static std::string reservedDisplay();
 
   /// Switches outputs on, of any size, or moves them; all in one change.
