@@ -11,7 +11,7 @@
 //     HOST_EXACT.
 //   HOST_MEMBER_BESIDE(member, entry, result, (types))
 //     The same, for a name that also has an exact form, which takes `types`: every call that the exact form can take is
-//     the exact form's, even if its arguments have to be converted.
+//     the exact form's, even if its arguments have to be converted, and so is a call with a 0 or NULL for a pointer.
 //   HOST_EXACT(member, entry, result, (parameters), (names))
 //     A member with exactly these parameters; `names` repeats their names.
 //   HOST_GETTER, HOST_SETTER(member, entry, result, type)     a property of an object, by name
@@ -29,6 +29,20 @@
 
 #include "host/call.h"
 #include "host/handles.h"
+
+namespace host {
+
+/// What is tried in place of an argument: a number, whose value is not known here, may be a literal 0, which is a null
+/// pointer too.
+struct NumberOrNull {
+  template <typename Parameter>
+  operator Parameter() const;
+};
+
+template <typename Argument>
+using AsTried = std::conditional_t<std::is_integral_v<Argument>, NumberOrNull, Argument>;
+
+}  // namespace host
 
 // NOLINTBEGIN(cppcoreguidelines-macro-usage,bugprone-macro-parentheses): the reason is given above; the parameters are
 // names, types and lists, which parentheses would break.
@@ -48,12 +62,12 @@
     return host::call<host::slots::member, host::result>(arguments...); \
   }
 
-#define HOST_MEMBER_BESIDE(member, entry, result, types)                                         \
-  HOST_SLOT(member, entry)                                                                       \
-  template <typename... Arguments>                                                               \
-  requires(!std::is_invocable_v<void(*) types, Arguments...>) inline host::result::Value member( \
-      Arguments... arguments) {                                                                  \
-    return host::call<host::slots::member, host::result>(arguments...);                          \
+#define HOST_MEMBER_BESIDE(member, entry, result, types)                                                        \
+  HOST_SLOT(member, entry)                                                                                      \
+  template <typename... Arguments>                                                                              \
+  requires(!std::is_invocable_v<void(*) types, host::AsTried<Arguments>...>) inline host::result::Value member( \
+      Arguments... arguments) {                                                                                 \
+    return host::call<host::slots::member, host::result>(arguments...);                                         \
   }
 
 #define HOST_EXACT(member, entry, result, parameters, names) \

@@ -69,6 +69,8 @@ TEST(LockPictureDescription, OfAPictureIntoADescriptionReachesTheEntryForNativeT
   EXPECT_EQ(gRecorded.integers[1], reinterpret_cast<std::uintptr_t>(description));
   REALLockPictureDescription(picture, nullptr);
   EXPECT_EQ(gRecorded.integers[1], 0U);
+  REALLockPictureDescription(picture, NULL);
+  REALLockPictureDescription(0, 0);
   EXPECT_THAT(host.asked(), ElementsAre("lockPictureDescription"));
 }
 
