@@ -27,8 +27,8 @@ enum class Call : std::size_t {
 
 inline constexpr std::size_t kCallCount = static_cast<std::size_t>(Call::kCount);
 
-/// Makes something else of a dictionary that a call hands out. Gets it borrowed; answers an object of any type with a
-/// reference for the caller, or null.
+/// Makes something else of a dictionary that a call hands out, or is given. Gets it borrowed; answers an object of any
+/// type with a reference for the caller, or null.
 using Edit = std::function<const void*(const void* dictionary)>;
 
 /// What a hook makes of one call. Of the members that a call has no use for, nothing comes.
@@ -39,8 +39,9 @@ struct Answer {
   std::optional<double> real{};         ///< the same, of a scale factor
   std::optional<desktop::Rect> rect{};  ///< the same, of a rectangle
   std::optional<std::int32_t> error{};  ///< the call does nothing and answers this code, which may be that of success
-  const void* object = nullptr;         ///< borrowed; what the call answers, whatever its own type is
-  const Edit* edit = nullptr;  ///< borrowed, for as long as the call may use it; for calls that hand out dictionaries
+  std::optional<std::int32_t> late_error{};  ///< the call does its work, and then answers this code all the same
+  const void* object = nullptr;              ///< borrowed; what the call answers, whatever its own type is
+  const Edit* edit = nullptr;  ///< borrowed, for as long as the call may use it; for calls with a dictionary
 };
 
 /// `nth` is 1 for the first call after the hook was set. A hook runs on the calling thread, before the call does its

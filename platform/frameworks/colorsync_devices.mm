@@ -99,8 +99,10 @@ bool ColorSyncDeviceSetCustomProfiles(CFStringRef deviceClass, CFUUIDRef deviceI
   if (![(NSString*)deviceClass isEqual:(NSString*)kColorSyncDisplayDeviceClass] || !platform::isUuid((id)deviceID)) {
     return false;
   }
-  const std::optional<std::string> path = customProfilePath((NSDictionary*)profileInfo);
-  return path && platform::desktop::current()->setDeviceProfile(platform::bytesOf(deviceID), *path);
+  return platform::showEntry(answer.edit, profileInfo, [=](CFDictionaryRef given) {
+    const std::optional<std::string> path = customProfilePath((NSDictionary*)given);
+    return path && platform::desktop::current()->setDeviceProfile(platform::bytesOf(deviceID), *path);
+  });
 }
 
 CFUUIDRef CGDisplayCreateUUIDFromDisplayID(uint32_t displayID) {

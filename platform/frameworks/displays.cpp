@@ -66,7 +66,7 @@ CGError list(const Answer& answer, uint32_t capacity, CGDirectDisplayID* numbers
     ++found;
   }
   *count = answer.number ? static_cast<uint32_t>(*answer.number) : found;
-  return kCGErrorSuccess;
+  return static_cast<CGError>(answer.late_error.value_or(kCGErrorSuccess));
 }
 
 /// What CoreGraphics answers for the vendor, model and serial number of a display that is not there.

@@ -114,7 +114,7 @@ kern_return_t IOServiceGetMatchingServices(mach_port_t, CFDictionaryRef matching
   const auto arrangement = platform::desktop::current()->arrangement();
   const std::size_t count = matchesDisplays((NSDictionary*)matching) ? arrangement->services.size() : 0;
   *existing = handles().makeIterator(arrangement, count);
-  return KERN_SUCCESS;
+  return answer.late_error.value_or(KERN_SUCCESS);
 }
 
 io_object_t IOIteratorNext(io_iterator_t iterator) {

@@ -1,4 +1,7 @@
 // Which IOKit service is a display's, and the name that is taken from it.
+#include <cstdlib>
+#include <optional>
+
 #include "display/scripted_displays.h"
 
 namespace {
@@ -170,6 +173,13 @@ TEST_F(IoServicePort, IsNoneWhenACallFails) {
   }
 }
 
+TEST_F(IoServicePort, IsNoneWhenAnErrorComesWithTheServices) {
+  platform::calls::setHook(Call::IOServiceGetMatchingServices,
+                           [](std::uint64_t) { return Answer{.late_error = KERN_FAILURE}; });
+  EXPECT_FALSE(FoundService(1));
+  EXPECT_EQ(text(DisplayNameForID(1)), "UNKNOWN");
+}
+
 TEST_F(IoServicePort, IsNoneForADisplayOfZerosWhenNumbersCannotBeRead) {
   setNumbers(0, 0, 0);
   fail(Call::CFNumberGetValue);
@@ -180,6 +190,30 @@ TEST_F(IoServicePort, OfDisplayZeroOrADisconnectedDisplayIsNone) {
   EXPECT_FALSE(FoundService(0));
   EXPECT_FALSE(FoundService(99));
 }
+
+/// The user's language while this lives.
+class PreferredLanguage {
+ public:
+  explicit PreferredLanguage(const std::string& code) {
+    if (const char* const before = std::getenv(kVariable)) {
+      before_ = before;
+    }
+    setenv(kVariable, code.c_str(), 1);
+  }
+  PreferredLanguage(const PreferredLanguage&) = delete;
+  PreferredLanguage& operator=(const PreferredLanguage&) = delete;
+  ~PreferredLanguage() {
+    if (before_) {
+      setenv(kVariable, before_->c_str(), 1);
+    } else {
+      unsetenv(kVariable);
+    }
+  }
+
+ private:
+  static constexpr const char* kVariable = "LANGUAGE";
+  std::optional<std::string> before_;
+};
 
 using DisplayName = IoServicePort;
 
@@ -213,6 +247,15 @@ TEST_F(DisplayName, ThatIsEmptyInIoKitIsColorSyncs) {
   EXPECT_EQ(text(DisplayNameForID(1)), "ColorSync 1");
 }
 
+TEST_F(DisplayName, FromColorSyncLeavesAReferenceToTheUuidBehind) {
+  setServices({service(1, "")});
+  const auto uuid = makeUuid(1);
+  const CFIndex before = CFGetRetainCount(uuid.get());
+  EXPECT_EQ(text(DisplayNameForID(1)), "ColorSync 1");
+  waitForWalks(1);
+  EXPECT_EQ(CFGetRetainCount(uuid.get()), before + 1);
+}
+
 TEST_F(DisplayName, ThatIsEmptyInIoKitAndNotInColorSyncIsUnknownAtTheLimit) {
   setServices({service(1, "")});
   edit([](Script& script) { script.device_profiles.clear(); });
@@ -233,7 +276,10 @@ TEST_F(DisplayName, IsTheOneNameThatIoKitLeavesOfSeveral) {
   DisplayService several = service(1, "");
   several.product_names = {{{"fr", "Écran"}, {"en", "Screen"}, {"ja", "画面"}}};
   setServices({several});
-  EXPECT_THAT(text(DisplayNameForID(1)), testing::AnyOf("Écran", "Screen", "画面"));
+  for (const auto& [language, name] : several.product_names.value()) {
+    const PreferredLanguage preferred(language);
+    EXPECT_EQ(text(DisplayNameForID(1)), name);
+  }
 }
 
 TEST_F(DisplayName, KeepsItsBytes) {

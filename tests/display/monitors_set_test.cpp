@@ -21,6 +21,13 @@ class MonitorsSet : public DisplayTest {
     return set;
   }
 
+  /// Makes the nth CGGetActiveDisplayList do what it is asked, and report an error nevertheless.
+  static void reportAnError(std::uint64_t nth) {
+    platform::calls::setHook(Call::CGGetActiveDisplayList, [=](std::uint64_t this_one) {
+      return this_one == nth ? Answer{.late_error = kCGErrorFailure} : Answer{};
+    });
+  }
+
   /// The count that the nth CGGetActiveDisplayList reports.
   static void reportCount(std::uint64_t nth, std::int64_t number) {
     platform::calls::setHook(Call::CGGetActiveDisplayList, [=](std::uint64_t this_one) {
@@ -71,6 +78,16 @@ TEST_F(MonitorsSet, IsLeftAsItWasWhenTheDisplaysCannotBeListed) {
   fail(Call::CGGetActiveDisplayList, 1);
   EXPECT_THAT(build(), SizeIs(0));
   fail(Call::CGGetActiveDisplayList, 2);
+  EXPECT_THAT(build(), SizeIs(0));
+}
+
+TEST_F(MonitorsSet, IsBuiltDespiteAnErrorThatComesWithTheCount) {
+  reportAnError(1);
+  EXPECT_THAT(build(), SizeIs(3));
+}
+
+TEST_F(MonitorsSet, IsLeftAsItWasWhenAnErrorComesWithTheList) {
+  reportAnError(2);
   EXPECT_THAT(build(), SizeIs(0));
 }
 

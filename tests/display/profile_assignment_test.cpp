@@ -29,6 +29,21 @@ TEST_F(ProfileAssignment, ByUuidIsReportedByALaterQuery) {
   EXPECT_EQ(queriedPath(3), "/new.icc");
 }
 
+TEST_F(ProfileAssignment, GivesColorSyncADictionaryOfTheDefaultProfileAlone) {
+  const platform::calls::Edit look = [](const void* given) -> const void* {
+    const auto profiles = static_cast<CFDictionaryRef>(given);
+    EXPECT_EQ(CFDictionaryGetCount(profiles), 1);
+    EXPECT_EQ(path(static_cast<CFURLRef>(CFDictionaryGetValue(profiles, kColorSyncDeviceDefaultProfileID))),
+              "/new.icc");
+    return CFRetain(given);
+  };
+  platform::calls::setHook(Call::ColorSyncDeviceSetCustomProfiles,
+                           [&](std::uint64_t) { return Answer{.edit = &look}; });
+  const auto url = makeUrl("/new.icc");
+  EXPECT_TRUE(SetProfileForDisplay(url.get(), 2));
+  EXPECT_EQ(queriedPath(2), "/new.icc");
+}
+
 TEST_F(ProfileAssignment, PassesColorSyncsRefusalOn) {
   edit([](Script& script) { script.accepts_profiles = false; });
   const auto url = makeUrl("/new.icc");

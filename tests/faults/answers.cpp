@@ -71,6 +71,9 @@ Answers codes() {
   return answers;
 }
 
+/// An error code although everything was written.
+const NamedAnswer kLateError = {"late code 1001", {.late_error = 1001}};
+
 Answers rects() {
   return {kFailure,
           {"no place", {.rect = Rect{kNan, kNan, kNan, kNan}}},
@@ -90,7 +93,7 @@ Answers scales() {
 Answers handles() { return numbers({1, 0xDEAD, 0xFFFFFFFF}); }
 
 /// Absurd counts are those that ask for too much memory, or do not fit.
-Answers displayCounts() { return codes() + numbers({0, 1, 65536, UINT32_MAX}); }
+Answers displayCounts() { return codes() + Answers{kLateError} + numbers({0, 1, 65536, UINT32_MAX}); }
 
 constexpr std::int64_t kMost = std::numeric_limits<std::int64_t>::max();
 constexpr std::int64_t kLeast = std::numeric_limits<std::int64_t>::min();
@@ -146,7 +149,7 @@ const std::map<Call, Answers>& table() {
       {Call::NSScreen_frame, rects()},
       {Call::NSScreen_backingScaleFactor, scales()},
       {Call::IOServiceMatching, dictionaries()},
-      {Call::IOServiceGetMatchingServices, codes() + handles()},
+      {Call::IOServiceGetMatchingServices, codes() + Answers{kLateError} + handles()},
       {Call::IOIteratorNext, handles()},
       {Call::IOObjectRelease, codes()},
       {Call::IODisplayCreateInfoDictionary, dictionaries()},

@@ -78,8 +78,8 @@ struct Question {
   std::chrono::seconds limit{0};  ///< how long it may wait for ColorSync
 };
 
-/// All fifteen methods, in the order of the table, and then the exported functions that no method reaches. GetName is
-/// asked twice, once about a display that only ColorSync has a name for.
+/// All fifteen methods, in the order of the table, and then the exported functions that ask the frameworks about
+/// displays beside them. GetName is asked twice, once about a display that only ColorSync has a name for.
 const std::vector<Question>& questions();
 
 }  // namespace faults

@@ -1,3 +1,4 @@
+#include <CoreGraphics/CoreGraphics.h>
 #include <gtest/gtest.h>
 
 #include <array>
@@ -112,6 +113,32 @@ TEST(GetMonitorRect, OfAnUnknownDisplayIsTheEmptyRectangle) {
   EXPECT_EQ(rectOf(77), (std::array<double, 4>{0, 0, 0, 0}));
 }
 
+TEST(GetMonitorRect, WritesTopBottomLeftRightInThisOrder) {
+  const ScriptedSession session(oneDisplay({10, 20, 300, 400}));
+  std::int32_t both = 0;
+  std::int32_t other = 0;
+  std::int32_t another = 0;
+  Display::GetMonitorRect(1, &other, &both, &another, &both);
+  EXPECT_EQ(both, 420) << "bottom after top";
+  Display::GetMonitorRect(1, &both, &other, &another, &both);
+  EXPECT_EQ(both, 10) << "left after bottom";
+  Display::GetMonitorRect(1, &both, &other, &both, &another);
+  EXPECT_EQ(both, 310) << "right after left";
+}
+
+TEST(GetMonitorRect, WritesXYWidthHeightInThisOrder) {
+  const ScriptedSession session(oneDisplay({10, 20, 300, 400}));
+  double both = 0;
+  double other = 0;
+  double another = 0;
+  Display::GetMonitorRect(1, &both, &both, &other, &another);
+  EXPECT_EQ(both, 20) << "y after x";
+  Display::GetMonitorRect(1, &other, &both, &both, &another);
+  EXPECT_EQ(both, 300) << "width after y";
+  Display::GetMonitorRect(1, &other, &another, &both, &both);
+  EXPECT_EQ(both, 400) << "height after width";
+}
+
 TEST(GetIndex, IsThePositionAmongTheActiveDisplays) {
   const ScriptedSession session(displays(3));
   EXPECT_EQ(Display::GetIndex(100), 0U);
@@ -138,15 +165,34 @@ TEST(GetIndex, HasNoLimitOnTheNumberOfDisplays) {
   EXPECT_EQ(Display::GetIndex(100 + 999), 999U);
 }
 
-TEST(GetIndex, IgnoresAnErrorOfTheFirstQuestion) {
+/// Makes CoreGraphics do what it is asked, and report an error nevertheless, when it is asked for the nth time.
+void reportAnError(std::uint64_t nth) {
+  platform::calls::setHook(Call::CGGetActiveDisplayList, [nth](std::uint64_t this_one) {
+    return this_one == nth ? Answer{.late_error = kCGErrorFailure} : Answer{};
+  });
+}
+
+TEST(GetIndex, IgnoresAnErrorOfTheFirstQuestionThatComesWithACount) {
+  const ScriptedSession session(displays(3));
+  reportAnError(1);
+  EXPECT_EQ(Display::GetIndex(101), 1U);
+}
+
+TEST(GetIndex, IsDisplayNotFoundWhenTheFirstQuestionGivesNoCount) {
   const ScriptedSession session(displays(3));
   platform::calls::setHook(Call::CGGetActiveDisplayList, [](std::uint64_t nth) { return Answer{.fail = nth == 1}; });
-  EXPECT_EQ(Display::GetIndex(101), kNotFound) << "an error leaves the count at 0";
+  EXPECT_EQ(Display::GetIndex(101), kNotFound);
 }
 
 TEST(GetIndex, IsDisplayNotFoundWhenTheSecondQuestionFails) {
   const ScriptedSession session(displays(3));
   platform::calls::setHook(Call::CGGetActiveDisplayList, [](std::uint64_t nth) { return Answer{.fail = nth == 2}; });
+  EXPECT_EQ(Display::GetIndex(101), kNotFound);
+}
+
+TEST(GetIndex, IsDisplayNotFoundWhenTheSecondQuestionReportsAnErrorAlthoughItListsTheDisplay) {
+  const ScriptedSession session(displays(3));
+  reportAnError(2);
   EXPECT_EQ(Display::GetIndex(101), kNotFound);
 }
 

@@ -147,6 +147,13 @@ TEST(DisplayIDForRect, IsZeroWhenCoreGraphicsReportsAnError) {
   EXPECT_EQ(DisplayServices::DisplayIDForRect(CGRectMake(10, 10, 20, 20)), 0U);
 }
 
+TEST(DisplayIDForRect, IsZeroWhenCoreGraphicsReportsAnErrorAlthoughItListsADisplay) {
+  const ScriptedSession session(twoDisplays());
+  platform::calls::setHook(Call::CGGetDisplaysWithRect,
+                           [](std::uint64_t) { return Answer{.late_error = kCGErrorFailure}; });
+  EXPECT_EQ(DisplayServices::DisplayIDForRect(CGRectMake(10, 10, 20, 20)), 0U);
+}
+
 TEST(DisplayIDForRect, DoesNotConsultTheCount) {
   const ScriptedSession session(twoDisplays());
   platform::calls::setHook(Call::CGGetDisplaysWithRect, [](std::uint64_t) { return Answer{.number = 0}; });
