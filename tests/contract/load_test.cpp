@@ -38,4 +38,10 @@ TEST(LoadingThePlugin, CallsNoFrameworkStartsNoThreadAndOpensNothing) {
   EXPECT_GT(frameworkCalls(), calls) << "the calls are not counted";
 }
 
+TEST(LoadingThePlugin, IntoAHostWithoutAnEntryForTheVersionEndsTheProcess) {
+  devhost::Host host;
+  host.entries().remove("RegisterPluginVersion");
+  EXPECT_DEATH(host.load(OSTREVIN_LIBRARY), "");
+}
+
 }  // namespace

@@ -1,4 +1,8 @@
 // Which profile a display uses.
+#include <pthread.h>
+
+#include <array>
+
 #include "display/scripted_displays.h"
 
 namespace {
@@ -87,6 +91,18 @@ TEST_F(ProfileQuery, HandsTheCallerOneExtraReference) {
   EXPECT_EQ(CFGetRetainCount(owned), 2);
   CFRelease(owned);
   EXPECT_EQ(path(owned), "/profiles/1.icc") << "still held by profile_path";
+}
+
+TEST_F(ProfileQuery, WalksOnAQueueWithItsLabel) {
+  std::string label;
+  platform::calls::setHook(Call::ColorSyncIterateDeviceProfiles, [&](std::uint64_t) {
+    std::array<char, 16> name{};  // a queue's thread is called after it
+    pthread_getname_np(pthread_self(), name.data(), name.size());
+    label = name.data();
+    return Answer{};
+  });
+  EXPECT_EQ(queriedPath(1), "/profiles/1.icc");
+  EXPECT_EQ(label, "SERIAL_QUEUE");
 }
 
 TEST_F(ProfileQuery, OfADisplayThatColorSyncDoesNotListIsNullWithoutAReference) {

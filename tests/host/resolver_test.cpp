@@ -39,4 +39,10 @@ TEST(CallResolver, HandsTheVeryPointerOver) {
   EXPECT_EQ(received, name);
 }
 
+TEST(CallResolver, BeforeTheHostHasHandedItsResolverOverEndsTheProcess) {
+  const RecordingHost host;  // puts the resolver back at the end
+  gResolver = nullptr;
+  EXPECT_DEATH(CallResolver("entry"), "");
+}
+
 }  // namespace

@@ -115,6 +115,12 @@ TEST_F(DisplayList, OfADisplayWithoutAUuidMakesNoWalk) {
   EXPECT_EQ(platform::calls::count(platform::calls::Call::ColorSyncIterateDeviceProfiles), walks);
 }
 
+TEST_F(DisplayList, OfADisplayWithoutAUuidListsTheInstalledProfilesFirstAllTheSame) {
+  setInstalled({installed("/a", "A")});
+  ListProfilesForDisplay(3);
+  EXPECT_EQ(ProfileServices::GetInstalledProfilesCount(), 1U);
+}
+
 // --- the count
 
 TEST_F(DisplayList, IsMadeToCountOnlyWhenThereIsNone) {

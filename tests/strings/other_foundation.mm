@@ -21,6 +21,11 @@ Method languageCodes() { return class_getClassMethod([NSLocale class], @selector
 
 }  // namespace
 
+CFStringRef stringOfUnits(std::u16string_view units) {
+  return (CFStringRef)[NSString stringWithCharacters:reinterpret_cast<const unichar*>(units.data())
+                                              length:units.size()];
+}
+
 WithoutVersionQuestion::WithoutVersionQuestion() { answerRespondsWith(reinterpret_cast<IMP>(answerNo)); }
 WithoutVersionQuestion::~WithoutVersionQuestion() { answerRespondsWith(nullptr); }
 

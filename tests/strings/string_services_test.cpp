@@ -105,6 +105,20 @@ TEST_F(Strings, BecomeBigEndianUtf16WithoutAMark) {
   EXPECT_THAT(bytesOf(StringServices::CFStringRefToUTF16BE(string(""))), IsEmpty());
 }
 
+TEST_F(Strings, WithASurrogateThatStandsAloneBecomeNeitherUtf16NorUtf8) {
+  for (const std::u16string_view units : {u"\xD83D", u"a\xDE00", u"\xDE00\xD83D"}) {
+    const CFStringRef broken = other_foundation::stringOfUnits(units);
+    EXPECT_EQ(StringServices::CFStringRefToUTF16BE(broken), nullptr);
+    EXPECT_EQ(StringServices::CFStringRefToUTF8String(broken), nullptr);
+  }
+}
+
+TEST_F(Strings, WithANulEndThereInUtf8Alone) {
+  const CFStringRef string = other_foundation::stringOfUnits(std::u16string_view(u"a\0b", 3));
+  EXPECT_STREQ(StringServices::CFStringRefToUTF8String(string), "a");
+  EXPECT_THAT(bytesOf(StringServices::CFStringRefToUTF16BE(string)), ElementsAre(0, 'a', 0, 0, 0, 'b'));
+}
+
 TEST_F(Strings, BecomeAsciiWithLosses) {
   EXPECT_THAT(bytesOf(StringServices::CFStringRefToASCII(string("abc"))), ElementsAre('a', 'b', 'c'));
   EXPECT_NE(StringServices::CFStringRefToASCII(string(kAccents)), nullptr);
