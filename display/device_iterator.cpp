@@ -38,7 +38,8 @@ CFStringRef recordNameKey() { return CFSTR("Name"); }
 CFStringRef recordUrlKey() { return CFSTR("URL"); }
 
 // --- the shared variables: plain and unlocked, used by a query and by walks that outlived theirs at the same time.
-// Each access is atomic, so that whoever reads a reference finds the whole object behind it.
+// Each access is atomic where another thread may be at it, so that whoever reads a reference finds the whole object
+// behind it.
 
 template <typename Ref>
 Ref load(const Ref& variable) {
@@ -177,7 +178,8 @@ bool device_iterator::deviceListIterator(CFDictionaryRef entry, void* userInfo) 
     return true;
   }
   // The query whose display this is may have given up while its entry was looked at; the variables belong to the next
-  // one.
+  // one. Between this look and the two stores a next query may still begin: that it would read what is stored here, of
+  // the display before, is accepted.
   if (load(inUUIDstr) != sought) {
     return true;
   }

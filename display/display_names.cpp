@@ -116,7 +116,8 @@ CFStringRef DisplayNameForID(CGDirectDisplayID displayID) {
                          ? checkedValue<CFDictionaryRef>(info, CFSTR(kDisplayProductName), CFDictionaryGetTypeID())
                          : nullptr;
   const CFIndex count = names != nullptr ? CFDictionaryGetCount(names) : 0;
-  // Deliberately final: ColorSync is asked only about a display whose product name is there and empty.
+  // Deliberately final: ColorSync is asked only about a display that has product names, of which the first is of no
+  // use.
   if (count <= 0) {
     return unknownName();
   }

@@ -31,17 +31,17 @@ OSTREVIN_API CFStringRef KnownDisplayForID(CGDirectDisplayID displayID);
 /// The same for the UUID of a display (not consumed; null is a display without one).
 OSTREVIN_API CFStringRef __knownDisplayForUUID(CFUUIDRef uuid);  // NOLINT(bugprone-reserved-identifier): exported so
 
-/// The display's name, found afresh: the product name that IOKit knows, or, when IOKit has one that is empty, the name
-/// that ColorSync knows. "UNKNOWN" when IOKit does not know the display or has no product names for it; ColorSync is
-/// then deliberately not asked. Borrowed; never null.
+/// The display's name, found afresh: the product name that IOKit knows, or, when IOKit has one that is empty or no
+/// text, the name that ColorSync knows. "UNKNOWN" when IOKit does not know the display or has no product names for it;
+/// ColorSync is then deliberately not asked. Borrowed; never null.
 OSTREVIN_API CFStringRef DisplayNameForID(CGDirectDisplayID displayID);
 
 /// ColorSync's description of the display with this UUID (not consumed); "UNKNOWN" when ColorSync gave no answer within
-/// 10 seconds, and at once when `uuid` is null or the walk cannot be started. Borrowed; never null.
+/// 10 seconds, and at once when `uuid` is null or there is no queue for the walk. Borrowed; never null.
 OSTREVIN_API CFStringRef displayNameUsingColorSync(CFUUIDRef uuid);
 
 /// The file URL of the display's current profile. The caller releases. Null, without a reference, when ColorSync gave
-/// no answer within 2 seconds, and at once when the display has no UUID or the walk cannot be started.
+/// no answer within 2 seconds, and at once when the display has no UUID or there is no queue for the walk.
 OSTREVIN_API CFURLRef ProfilePathForDisplay(CGDirectDisplayID displayID);
 
 /// Makes the file at `url` (not consumed) the display's custom profile of the default mode. ColorSync's answer; false

@@ -9,7 +9,7 @@
 namespace DisplayServices {
 namespace {
 
-/// The one vertical offset, in points, by which a screen's frame may lie above its display's bounds.
+/// The one vertical offset, in points, by which a display's bounds may lie above the screen's frame.
 constexpr CGFloat kVerticalTolerance = 30.0;
 
 // The classes that answers are held against are looked up once: that would be most of what the comparison costs.

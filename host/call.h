@@ -21,8 +21,7 @@ __attribute__((no_sanitize("function"))) inline Result invoke(void* entry, Argum
 }
 
 // --- Result kinds: what the host's answer is read as (Raw), what becomes of it (narrow), what stands in for it when
-// the
-// --- host lacks the entry (missing). The three ways to make a truth value out of an answer differ on purpose.
+// the host lacks the entry (missing). The three ways to make a truth value out of an answer differ on purpose.
 
 /// No result.
 struct Nothing {

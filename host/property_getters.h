@@ -1,8 +1,8 @@
 // Properties of objects, read by name: member(object, name, pointer to the value) answers whether the host had a value.
 //
 // Host's thread. The host's Integer and UInteger are 64 bits wide here, a Currency is a 64-bit integer of
-// ten-thousandths, a Color 32 bits, a PString bytes with their count in front. Without an entry, and unless the host
-// writes it, the value is left alone.
+// ten-thousandths, a Color 32 bits, a PString bytes with their count in front. Without an entry the value is left
+// alone, and but for a Boolean's also when the host does not write it.
 #pragma once
 
 #include <CoreFoundation/CoreFoundation.h>

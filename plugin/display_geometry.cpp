@@ -50,7 +50,7 @@ void GetMonitorRect(std::uint32_t displayID, double* x, double* y, double* width
 std::uint32_t GetIndex(std::uint32_t displayID) {
   constexpr auto kNotFound = static_cast<std::uint32_t>(kQVIDisplayNotFound);
   std::uint32_t capacity = 0;
-  CGGetActiveDisplayList(0, nullptr, &capacity);
+  CGGetActiveDisplayList(0, nullptr, &capacity);  // only the count is looked at, deliberately not the error
   if (capacity == 0) {
     return kNotFound;
   }

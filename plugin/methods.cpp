@@ -41,8 +41,8 @@ REALstringStruct* hostString(const char* bytes, std::size_t length) {
 
 REALstringStruct* hostString(const std::string& text) { return hostString(text.data(), text.size()); }
 
-/// Stores a new string in a by-reference argument, which owns it from then on. The string that was there is released, a
-/// null one too: what that means is the host's affair.
+/// Stores a new string in a by-reference argument, which owns it from then on. The string that was there is released
+/// only now that the new one exists, and a null one too: what that means is the host's affair.
 void store(REALstringStruct** slot, REALstringStruct* string) {
   REALUnlockString(*slot);
   *slot = string;
@@ -62,8 +62,9 @@ std::string textOf(REALstringStruct* string) {
 const std::string& nameIn(const std::string& name) { return name; }
 const std::string& nameIn(const std::tuple<std::string, bool, bool>& entry) { return std::get<0>(entry); }
 
-/// Calls the object's method once per profile, by path. The strings are made whether or not there is such a method, and
-/// are the host's from then on. `profiles` is the caller's own copy: the event may call back into the plugin.
+/// Calls the object's method once per profile, by path, for the object that is set at that moment: an event may set
+/// another. The strings are deliberately made without such a method too, and then belong to nobody; else they are the
+/// host's. `profiles` is the caller's own copy: the event may call back into the plugin.
 template <typename Profiles>
 void raiseProfileFound(const Profiles& profiles) {
   // Deliberately asked for once, and for a null object too: what the host answers then is the host's affair.
@@ -137,7 +138,7 @@ REALarrayStruct* RB_GetAssociatedProfilePathsArray(std::uint32_t displayID) {
 }
 
 bool RB_ICCTagExists(REALstringStruct* path, REALstringStruct* tag) {
-  std::string path_text = textOf(path);
+  std::string path_text = textOf(path);  // before the tag's: arguments would be made in any order
   std::string tag_text = textOf(tag);
   return Display::ICCTagExists(std::move(path_text), std::move(tag_text));
 }

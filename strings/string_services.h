@@ -4,7 +4,8 @@
 // object belongs to the current autorelease pool, and a NUL-terminated string lives as long as the string object that
 // it was taken from, at most until that pool is drained. Callers copy what they keep.
 //
-// Null in gives null out, and so does text that is not valid UTF-8; no function raises or throws.
+// Null in gives null out, and so does text that is not valid UTF-8: what Foundation would raise an exception for is not
+// handed to it. No function raises or throws.
 #pragma once
 
 #include <CoreFoundation/CoreFoundation.h>
