@@ -85,10 +85,11 @@ TEST_F(ByReferenceStrings, ThatAreNullAreReleasedAsWell) {
 }
 
 TEST_F(HostCalls, ICCTagExistsAsksForThePathBeforeTheTag) {
-  host.entries().set("StringGetCString", +[](void* string) -> const char* {
-    notes.emplace_back(string == handle<1>() ? "path" : "tag");
-    return "";
-  });
+  host.entries().set(
+      "StringGetCString", +[](void* string) -> const char* {
+        notes.emplace_back(string == handle<1>() ? "path" : "tag");
+        return "";
+      });
   EXPECT_FALSE(call<bool>("ICCTagExists", handle<1>(), handle<2>()));
   EXPECT_THAT(notes, ElementsAre("path", "tag"));
 }
@@ -98,10 +99,11 @@ class ProfileFound : public HostCalls {
  protected:
   ProfileFound() {
     set_object = [this](void* object) { call("SetObject", object); };
-    host.entries().set("REALLoadObjectMethod", +[](void* object, const char*) -> void* {
-      notes.push_back("find the method of the " + nameOf(object));
-      return reinterpret_cast<void*>(&found);
-    });
+    host.entries().set(
+        "REALLoadObjectMethod", +[](void* object, const char*) -> void* {
+          notes.push_back("find the method of the " + nameOf(object));
+          return reinterpret_cast<void*>(&found);
+        });
   }
 
   static void found(void* object, void*, void*) {

@@ -5,11 +5,22 @@
 #include <CoreFoundation/CoreFoundation.h>
 
 #include <string_view>
+#include <vector>
 
 namespace other_foundation {
 
 /// A string of these code units, in the current autorelease pool; they need not be text.
 CFStringRef stringOfUnits(std::u16string_view units);
+
+/// What a string was asked for: its characters in an encoding, with losses or without.
+struct AskedForData {
+  unsigned long encoding;
+  bool lossy;
+  friend bool operator==(const AskedForData&, const AskedForData&) = default;
+};
+
+/// A string, in the current autorelease pool, that only takes note of what it is asked for and has no data.
+CFStringRef stringThatNotes(std::vector<AskedForData>& asked);
 
 /// NSProcessInfo cannot be asked whether the system is of a version at least.
 class WithoutVersionQuestion {

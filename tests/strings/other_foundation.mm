@@ -3,6 +3,37 @@
 #import <Foundation/Foundation.h>
 #include <objc/runtime.h>
 
+@interface NotingString : NSString {
+  std::vector<other_foundation::AskedForData>* _asked;
+}
+- (instancetype)initWithNotes:(std::vector<other_foundation::AskedForData>&)asked;
+@end
+
+@implementation NotingString
+
+- (instancetype)initWithNotes:(std::vector<other_foundation::AskedForData>&)asked {
+  self = [super init];
+  if (self != nil) {
+    _asked = &asked;
+  }
+  return self;
+}
+
+- (NSUInteger)length {
+  return 0;
+}
+
+- (unichar)characterAtIndex:(NSUInteger)index {
+  return 0;
+}
+
+- (NSData*)dataUsingEncoding:(NSStringEncoding)encoding allowLossyConversion:(BOOL)lossy {
+  _asked->push_back({encoding, lossy != NO});
+  return nil;
+}
+
+@end
+
 namespace other_foundation {
 namespace {
 
@@ -24,6 +55,10 @@ Method languageCodes() { return class_getClassMethod([NSLocale class], @selector
 CFStringRef stringOfUnits(std::u16string_view units) {
   return (CFStringRef)[NSString stringWithCharacters:reinterpret_cast<const unichar*>(units.data())
                                               length:units.size()];
+}
+
+CFStringRef stringThatNotes(std::vector<AskedForData>& asked) {
+  return (CFStringRef)[[[NotingString alloc] initWithNotes:asked] autorelease];
 }
 
 WithoutVersionQuestion::WithoutVersionQuestion() { answerRespondsWith(reinterpret_cast<IMP>(answerNo)); }

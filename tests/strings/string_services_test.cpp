@@ -130,6 +130,15 @@ TEST_F(Strings, BecomeMacRomanWithLosses) {
   EXPECT_NE(StringServices::CFStringRefToMac(string("\xE6\x97\xA5\xF0\x9F\x98\x80")), nullptr);
 }
 
+TEST_F(Strings, AreAskedForUtf16WithoutLossesAndForAsciiAndMacRomanWithThem) {
+  std::vector<other_foundation::AskedForData> asked;
+  const CFStringRef string = other_foundation::stringThatNotes(asked);
+  EXPECT_EQ(StringServices::CFStringRefToUTF16BE(string), nullptr);
+  EXPECT_EQ(StringServices::CFStringRefToASCII(string), nullptr);
+  EXPECT_EQ(StringServices::CFStringRefToMac(string), nullptr);
+  EXPECT_TRUE((asked == std::vector<other_foundation::AskedForData>{{0x90000100, false}, {1, true}, {30, true}}));
+}
+
 TEST_F(Strings, ThatAreNullBecomeNoData) {
   EXPECT_EQ(StringServices::CFStringRefToUTF16BE(nullptr), nullptr);
   EXPECT_EQ(StringServices::CFStringRefToASCII(nullptr), nullptr);
