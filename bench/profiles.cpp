@@ -5,6 +5,7 @@
 // desktop that has seen none of the files before, "again" one with nothing changed since the last.
 #include <ColorSync/ColorSync.h>
 #include <lcms2.h>
+#include <sys/stat.h>
 
 #include <algorithm>
 #include <array>
@@ -127,6 +128,18 @@ Timer againTimer(const ProfileFolder& folder) {
   return preparedTimer([desktop] { platform::desktop::setCurrent(desktop); }, [&folder] { list(folder); });
 }
 
+/// The system's share of a listing again: what it takes to ask whether each file has changed.
+Timer questionTimer(const ProfileFolder& folder) {
+  return timerOf([&folder] {
+    std::size_t found = 0;
+    for (const std::string& file : folder.files()) {
+      struct stat status {};
+      found += stat(file.c_str(), &status) == 0 ? 1 : 0;
+    }
+    expectAll(found, folder);
+  });
+}
+
 /// The time for one profile when lists of `count` are made until `in_all` profiles have been listed: so that lists of
 /// any length are measured over the same stretch of time.
 Timer perProfile(const Timer& timer, long count, long in_all) {
@@ -153,6 +166,9 @@ void measureFlatness(Suite& suite, long files) {
                       batches);
   suite.compareTimers({"again, for one profile", "the same among 100", kFlatBar},
                       perProfile(againTimer(many), files, files), perProfile(againTimer(few), kFlatFrom, files),
+                      batches);
+  suite.compareTimers({"stat alone, for one file", "the same among 100", 0},
+                      perProfile(questionTimer(many), files, files), perProfile(questionTimer(few), kFlatFrom, files),
                       batches);
 }
 
