@@ -39,7 +39,7 @@ TEST(LoadingThePlugin, CallsNoFrameworkStartsNoThreadAndOpensNothing) {
 }
 
 TEST(LoadingThePlugin, IntoAHostWithoutAnEntryForTheVersionEndsTheProcess) {
-  testing::GTEST_FLAG(death_test_style) = "threadsafe";
+  GTEST_FLAG_SET(death_test_style, "threadsafe");
   devhost::Host host;
   host.entries().remove("RegisterPluginVersion");
   EXPECT_DEATH(host.load(OSTREVIN_LIBRARY), "");
