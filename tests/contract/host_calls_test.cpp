@@ -1,5 +1,6 @@
 // What the methods ask of the host, and in which order: the host's entries are replaced by some that take notes.
 #include <cstdint>
+#include <functional>
 #include <string>
 #include <vector>
 
