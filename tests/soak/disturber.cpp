@@ -168,22 +168,29 @@ void Disturber::changeFiles() {
   ++counts_.files;
 }
 
-void Disturber::restartColord() {
+void Disturber::restartColord(const std::function<bool()>& is_over) {
   ++counts_.restarts;
   world_->colord_runs.change([&]() -> std::vector<bool> {
     colord_.restart();
-    const Time deadline = Clock::now() + kRestoreLimit;
-    for (std::size_t output = 0; output < kOutputs; ++output) {
-      while (!hasItsProfile(output)) {
-        if (Clock::now() > deadline) {
-          counts_.not_restored.push_back(outputOf(output) + " after restart " + std::to_string(counts_.restarts));
-          break;
-        }
-        std::this_thread::sleep_for(kPollInterval);
-      }
-    }
+    waitForProfiles(is_over);
     return {false, true};
   });
+}
+
+void Disturber::waitForProfiles(const std::function<bool()>& is_over) {
+  const Time deadline = Clock::now() + kRestoreLimit;
+  for (std::size_t output = 0; output < kOutputs; ++output) {
+    while (!hasItsProfile(output)) {
+      if (is_over()) {
+        return;
+      }
+      if (Clock::now() > deadline) {
+        counts_.not_restored.push_back(outputOf(output) + " after restart " + std::to_string(counts_.restarts));
+        break;
+      }
+      std::this_thread::sleep_for(kPollInterval);
+    }
+  }
 }
 
 bool Disturber::hasItsProfile(std::size_t output) {

@@ -3,6 +3,7 @@
 // must live as long as the servers.
 #pragma once
 
+#include <functional>
 #include <memory>
 #include <random>
 #include <string>
@@ -35,7 +36,9 @@ class Disturber {
   void changeOutput();
   void changeMonitor();
   void changeFiles();
-  void restartColord();
+  /// Waits until every output has its profile back, unless the calls are over: then nobody is left who would give them
+  /// back.
+  void restartColord(const std::function<bool()>& is_over);
 
  private:
   struct Place {
@@ -50,6 +53,7 @@ class Disturber {
   void numberMonitors(Plan& plan);
   Arrangement readArrangement();
   void countDisplays();
+  void waitForProfiles(const std::function<bool()>& is_over);
   bool hasItsProfile(std::size_t output);
   std::size_t choose(std::size_t count) { return random_() % count; }
 

@@ -175,7 +175,7 @@ void disturb(Disturber& disturber, const Listener& listener, const Plan& plan) {
         break;
     }
     if (Clock::now() >= restart_due) {
-      disturber.restartColord();
+      disturber.restartColord([&] { return listener.has_ended.load(); });
       restart_due = Clock::now() + restart_interval;
     }
   }
