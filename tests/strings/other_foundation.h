@@ -9,8 +9,9 @@
 
 namespace other_foundation {
 
-/// A string of these code units, in the current autorelease pool; they need not be text.
-CFStringRef stringOfUnits(std::u16string_view units);
+/// A string of `count` of these code units, in the current autorelease pool. All of them are text; the part need not
+/// be.
+CFStringRef partOf(std::u16string_view units, std::size_t begin, std::size_t count);
 
 /// What a string was asked for: its characters in an encoding, with losses or without.
 struct AskedForData {

@@ -52,9 +52,10 @@ Method languageCodes() { return class_getClassMethod([NSLocale class], @selector
 
 }  // namespace
 
-CFStringRef stringOfUnits(std::u16string_view units) {
-  return (CFStringRef)[NSString stringWithCharacters:reinterpret_cast<const unichar*>(units.data())
-                                              length:units.size()];
+CFStringRef partOf(std::u16string_view units, std::size_t begin, std::size_t count) {
+  NSString* const whole = [NSString stringWithCharacters:reinterpret_cast<const unichar*>(units.data())
+                                                  length:units.size()];
+  return (CFStringRef)[whole substringWithRange:NSMakeRange(begin, count)];
 }
 
 CFStringRef stringThatNotes(std::vector<AskedForData>& asked) {

@@ -106,15 +106,18 @@ TEST_F(Strings, BecomeBigEndianUtf16WithoutAMark) {
 }
 
 TEST_F(Strings, WithASurrogateThatStandsAloneBecomeNeitherUtf16NorUtf8) {
-  for (const std::u16string_view units : {u"\xD83D", u"a\xDE00", u"\xDE00\xD83D"}) {
-    const CFStringRef broken = other_foundation::stringOfUnits(units);
+  constexpr std::u16string_view kText = u"a\U0001F600\U0001F600";
+  for (const auto& [begin, count] : {std::pair(1, 1), std::pair(0, 2), std::pair(2, 2)}) {
+    const CFStringRef broken =
+        other_foundation::partOf(kText, static_cast<std::size_t>(begin), static_cast<std::size_t>(count));
+    ASSERT_EQ(CFStringGetLength(broken), count);
     EXPECT_EQ(StringServices::CFStringRefToUTF16BE(broken), nullptr);
     EXPECT_EQ(StringServices::CFStringRefToUTF8String(broken), nullptr);
   }
 }
 
 TEST_F(Strings, WithANulEndThereInUtf8Alone) {
-  const CFStringRef string = other_foundation::stringOfUnits(std::u16string_view(u"a\0b", 3));
+  const CFStringRef string = other_foundation::partOf(std::u16string_view(u"a\0b", 3), 0, 3);
   EXPECT_STREQ(StringServices::CFStringRefToUTF8String(string), "a");
   EXPECT_THAT(bytesOf(StringServices::CFStringRefToUTF16BE(string)), ElementsAre(0, 'a', 0, 0, 0, 'b'));
 }
