@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "devhost/autorelease.h"
+#include "host/call.h"
 #include "tests/contract/fixture.h"
 
 namespace {
@@ -28,10 +29,9 @@ class HostCalls : public MethodTest {
 
   /// Calls the method's function as the host would: with handles that are of the host's own types.
   template <typename Result = void, typename... Arguments>
-  __attribute__((no_sanitize("function"))) Result call(const char* method, Arguments... arguments) const {
+  Result call(const char* method, Arguments... arguments) const {
     const devhost::AutoreleasePool pool;
-    void* const function = const_cast<void*>(plugin.findMethod(method)->function);
-    return reinterpret_cast<Result (*)(Arguments...)>(function)(arguments...);
+    return host::invoke<Result>(const_cast<void*>(plugin.findMethod(method)->function), arguments...);
   }
 
   static inline std::vector<std::string> notes;
