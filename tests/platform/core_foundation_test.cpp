@@ -16,22 +16,9 @@
 #include "platform/core_foundation_objects.h"
 #include "platform/foundation_probe.h"
 
+namespace core_foundation_test {
 namespace {
 
-using core_foundation_test::Data;
-using core_foundation_test::Dictionary;
-using core_foundation_test::kUuidBytes;
-using core_foundation_test::kUuidText;
-using core_foundation_test::makeDictionary;
-using core_foundation_test::makeNumber;
-using core_foundation_test::makeString;
-using core_foundation_test::makeUuid;
-using core_foundation_test::Number;
-using core_foundation_test::read32;
-using core_foundation_test::String;
-using core_foundation_test::textOf;
-using core_foundation_test::Url;
-using core_foundation_test::Uuid;
 using platform::ScopedPool;
 using platform::calls::Answer;
 using platform::calls::Call;
@@ -265,3 +252,4 @@ TEST(TheLoadingThread, HasAPool) {
 }
 
 }  // namespace
+}  // namespace core_foundation_test

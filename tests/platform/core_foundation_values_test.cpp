@@ -18,23 +18,9 @@
 #include "platform/core_foundation_objects.h"
 #include "platform/foundation_probe.h"
 
+namespace core_foundation_test {
 namespace {
 
-using core_foundation_test::Data;
-using core_foundation_test::Dictionary;
-using core_foundation_test::kUuidBytes;
-using core_foundation_test::kUuidText;
-using core_foundation_test::makeDictionary;
-using core_foundation_test::makeNumber;
-using core_foundation_test::makeString;
-using core_foundation_test::makeUuid;
-using core_foundation_test::Number;
-using core_foundation_test::read32;
-using core_foundation_test::read64;
-using core_foundation_test::String;
-using core_foundation_test::textOf;
-using core_foundation_test::Url;
-using core_foundation_test::Uuid;
 using platform::calls::Call;
 using testing::ElementsAre;
 
@@ -358,3 +344,4 @@ TEST(Uuids, AreMadeAndReleasedByManyThreadsAtOnce) {
 }
 
 }  // namespace
+}  // namespace core_foundation_test
