@@ -1,5 +1,6 @@
 // The set of active displays, and whether it has changed.
 #include "display/scripted_displays.h"
+#include "support/scripted.h"
 
 namespace {
 
@@ -7,6 +8,7 @@ using namespace display_tests;
 using DisplayServices::BuildInitialMonitorsSet;
 using DisplayServices::DisplaysChanged;
 using DisplayServices::monitors_set;
+using support::answerOnce;
 using testing::SizeIs;
 using testing::UnorderedElementsAre;
 
@@ -19,24 +21,6 @@ class MonitorsSet : public DisplayTest {
     monitors_set::UuidSet set;
     monitors_set::buildSet(&set);
     return set;
-  }
-
-  /// Makes the nth CGGetActiveDisplayList do what it is asked, and report an error nevertheless.
-  static void reportAnError(std::uint64_t nth) {
-    platform::calls::setHook(Call::CGGetActiveDisplayList, [=](std::uint64_t this_one) {
-      return this_one == nth ? Answer{.late_error = kCGErrorFailure} : Answer{};
-    });
-  }
-
-  /// The count that the nth CGGetActiveDisplayList reports.
-  static void reportCount(std::uint64_t nth, std::int64_t number) {
-    platform::calls::setHook(Call::CGGetActiveDisplayList, [=](std::uint64_t this_one) {
-      Answer answer;
-      if (this_one == nth) {
-        answer.number = number;
-      }
-      return answer;
-    });
   }
 };
 
@@ -82,29 +66,29 @@ TEST_F(MonitorsSet, IsLeftAsItWasWhenTheDisplaysCannotBeListed) {
 }
 
 TEST_F(MonitorsSet, IsBuiltDespiteAnErrorThatComesWithTheCount) {
-  reportAnError(1);
+  answerOnce(Call::CGGetActiveDisplayList, 1, {.late_error = kCGErrorFailure});
   EXPECT_THAT(build(), SizeIs(3));
 }
 
 TEST_F(MonitorsSet, IsLeftAsItWasWhenAnErrorComesWithTheList) {
-  reportAnError(2);
+  answerOnce(Call::CGGetActiveDisplayList, 2, {.late_error = kCGErrorFailure});
   EXPECT_THAT(build(), SizeIs(0));
 }
 
 TEST_F(MonitorsSet, ReadsNoMoreDisplaysThanItMadeRoomFor) {
-  reportCount(2, 1000);
+  answerOnce(Call::CGGetActiveDisplayList, 2, {.number = 1000});
   EXPECT_THAT(build(), SizeIs(3));
 }
 
 TEST_F(MonitorsSet, TakesNoMoreDisplaysThanAreListedInTheEnd) {
-  reportCount(2, 1);
+  answerOnce(Call::CGGetActiveDisplayList, 2, {.number = 1});
   EXPECT_THAT(build(), UnorderedElementsAre(makeUuid(1).get()));
-  reportCount(2, 0);
+  answerOnce(Call::CGGetActiveDisplayList, 2, {.number = 0});
   EXPECT_THAT(build(), SizeIs(0));
 }
 
 TEST_F(MonitorsSet, TakesOnlyAsManyDisplaysAsWereCountedAtFirst) {
-  reportCount(1, 2);
+  answerOnce(Call::CGGetActiveDisplayList, 1, {.number = 2});
   EXPECT_THAT(build(), UnorderedElementsAre(makeUuid(1).get(), makeUuid(2).get()));
 }
 

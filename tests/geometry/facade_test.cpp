@@ -16,6 +16,7 @@ using platform::calls::Answer;
 using platform::calls::Call;
 using platform::desktop::Rect;
 using platform::desktop::Script;
+using support::answerOnce;
 using support::display;
 using support::ScriptedSession;
 
@@ -165,34 +166,27 @@ TEST(GetIndex, HasNoLimitOnTheNumberOfDisplays) {
   EXPECT_EQ(Display::GetIndex(100 + 999), 999U);
 }
 
-/// Makes CoreGraphics do what it is asked, and report an error nevertheless, when it is asked for the nth time.
-void reportAnError(std::uint64_t nth) {
-  platform::calls::setHook(Call::CGGetActiveDisplayList, [nth](std::uint64_t this_one) {
-    return this_one == nth ? Answer{.late_error = kCGErrorFailure} : Answer{};
-  });
-}
-
 TEST(GetIndex, IgnoresAnErrorOfTheFirstQuestionThatComesWithACount) {
   const ScriptedSession session(displays(3));
-  reportAnError(1);
+  answerOnce(Call::CGGetActiveDisplayList, 1, {.late_error = kCGErrorFailure});
   EXPECT_EQ(Display::GetIndex(101), 1U);
 }
 
 TEST(GetIndex, IsDisplayNotFoundWhenTheFirstQuestionGivesNoCount) {
   const ScriptedSession session(displays(3));
-  platform::calls::setHook(Call::CGGetActiveDisplayList, [](std::uint64_t nth) { return Answer{.fail = nth == 1}; });
+  answerOnce(Call::CGGetActiveDisplayList, 1, {.fail = true});
   EXPECT_EQ(Display::GetIndex(101), kNotFound);
 }
 
 TEST(GetIndex, IsDisplayNotFoundWhenTheSecondQuestionFails) {
   const ScriptedSession session(displays(3));
-  platform::calls::setHook(Call::CGGetActiveDisplayList, [](std::uint64_t nth) { return Answer{.fail = nth == 2}; });
+  answerOnce(Call::CGGetActiveDisplayList, 2, {.fail = true});
   EXPECT_EQ(Display::GetIndex(101), kNotFound);
 }
 
 TEST(GetIndex, IsDisplayNotFoundWhenTheSecondQuestionReportsAnErrorAlthoughItListsTheDisplay) {
   const ScriptedSession session(displays(3));
-  reportAnError(2);
+  answerOnce(Call::CGGetActiveDisplayList, 2, {.late_error = kCGErrorFailure});
   EXPECT_EQ(Display::GetIndex(101), kNotFound);
 }
 
@@ -226,11 +220,9 @@ TEST(GetIndex, DoesNotSeeADisplayThatAppearsBetweenTheQuestions) {
 
 TEST(GetIndex, ReadsNoFurtherThanItsBufferWhateverNumberIsReported) {
   const ScriptedSession session(displays(3));
-  platform::calls::setHook(Call::CGGetActiveDisplayList,
-                           [](std::uint64_t nth) { return nth == 2 ? Answer{.number = 1000000} : Answer{}; });
+  answerOnce(Call::CGGetActiveDisplayList, 2, {.number = 1000000});
   EXPECT_EQ(Display::GetIndex(102), 2U);
-  platform::calls::setHook(Call::CGGetActiveDisplayList,
-                           [](std::uint64_t nth) { return nth == 2 ? Answer{.number = 1000000} : Answer{}; });
+  answerOnce(Call::CGGetActiveDisplayList, 2, {.number = 1000000});
   EXPECT_EQ(Display::GetIndex(999), kNotFound);
 }
 

@@ -23,19 +23,19 @@ class ProfileServicesUnderFaults : public support::ProfileServicesTest {
 };
 
 TEST_F(ProfileServicesUnderFaults, LeaveOutAnEntryWhoseTextCannotBeRead) {
-  setHook(Call::CFStringGetCString, [](std::uint64_t nth) { return Answer{nth == 1}; });
+  support::answerOnce(Call::CFStringGetCString, 1, {.fail = true});
   EXPECT_THAT(ProfileServices::ListAllInstalledProfiles(),
               testing::ElementsAre(testing::Pair("/b", std::string(5000, 'B'))));
 }
 
 TEST_F(ProfileServicesUnderFaults, LeaveOutAnEntryWhosePathCannotBeMade) {
-  setHook(Call::CFURLCopyFileSystemPath, [](std::uint64_t nth) { return Answer{nth == 2}; });
+  support::answerOnce(Call::CFURLCopyFileSystemPath, 2, {.fail = true});
   EXPECT_THAT(ProfileServices::ListAllInstalledProfiles(), testing::ElementsAre(testing::Pair("/a", "A")));
 }
 
 TEST_F(ProfileServicesUnderFaults, KeepTheLastDisplaysProfilesWhenNoUuidTextCanBeMade) {
   const auto before = ProfileServices::ListProfilesForDisplay(1);
-  setHook(Call::CFUUIDCreateString, [](std::uint64_t nth) { return Answer{nth == 1}; });
+  support::answerOnce(Call::CFUUIDCreateString, 1, {.fail = true});
   EXPECT_EQ(ProfileServices::ListProfilesForDisplay(2), before);
 }
 

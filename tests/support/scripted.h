@@ -31,6 +31,12 @@ class ScriptedSession {
   const std::shared_ptr<platform::desktop::ScriptedDesktop> desktop;
 };
 
+/// Gives the nth call (from 1) this answer, the others none of a test's making.
+inline void answerOnce(platform::calls::Call call, std::uint64_t nth, const platform::calls::Answer& answer) {
+  platform::calls::setHook(
+      call, [=](std::uint64_t this_one) { return this_one == nth ? answer : platform::calls::Answer{}; });
+}
+
 /// The UUID whose last byte is `last` and whose others are zero.
 inline platform::desktop::Uuid uuid(std::uint8_t last) {
   platform::desktop::Uuid bytes{};
