@@ -1,8 +1,6 @@
 // Which IOKit service is a display's, and the name that is taken from it.
-#include <cstdlib>
-#include <optional>
-
 #include "display/scripted_displays.h"
+#include "support/environment_variables.h"
 
 namespace {
 
@@ -191,30 +189,6 @@ TEST_F(IoServicePort, OfDisplayZeroOrADisconnectedDisplayIsNone) {
   EXPECT_FALSE(FoundService(99));
 }
 
-/// The user's language while this lives.
-class PreferredLanguage {
- public:
-  explicit PreferredLanguage(const std::string& code) {
-    if (const char* const before = std::getenv(kVariable)) {
-      before_ = before;
-    }
-    setenv(kVariable, code.c_str(), 1);
-  }
-  PreferredLanguage(const PreferredLanguage&) = delete;
-  PreferredLanguage& operator=(const PreferredLanguage&) = delete;
-  ~PreferredLanguage() {
-    if (before_) {
-      setenv(kVariable, before_->c_str(), 1);
-    } else {
-      unsetenv(kVariable);
-    }
-  }
-
- private:
-  static constexpr const char* kVariable = "LANGUAGE";
-  std::optional<std::string> before_;
-};
-
 using DisplayName = IoServicePort;
 
 TEST_F(DisplayName, OfDisplayZeroOrADisconnectedDisplayIsUnknown) {
@@ -277,7 +251,7 @@ TEST_F(DisplayName, IsTheOneNameThatIoKitLeavesOfSeveral) {
   several.product_names = {{{"fr", "Écran"}, {"en", "Screen"}, {"ja", "画面"}}};
   setServices({several});
   for (const auto& [language, name] : several.product_names.value()) {
-    const PreferredLanguage preferred(language);
+    const auto preferred = support::userLanguage({{"LANGUAGE", language}});
     EXPECT_EQ(text(DisplayNameForID(1)), name);
   }
 }

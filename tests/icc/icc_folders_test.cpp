@@ -10,16 +10,19 @@
 #include <memory>
 #include <string>
 #include <thread>
-#include <utility>
 #include <vector>
 
+#include "desktop/file_identity.h"
+#include "support/environment_variables.h"
 #include "support/icc_maker.h"
 #include "support/temporary_folder.h"
 #include "support/unprivileged.h"
 
 namespace {
 
+using platform::desktop::FileTime;
 using platform::desktop::IccFolders;
+using platform::desktop::identityOf;
 using platform::desktop::InstalledProfile;
 using platform::desktop::installedProfileFolders;
 using support::displayProfile;
@@ -260,7 +263,7 @@ void letTheClockTick(const std::string& path) {
   timespec now{};
   do {
     clock_gettime(CLOCK_REALTIME_COARSE, &now);
-  } while (std::pair(now.tv_sec, now.tv_nsec) <= std::pair(before.st_ctim.tv_sec, before.st_ctim.tv_nsec));
+  } while (!(identityOf(before).changed < FileTime{now.tv_sec, now.tv_nsec}));
 }
 
 class RememberingFolders : public testing::Test {
@@ -416,36 +419,18 @@ TEST_F(RememberingFolders, SeeALinkThatWasTurnedElsewhere) {
 TEST_F(RememberingFolders, FollowTheUsersLanguage) {
   letTheClockTick(base_.write(
       "m.icc", IccMaker().tag("desc", support::mlucElement({{"enUS", u"English"}, {"deDE", u"Deutsch"}})).bytes()));
-  const char* const before = std::getenv("LC_ALL");
-  const std::string restored = before != nullptr ? before : "";
-  setenv("LC_ALL", "en_US.UTF-8", 1);
+  const auto english = support::userLanguage({{"LC_ALL", "en_US.UTF-8"}});
   EXPECT_THAT(list(), Contains("m.icc: English"));
-  setenv("LC_ALL", "de_DE.UTF-8", 1);
+  const auto german = support::userLanguage({{"LC_ALL", "de_DE.UTF-8"}});
   EXPECT_THAT(list(), Contains("m.icc: Deutsch"));
-  setenv("LC_ALL", restored.c_str(), 1);
 }
 
 // --- where profiles are
 
-class Environment {
+/// The variables that say where a user's files are; all of them absent.
+class Environment : support::EnvironmentVariables {
  public:
-  Environment() {
-    for (const char* const name : {"HOME", "XDG_DATA_HOME", "XDG_DATA_DIRS"}) {
-      const char* const value = std::getenv(name);
-      before_.emplace_back(name, value != nullptr ? value : "");
-      unsetenv(name);
-    }
-  }
-  Environment(const Environment&) = delete;
-  Environment& operator=(const Environment&) = delete;
-  ~Environment() {
-    for (const auto& [name, value] : before_) {
-      setenv(name.c_str(), value.c_str(), 1);
-    }
-  }
-
- private:
-  std::vector<std::pair<std::string, std::string>> before_;
+  Environment() : EnvironmentVariables({{"HOME", {}}, {"XDG_DATA_HOME", {}}, {"XDG_DATA_DIRS", {}}}) {}
 };
 
 TEST(InstalledProfileFolders, AreTheSystemsAndTheUsers) {

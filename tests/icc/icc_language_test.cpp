@@ -2,10 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include <cstdlib>
-#include <map>
-#include <optional>
-#include <string>
+#include "support/environment_variables.h"
 
 namespace {
 
@@ -13,36 +10,6 @@ using platform::desktop::Language;
 using platform::desktop::languageOfLocale;
 using platform::desktop::languageRank;
 using platform::desktop::userLanguage;
-
-/// Sets the locale variables for a test, the absent ones to nothing, and restores them.
-class LocaleVariables {
- public:
-  explicit LocaleVariables(const std::map<std::string, std::string>& values) {
-    for (const char* const name : {"LC_ALL", "LC_MESSAGES", "LANG"}) {
-      const char* const value = std::getenv(name);
-      before_[name] = value != nullptr ? std::optional<std::string>(value) : std::nullopt;
-      const auto wanted = values.find(name);
-      set(name, wanted != values.end() ? std::optional<std::string>(wanted->second) : std::nullopt);
-    }
-  }
-  LocaleVariables(const LocaleVariables&) = delete;
-  LocaleVariables& operator=(const LocaleVariables&) = delete;
-  ~LocaleVariables() {
-    for (const auto& [name, value] : before_) {
-      set(name, value);
-    }
-  }
-
- private:
-  static void set(const std::string& name, const std::optional<std::string>& value) {
-    if (value) {
-      setenv(name.c_str(), value->c_str(), 1);
-    } else {
-      unsetenv(name.c_str());
-    }
-  }
-  std::map<std::string, std::optional<std::string>> before_;
-};
 
 TEST(LanguageOfLocale, IsItsLanguageAndCountry) {
   EXPECT_EQ(languageOfLocale("de_AT.UTF-8@euro"), (Language{"de", "AT"}));
@@ -60,25 +27,25 @@ TEST(LanguageOfLocale, IsAmericanEnglishWhenItNamesNone) {
 
 TEST(UserLanguage, IsThatOfTheFirstVariableThatSaysOne) {
   {
-    const LocaleVariables variables({{"LC_ALL", "de_DE"}, {"LC_MESSAGES", "fr_FR"}, {"LANG", "ja_JP"}});
+    const auto variables = support::userLanguage({{"LC_ALL", "de_DE"}, {"LC_MESSAGES", "fr_FR"}, {"LANG", "ja_JP"}});
     EXPECT_EQ(userLanguage(), (Language{"de", "DE"}));
   }
   {
-    const LocaleVariables variables({{"LC_ALL", ""}, {"LC_MESSAGES", "fr_FR"}, {"LANG", "ja_JP"}});
+    const auto variables = support::userLanguage({{"LC_ALL", ""}, {"LC_MESSAGES", "fr_FR"}, {"LANG", "ja_JP"}});
     EXPECT_EQ(userLanguage(), (Language{"fr", "FR"}));
   }
   {
-    const LocaleVariables variables({{"LC_MESSAGES", ""}, {"LANG", "ja_JP"}});
+    const auto variables = support::userLanguage({{"LC_MESSAGES", ""}, {"LANG", "ja_JP"}});
     EXPECT_EQ(userLanguage(), (Language{"ja", "JP"}));
   }
   {
-    const LocaleVariables variables({});
+    const auto variables = support::userLanguage({});
     EXPECT_EQ(userLanguage(), (Language{"en", "US"}));
   }
 }
 
 TEST(UserLanguage, OfTheCLocaleOverridesAnother) {
-  const LocaleVariables variables({{"LC_ALL", "C"}, {"LANG", "ja_JP"}});
+  const auto variables = support::userLanguage({{"LC_ALL", "C"}, {"LANG", "ja_JP"}});
   EXPECT_EQ(userLanguage(), (Language{"en", "US"}));
 }
 

@@ -15,6 +15,7 @@
 #include "frameworks/calls.h"
 #include "frameworks/preferred_name.h"
 #include "strings/owned_ref.h"
+#include "support/environment_variables.h"
 
 namespace {
 
@@ -100,34 +101,6 @@ class Services : public testing::Test {
   }
 
   std::shared_ptr<ScriptedDesktop> desktop_ = std::make_shared<ScriptedDesktop>();
-};
-
-/// Sets environment variables and puts them back.
-class Language {
- public:
-  explicit Language(const std::map<std::string, std::string>& wanted) {
-    for (const char* const name : {"LANGUAGE", "LC_ALL", "LC_MESSAGES", "LANG"}) {
-      const char* const value = std::getenv(name);
-      kept_[name] = value != nullptr ? std::optional<std::string>(value) : std::nullopt;
-      unsetenv(name);
-    }
-    for (const auto& [name, value] : wanted) {
-      setenv(name.c_str(), value.c_str(), 1);
-    }
-  }
-  ~Language() {
-    for (const auto& [name, value] : kept_) {
-      unsetenv(name.c_str());
-      if (value) {
-        setenv(name.c_str(), value->c_str(), 1);
-      }
-    }
-  }
-  Language(const Language&) = delete;
-  Language& operator=(const Language&) = delete;
-
- private:
-  std::map<std::string, std::optional<std::string>> kept_;
 };
 
 // --- matching
@@ -262,7 +235,7 @@ TEST_F(Services, LeaveOutWhatTheyDoNotKnow) {
 TEST_F(Services, WithoutInformationAnswerNull) { EXPECT_FALSE(infoOf({.has_info = false, .vendor = 1})); }
 
 TEST_F(Services, TellAllNamesUnlessAskedForThePreferredOne) {
-  const Language german({{"LANG", "de_DE.UTF-8"}});
+  const auto german = support::userLanguage({{"LANG", "de_DE.UTF-8"}});
   const Names names = {{"en", "Screen"},
                        {"de", "Bildschirm"},
                        {"fr",
@@ -301,24 +274,24 @@ std::string preferred(const Names& names) {
 
 TEST(PreferredName, IsInTheLanguageOfTheEnvironment) {
   const Names names = {{"fr", ""}, {"en", ""}, {"de", ""}, {"de_CH", ""}};
-  const Language german({{"LANG", "fr_FR"}, {"LC_MESSAGES", "de_DE.UTF-8"}});
+  const auto german = support::userLanguage({{"LANG", "fr_FR"}, {"LC_MESSAGES", "de_DE.UTF-8"}});
   EXPECT_EQ(preferred(names), "de");
-  const Language swiss({{"LANG", "fr_FR"}, {"LC_ALL", "de_CH@euro"}});
+  const auto swiss = support::userLanguage({{"LANG", "fr_FR"}, {"LC_ALL", "de_CH@euro"}});
   EXPECT_EQ(preferred(names), "de_CH");
-  const Language list({{"LC_ALL", "en_GB"}, {"LANGUAGE", "fr:de"}});
+  const auto list = support::userLanguage({{"LC_ALL", "en_GB"}, {"LANGUAGE", "fr:de"}});
   EXPECT_EQ(preferred(names), "fr");
 }
 
 TEST(PreferredName, IsEnglishWhenTheEnvironmentDoesNotSay) {
   const Names names = {{"fr", ""}, {"en_GB", ""}, {"en", ""}};
-  const Language none({});
+  const auto none = support::userLanguage({});
   EXPECT_EQ(preferred(names), "en");
-  const Language c({{"LANG", "C.UTF-8"}});
+  const auto c = support::userLanguage({{"LANG", "C.UTF-8"}});
   EXPECT_EQ(preferred(names), "en");
 }
 
 TEST(PreferredName, IsEnglishOrTheFirstWhenTheLanguageIsMissing) {
-  const Language japanese({{"LANG", "ja_JP"}});
+  const auto japanese = support::userLanguage({{"LANG", "ja_JP"}});
   EXPECT_EQ(preferred({{"fr", ""}, {"en_GB", ""}}), "en_GB");
   EXPECT_EQ(preferred({{"fr", ""}, {"de", ""}}), "fr");
   EXPECT_EQ(preferred({}), "(0 names)");
