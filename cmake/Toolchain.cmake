@@ -54,8 +54,9 @@ endif()
 include(CheckPIESupported)
 check_pie_supported(LANGUAGES C CXX OBJCXX)
 if(OSTREVIN_COVERAGE)
-  # Each process adds its counts to these files when it ends; scripts/coverage reads them.
-  add_compile_options(-fprofile-instr-generate=${CMAKE_BINARY_DIR}/coverage/%2m.profraw -fcoverage-mapping)
+  # Each process adds its counts to these files when it ends; scripts/coverage reads them. Several threads count: without
+  # atomic counters a lost one passes for a branch that was taken.
+  add_compile_options(-fprofile-instr-generate=${CMAKE_BINARY_DIR}/coverage/%2m.profraw -fcoverage-mapping -fprofile-update=atomic)
   add_link_options(-fprofile-instr-generate)
 endif()
 

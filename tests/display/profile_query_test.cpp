@@ -207,6 +207,8 @@ class ListOfDevices : public DisplayTest {
     EXPECT_EQ(count(Call::dispatch_async), walks);
   }
 
+  const std::vector<device_iterator::DeviceRecord>& records() const { return records_; }
+
  private:
   std::vector<device_iterator::DeviceRecord> records_;
 };
@@ -217,6 +219,13 @@ TEST_F(ListOfDevices, WouldAnswerProfileAndNameQueries) {
     EXPECT_EQ(queriedPath(1), "/profiles/1.icc");
     EXPECT_EQ(text(DisplayServices::displayNameUsingColorSync(makeUuid(1).get())), "ColorSync 1");
   });
+}
+
+TEST_F(ListOfDevices, WouldLeaveOutADeviceWhoseRecordCannotBeMade) {
+  fail(Call::CFDictionaryCreate);
+  EXPECT_EQ(queriedPath(1), "/profiles/1.icc");
+  waitForWalks(1);
+  EXPECT_THAT(records(), IsEmpty());
 }
 
 }  // namespace
