@@ -1,14 +1,9 @@
 #include "support/private_colord.h"
 
-#include <fcntl.h>
 #include <gio/gio.h>
-#include <sched.h>
-#include <sys/mount.h>
-#include <unistd.h>
 
 #include <chrono>
 #include <cstdlib>
-#include <cstring>
 #include <fstream>
 #include <functional>
 #include <sstream>
@@ -22,7 +17,6 @@ namespace fs = std::filesystem;
 
 constexpr const char* kBusProgram = "/usr/bin/dbus-daemon";
 constexpr const char* kColordProgram = "/usr/libexec/colord";
-constexpr const char* kColordState = "/var/lib/colord";
 constexpr const char* kColordName = "org.freedesktop.ColorManager";
 constexpr const char* kColordPath = "/org/freedesktop/ColorManager";
 constexpr std::chrono::seconds kStartLimit{30};
@@ -44,6 +38,16 @@ void waitFor(const std::string& what, const std::function<bool()>& condition) {
   }
 }
 
+/// Waits until a server that was just started is ready. Throws as soon as its process ends, with what it printed.
+void waitForServer(const std::string& name, ChildProcess& server, const std::function<bool()>& ready) {
+  waitFor(name, [&] {
+    if (server.hasEnded()) {
+      throw std::runtime_error(name + " does not start: " + server.output());
+    }
+    return ready();
+  });
+}
+
 std::string takeMessage(GError* error) {
   const std::string message = error == nullptr ? "no message" : error->message;
   g_clear_error(&error);
@@ -59,45 +63,6 @@ void writeBusConfiguration(const fs::path& file, const std::string& address) {
                          "<allow own=\"*\"/><allow send_type=\"method_call\"/><allow send_destination=\"*\"/>"
                          "<allow eavesdrop=\"false\"/></policy></busconfig>\n";
 }
-
-void writeText(const char* file, const char* text) {
-  const int descriptor = open(file, O_WRONLY | O_CLOEXEC);
-  if (descriptor >= 0) {
-    const ssize_t written = write(descriptor, text, std::strlen(text));
-    static_cast<void>(written);
-    close(descriptor);
-  }
-}
-
-/// A mount namespace of the process's own; for a user without privileges in a user namespace in which it has its own
-/// id.
-bool ownMounts(const std::string& user_map, const std::string& group_map) {
-  if (unshare(CLONE_NEWNS) != 0) {
-    if (unshare(CLONE_NEWUSER | CLONE_NEWNS) != 0) {
-      return false;
-    }
-    writeText("/proc/self/setgroups", "deny");
-    writeText("/proc/self/uid_map", user_map.c_str());
-    writeText("/proc/self/gid_map", group_map.c_str());
-  }
-  return mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0;
-}
-
-/// Where colord's plugins are: "/usr/lib/ARCHITECTURE/colord-plugins". Empty when it has none.
-std::string pluginDirectory() {
-  for (const auto& entry : fs::directory_iterator("/usr/lib")) {
-    if (fs::is_directory(entry.path() / "colord-plugins")) {
-      return entry.path() / "colord-plugins";
-    }
-  }
-  return {};
-}
-
-bool mountOver(const char* where, const std::string& what) {
-  return mount(what.c_str(), where, nullptr, MS_BIND, nullptr) == 0;
-}
-
-std::string selfMap(unsigned id) { return std::to_string(id) + " " + std::to_string(id) + " 1"; }
 
 }  // namespace
 
@@ -133,7 +98,7 @@ void PrivateColord::startBus() {
   bus_ = std::make_unique<ChildProcess>(
       std::vector<std::string>{kBusProgram, "--nofork", "--config-file=" + (directory() / "bus.conf").string()},
       Environment{}, directory() / "bus.log");
-  waitFor("bus", [&] {
+  waitForServer("dbus-daemon", *bus_, [&] {
     connect();
     return connection_ != nullptr;
   });
@@ -165,18 +130,14 @@ bool PrivateColord::colordHasName() const {
 }
 
 void PrivateColord::start() {
-  const std::string state = directory() / "state";
-  const std::string no_plugins = directory() / "no-plugins";
-  const std::string plugins = pluginDirectory();
-  const std::string user_map = selfMap(getuid());
-  const std::string group_map = selfMap(getgid());
-  const auto prepare = [&] {
-    return ownMounts(user_map, group_map) && mountOver(kColordState, state) &&
-           (plugins.empty() || mountOver(plugins.c_str(), no_plugins));
-  };
-  colord_ = std::make_unique<ChildProcess>(std::vector<std::string>{kColordProgram}, Environment{},
-                                           directory() / "colord.log", -1, prepare);
-  waitFor("colord", [&] { return colordHasName(); });
+  const Environment redirected{"LD_PRELOAD=" OSTREVIN_COLORD_REDIRECT,
+                               "OSTREVIN_COLORD_DIRECTORY=" + directory().string()};
+  colord_ =
+      std::make_unique<ChildProcess>(std::vector<std::string>{kColordProgram}, redirected, directory() / "colord.log");
+  waitForServer("colord", *colord_, [&] { return colordHasName(); });
+  if (!fs::exists(directory() / "state" / "storage.db")) {
+    throw std::runtime_error("colord does not keep its state where " OSTREVIN_COLORD_REDIRECT " redirects it to");
+  }
   colormgr({"get-devices"});
 }
 

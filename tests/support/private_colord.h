@@ -1,9 +1,10 @@
 // A real colord of the test's own, on a real system bus of the test's own.
 //
 // The bus is a dbus-daemon on a socket in a temporary directory, named to this process and its children by
-// DBUS_SYSTEM_BUS_ADDRESS. colord runs in a mount namespace in which /var/lib/colord is a directory of the test's, so
-// tests can run at the same time and the computer's own colord is not touched; its plugins, which start processes of
-// their own to look for scanners, are hidden from it there. Both die with the test.
+// DBUS_SYSTEM_BUS_ADDRESS. colord keeps its state in a directory of the test's instead of /var/lib/colord and loads no
+// plugins, which would start processes of their own to look for scanners; colord_redirect.cpp, preloaded into it, sees
+// to both. So tests run at the same time, need no privilege and do not touch the computer's own colord. Bus and colord
+// die with the test.
 //
 // There is no polkit on the bus. None is needed: colord lets root and the user that it runs as itself do everything
 // without asking, and it runs as the user of the test, root or not. So what polkit would deny to a user is not tested
@@ -27,7 +28,8 @@ namespace test_support {
 
 class PrivateColord {
  public:
-  /// Starts the bus and colord, and waits until colord answers. Throws std::runtime_error when that does not happen.
+  /// Starts the bus and colord, and waits until colord answers. Throws std::runtime_error with what they printed as
+  /// soon as one of them ends, and after 30 seconds when colord does not answer.
   PrivateColord();
   ~PrivateColord();
   PrivateColord(const PrivateColord&) = delete;

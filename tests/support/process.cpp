@@ -11,6 +11,8 @@
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
+#include <fstream>
+#include <iterator>
 #include <stdexcept>
 #include <thread>
 #include <utility>
@@ -21,6 +23,8 @@ namespace test_support {
 namespace {
 
 using Clock = std::chrono::steady_clock;
+
+constexpr int kNotStarted = 127;
 
 std::runtime_error systemError(const std::string& what) {
   return std::runtime_error(what + ": " + std::strerror(errno));
@@ -83,7 +87,7 @@ std::vector<std::string> mergedEnvironment(const Environment& added) {
 
 /// Starts a program; `descriptors` are pairs (ours, the child's).
 pid_t start(const std::vector<std::string>& command, const Environment& environment,
-            const std::vector<std::pair<int, int>>& descriptors, const std::function<bool()>& prepare = nullptr) {
+            const std::vector<std::pair<int, int>>& descriptors) {
   const CStrings arguments(command);
   const CStrings variables(mergedEnvironment(environment));
   const pid_t pid = fork();
@@ -100,10 +104,12 @@ pid_t start(const std::vector<std::string>& command, const Environment& environm
   for (const auto& [ours, childs] : descriptors) {
     dup2(ours, childs);
   }
-  if (!prepare || prepare()) {
-    execvpe(arguments.data()[0], arguments.data(), variables.data());
+  execvpe(arguments.data()[0], arguments.data(), variables.data());
+  for (const char* text :
+       {static_cast<const char*>(arguments.data()[0]), " cannot be started: ", strerrordesc_np(errno)}) {
+    static_cast<void>(write(STDERR_FILENO, text, std::strlen(text)));
   }
-  _exit(127);
+  _exit(kNotStarted);
 }
 
 void writeAll(int fd, const std::string& text) {
@@ -167,8 +173,8 @@ ProcessResult run(const std::vector<std::string>& command, const Environment& en
     throw std::runtime_error(command.front() + " does not end");
   }
   result.exit_status = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-  if (result.exit_status == 127) {
-    throw std::runtime_error(command.front() + " cannot be started");
+  if (result.exit_status == kNotStarted) {
+    throw std::runtime_error(result.errors);
   }
   return result;
 }
@@ -200,7 +206,8 @@ TemporaryDirectory::~TemporaryDirectory() {
 }
 
 ChildProcess::ChildProcess(const std::vector<std::string>& command, const Environment& environment,
-                           const std::filesystem::path& log, int status_fd, const std::function<bool()>& prepare) {
+                           const std::filesystem::path& log, int status_fd)
+    : log_(log) {
   const int log_fd = open(log.c_str(), O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, 0600);
   if (log_fd < 0) {
     throw systemError(log.string());
@@ -210,7 +217,7 @@ ChildProcess::ChildProcess(const std::vector<std::string>& command, const Enviro
   if (status_fd >= 0) {
     descriptors.emplace_back(status.ends[1], status_fd);
   }
-  pid_ = start(command, environment, descriptors, prepare);
+  pid_ = start(command, environment, descriptors);
   close(log_fd);
   status_pipe_ = std::exchange(status.ends[0], -1);
 }
@@ -235,6 +242,11 @@ std::string ChildProcess::readStatusLine(std::chrono::seconds limit) {
   }
   line.pop_back();
   return line;
+}
+
+std::string ChildProcess::output() const {
+  std::ifstream file(log_);
+  return {std::istreambuf_iterator<char>(file), {}};
 }
 
 void ChildProcess::signal(int number) const {

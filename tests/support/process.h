@@ -5,7 +5,6 @@
 
 #include <chrono>
 #include <filesystem>
-#include <functional>
 #include <string>
 #include <vector>
 
@@ -50,10 +49,9 @@ class TemporaryDirectory {
 class ChildProcess {
  public:
   /// When `status_fd` is not negative, the program has the writing end of a pipe at that descriptor; see
-  /// readStatusLine(). `prepare` runs in the new process just before the program; it may only make system calls, and
-  /// answers false when the program is not to run.
+  /// readStatusLine().
   ChildProcess(const std::vector<std::string>& command, const Environment& environment,
-               const std::filesystem::path& log, int status_fd = -1, const std::function<bool()>& prepare = nullptr);
+               const std::filesystem::path& log, int status_fd = -1);
   /// Stops the program.
   ~ChildProcess();
   ChildProcess(const ChildProcess&) = delete;
@@ -62,6 +60,9 @@ class ChildProcess {
   pid_t pid() const { return pid_; }
   /// A line that the program wrote to its status descriptor; empty when it ended, or wrote none within the time.
   std::string readStatusLine(std::chrono::seconds limit);
+  /// What the program has printed so far; why it could not be started, when that is so.
+  std::string output() const;
+  bool hasEnded();
   void signal(int number) const;
   /// Asks the program to end, by force if it has not after 5 seconds, and waits for it.
   void stop();
@@ -69,8 +70,7 @@ class ChildProcess {
   void kill();
 
  private:
-  bool hasEnded();
-
+  std::filesystem::path log_;
   pid_t pid_ = -1;
   int status_pipe_ = -1;
 };

@@ -91,16 +91,15 @@ Environment XServer::environment() const {
 }
 
 void XServer::start(std::vector<std::string> command, const std::string& display, const Environment& environment) {
-  const auto log = directory() / "output";
   if (!display.empty()) {
     command.insert(command.begin() + 1, display);
   }
   command.insert(command.end(), {"-displayfd", std::to_string(kStatusFd), "-nolisten", "tcp", "-noreset"});
-  process_ = std::make_unique<ChildProcess>(command, environment, log, kStatusFd);
+  process_ = std::make_unique<ChildProcess>(command, environment, directory() / "output", kStatusFd);
   const std::string number = process_->readStatusLine(kStartLimit);
   if (number.empty()) {
     process_->kill();
-    throw std::runtime_error(command.front() + " does not start:\n" + contents(log));
+    throw std::runtime_error(command.front() + " does not start:\n" + process_->output());
   }
   display_ = ":" + number;
   connect();
