@@ -22,8 +22,10 @@ set(OSTREVIN_SANITIZE "" CACHE STRING "Sanitizers for everything, such as addres
 add_library(ostrevin_settings INTERFACE)
 add_library(ostrevin::settings ALIAS ostrevin_settings)
 target_compile_options(ostrevin_settings INTERFACE -Wall -Wextra -Werror)
-# The build type of the sanitizer presets: enough for a readable stack, and quick to compile.
+# Debugging information for readable stacks, and no more: the whole of it takes a quarter of the time to compile. Sanitize
+# is the build type of the sanitizer presets.
 foreach(language IN ITEMS C CXX OBJCXX)
+  set(CMAKE_${language}_FLAGS_RELWITHDEBINFO "-O2 -gline-tables-only -DNDEBUG")
   set(CMAKE_${language}_FLAGS_SANITIZE "-O1 -gline-tables-only")
 endforeach()
 if(APPLE)
