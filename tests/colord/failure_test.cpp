@@ -7,6 +7,9 @@
 #include <atomic>
 #include <chrono>
 #include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <stdexcept>
 #include <thread>
 
 #include "colord/displays.h"
@@ -71,6 +74,18 @@ class Failing : public testing::Test {
   Display display_ = makeDisplay(1, "DP-1", firstEdid());
   ColordDevices devices_ = devicesFor({display_});
 };
+
+TEST(PrivateColord, ThatCannotStartFailsAtOnceWithTheReason) {
+  PrivateColord colord;
+  colord.stop();
+  std::filesystem::remove_all(colord.directory() / "state");
+  std::ofstream(colord.directory() / "state") << "a file where colord's directory was";
+  EXPECT_LE(timed([&] {
+              EXPECT_THAT([&] { colord.start(); }, testing::ThrowsMessage<std::runtime_error>(
+                                                       testing::ContainsRegex("colord does not start: .")));
+            }),
+            kSoon);
+}
 
 TEST(WithoutABus, ThereAreNoEntriesAndNoAssignmentsAndNoWait) {
   setenv("DBUS_SYSTEM_BUS_ADDRESS", "unix:path=/nonexistent/bus", 1);
