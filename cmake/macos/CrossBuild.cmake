@@ -28,9 +28,9 @@ execute_process(COMMAND ${linker} --version OUTPUT_VARIABLE output)
 string(REGEX MATCH "LLD ([0-9.]+)" found "${output}")
 if(NOT CMAKE_MATCH_1 VERSION_GREATER_EQUAL 15)
   unset(OSTREVIN_MACHO_LINKER CACHE)  # looked for again next time
+  ostrevin_macos_needs("LLD 15 or later (package lld-19): ${linker} is ${found}, which drops what C++ exceptions need to be unwound."
+    FALSE)
 endif()
-ostrevin_macos_needs("LLD 15 or later (package lld-19): ${linker} is ${found}, which drops what C++ exceptions need to be unwound."
-  CMAKE_MATCH_1 VERSION_GREATER_EQUAL 15)
 set(OSTREVIN_LLVM_TOOLS ar ranlib lipo nm objdump install-name-tool)
 foreach(tool IN LISTS OSTREVIN_LLVM_TOOLS)
   string(TOUPPER "OSTREVIN_LLVM_${tool}" variable)
