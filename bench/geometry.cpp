@@ -10,8 +10,8 @@
 #include <vector>
 
 #include "desktop/current.h"
-#include "desktop/scripted.h"
-#include "desktop/x11_round_trips.h"
+#include "desktop/script/scripted.h"
+#include "desktop/x11/x11_round_trips.h"
 #include "direct_screens.h"
 #include "groups.h"
 #include "plugin_rows.h"

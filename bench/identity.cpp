@@ -14,7 +14,7 @@
 #include <string>
 
 #include "desktop/current.h"
-#include "desktop/scripted.h"
+#include "desktop/script/scripted.h"
 #include "direct_names.h"
 #include "direct_profile.h"
 #include "groups.h"

@@ -9,7 +9,7 @@
 #include <string>
 #include <string_view>
 
-#include "devhost/autorelease.h"
+#include "devhost/runtime/autorelease.h"
 #include "host/records.h"
 
 namespace bench {

@@ -19,7 +19,7 @@
 #include <vector>
 
 #include "desktop/current.h"
-#include "desktop/scripted.h"
+#include "desktop/script/scripted.h"
 #include "groups.h"
 #include "plugin_rows.h"
 #include "profile/profile_services.h"

@@ -9,7 +9,7 @@
 #include <cstdlib>
 #include <initializer_list>
 
-#include "devhost/host.h"
+#include "devhost/runtime/host.h"
 
 namespace {
 

@@ -6,7 +6,7 @@
 #include <functional>
 #include <vector>
 
-#include "devhost/autorelease.h"
+#include "devhost/runtime/autorelease.h"
 
 namespace bench {
 

@@ -13,6 +13,8 @@ set(OSTREVIN_INSTALL_CMAKEDIR ${CMAKE_INSTALL_LIBDIR}/cmake/Ostrevin)
 
 # The facade, and the services below it.
 set(OSTREVIN_PUBLIC_HEADERS
+  base/export.h
+  base/owned_ref.h
   plugin/display.h
   plugin/result_codes.h
   display/device_iterator.h
@@ -22,8 +24,6 @@ set(OSTREVIN_PUBLIC_HEADERS
   profile/profile_iterator.h
   profile/profile_services.h
   profile/result_codes.h
-  strings/export.h
-  strings/owned_ref.h
   strings/string_services.h
   strings/utils.h)
 

@@ -8,11 +8,11 @@
 #include <memory>
 #include <utility>
 
+#include "base/checked_value.h"
 #include "display/answer_wait.h"
 #include "display/display_services.h"
 #include "display/kept.h"
 #include "display/unknown_name.h"
-#include "strings/checked_value.h"
 
 namespace DisplayServices {
 

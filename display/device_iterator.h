@@ -12,8 +12,8 @@
 
 #include <vector>
 
-#include "strings/export.h"
-#include "strings/owned_ref.h"
+#include "base/export.h"
+#include "base/owned_ref.h"
 
 namespace DisplayServices {
 

@@ -5,12 +5,12 @@
 #include <optional>
 #include <vector>
 
+#include "base/checked_value.h"
+#include "base/owned_ref.h"
 #include "display/display_services.h"
 #include "display/io_object.h"
 #include "display/kept.h"
 #include "display/unknown_name.h"
-#include "strings/checked_value.h"
-#include "strings/owned_ref.h"
 
 namespace DisplayServices {
 namespace {

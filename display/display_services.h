@@ -9,10 +9,10 @@
 #include <CoreFoundation/CoreFoundation.h>
 #include <CoreGraphics/CoreGraphics.h>
 
+#include "base/export.h"
 #include "display/device_iterator.h"
 #include "display/monitors_set.h"
 #include "display/screens.h"
-#include "strings/export.h"
 
 namespace DisplayServices {
 

@@ -1,8 +1,8 @@
 // The names of displays that were asked for once.
+#include "base/checked_value.h"
 #include "display/display_services.h"
 #include "display/kept.h"
 #include "display/unknown_name.h"
-#include "strings/checked_value.h"
 
 namespace DisplayServices {
 namespace {

@@ -5,7 +5,7 @@
 
 #include <set>
 
-#include "strings/export.h"
+#include "base/export.h"
 
 namespace DisplayServices {
 

@@ -1,6 +1,6 @@
 // Makes a profile file the custom profile of a display.
+#include "base/checked_value.h"
 #include "display/display_services.h"
-#include "strings/checked_value.h"
 
 namespace DisplayServices {
 

@@ -5,7 +5,7 @@
 
 #include <CoreGraphics/CoreGraphics.h>
 
-#include "strings/export.h"
+#include "base/export.h"
 
 #ifdef __OBJC__
 @class NSScreen;

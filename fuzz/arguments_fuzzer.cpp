@@ -8,8 +8,8 @@
 #include <string>
 #include <vector>
 
-#include "devhost/arguments.h"
-#include "devhost/printable.h"
+#include "devhost/language/arguments.h"
+#include "devhost/language/printable.h"
 #include "fuzz/support/finding.h"
 
 namespace {

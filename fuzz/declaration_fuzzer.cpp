@@ -4,8 +4,8 @@
 #include <optional>
 #include <string>
 
-#include "devhost/declaration.h"
-#include "devhost/printable.h"
+#include "devhost/language/declaration.h"
+#include "devhost/language/printable.h"
 #include "fuzz/support/finding.h"
 
 namespace {

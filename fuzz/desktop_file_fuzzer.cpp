@@ -10,7 +10,7 @@
 #include <stdexcept>
 #include <string>
 
-#include "desktop/scripted.h"
+#include "desktop/script/scripted.h"
 #include "fuzz/support/finding.h"
 
 namespace {

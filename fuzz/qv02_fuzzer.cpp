@@ -6,11 +6,11 @@
 #include <string>
 #include <string_view>
 
+#include "base/owned_ref.h"
 #include "fuzz/support/finding.h"
 #include "fuzz/support/icc_reference.h"
 #include "fuzz/support/memory_file.h"
 #include "profile/profile_services.h"
-#include "strings/owned_ref.h"
 
 namespace {
 

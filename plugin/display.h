@@ -13,7 +13,7 @@
 #include <string>
 #include <tuple>
 
-#include "strings/export.h"
+#include "base/export.h"
 
 namespace Display {
 

@@ -1,9 +1,9 @@
 #include <ColorSync/ColorSync.h>
 #include <CoreGraphics/CoreGraphics.h>
 
+#include "base/owned_ref.h"
 #include "display/display_services.h"
 #include "plugin/display.h"
-#include "strings/owned_ref.h"
 #include "strings/string_services.h"
 
 namespace Display {

@@ -1,9 +1,9 @@
 // Where the host enters: the one function that it calls when it has loaded the library.
+#include "base/export.h"
 #include "host/call.h"
 #include "host/registration.h"
 #include "host/resolver.h"
 #include "plugin/module.h"
-#include "strings/export.h"
 
 namespace {
 

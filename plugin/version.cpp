@@ -1,5 +1,5 @@
 // The version that tools read off the library; nothing in the library reads it.
-#include "strings/export.h"
+#include "base/export.h"
 
 extern "C" {
 

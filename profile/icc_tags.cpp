@@ -6,9 +6,9 @@
 #include <utility>
 #include <vector>
 
+#include "base/checked_value.h"
+#include "base/owned_ref.h"
 #include "profile/profile_services.h"
-#include "strings/checked_value.h"
-#include "strings/owned_ref.h"
 #include "strings/utils.h"
 
 namespace ProfileServices {

@@ -5,7 +5,7 @@
 #include <memory>
 #include <new>
 
-#include "strings/owned_ref.h"
+#include "base/owned_ref.h"
 
 namespace ProfileServices {
 

@@ -6,9 +6,9 @@
 #include <tuple>
 #include <utility>
 
+#include "base/checked_value.h"
+#include "base/owned_ref.h"
 #include "profile/platform_text.h"
-#include "strings/checked_value.h"
-#include "strings/owned_ref.h"
 
 namespace ProfileServices {
 namespace {

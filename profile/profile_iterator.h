@@ -6,8 +6,8 @@
 
 #include <cstdint>
 
+#include "base/export.h"
 #include "profile/profile_services.h"
-#include "strings/export.h"
 
 namespace ProfileServices {
 

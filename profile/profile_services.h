@@ -13,8 +13,8 @@
 #include <string>
 #include <tuple>
 
+#include "base/export.h"
 #include "profile/result_codes.h"
-#include "strings/export.h"
 
 namespace ProfileServices {
 

@@ -10,7 +10,7 @@
 
 #include <CoreFoundation/CoreFoundation.h>
 
-#include "strings/export.h"
+#include "base/export.h"
 
 namespace StringServices {
 

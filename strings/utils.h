@@ -8,7 +8,7 @@
 #include <utility>
 #include <vector>
 
-#include "strings/export.h"
+#include "base/export.h"
 
 namespace Utils {
 

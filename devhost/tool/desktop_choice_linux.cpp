@@ -5,7 +5,7 @@
 #include <memory>
 
 #include "desktop/current.h"
-#include "desktop/scripted.h"
+#include "desktop/script/scripted.h"
 #include "devhost/tool/desktop_choice.h"
 
 namespace devhost::tool {

@@ -2,7 +2,7 @@
 
 #include <CoreGraphics/CoreGraphics.h>
 
-#include "devhost/tool/progress.h"
+#include "devhost/tool/terminal/progress.h"
 
 namespace devhost::tool {
 namespace {

@@ -6,8 +6,8 @@
 #include <string>
 #include <vector>
 
-#include "devhost/plugin.h"
-#include "devhost/tool/json.h"
+#include "devhost/calling/plugin.h"
+#include "devhost/tool/terminal/json.h"
 
 namespace devhost::tool {
 

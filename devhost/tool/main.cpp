@@ -4,10 +4,10 @@
 
 #include <iostream>
 
-#include "devhost/tool/command_line.h"
+#include "devhost/tool/commands/command_line.h"
 #include "devhost/tool/desktop_choice.h"
-#include "devhost/tool/exit_status.h"
 #include "devhost/tool/files.h"
+#include "devhost/tool/terminal/exit_status.h"
 
 namespace devhost::tool {
 namespace {

@@ -2,9 +2,9 @@
 
 #include <iostream>
 
-#include "devhost/printable.h"
-#include "devhost/tool/exit_status.h"
+#include "devhost/language/printable.h"
 #include "devhost/tool/files.h"
+#include "devhost/tool/terminal/exit_status.h"
 
 namespace devhost::tool {
 

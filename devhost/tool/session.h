@@ -3,7 +3,7 @@
 
 #include <string>
 
-#include "devhost/host.h"
+#include "devhost/runtime/host.h"
 
 namespace devhost::tool {
 

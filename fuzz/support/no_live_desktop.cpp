@@ -1,6 +1,6 @@
 // The fuzzers' frameworks have no live desktop behind them, and so neither X nor colord: fuzzers describe their own.
 #include "desktop/live.h"
-#include "desktop/scripted.h"
+#include "desktop/script/scripted.h"
 
 namespace platform::desktop {
 

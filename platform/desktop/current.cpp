@@ -6,7 +6,7 @@
 #include <stdexcept>
 
 #include "desktop/live.h"
-#include "desktop/scripted.h"
+#include "desktop/script/scripted.h"
 
 namespace platform::desktop {
 namespace {

@@ -3,8 +3,8 @@
 
 #include <memory>
 
-#include "desktop/desktop.h"
-#include "desktop/export.h"
+#include "desktop/model/desktop.h"
+#include "desktop/model/export.h"
 
 namespace platform::desktop {
 

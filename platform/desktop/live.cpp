@@ -1,8 +1,8 @@
 #include "desktop/live.h"
 
-#include "desktop/colord_library.h"
-#include "desktop/icc_folders.h"
-#include "desktop/x11_displays.h"
+#include "desktop/colord/colord_library.h"
+#include "desktop/icc/icc_folders.h"
+#include "desktop/x11/x11_displays.h"
 
 namespace platform::desktop {
 namespace {

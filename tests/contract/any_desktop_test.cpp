@@ -7,11 +7,11 @@
 #include <string>
 #include <vector>
 
-#include "devhost/arrays.h"
-#include "devhost/call_result.h"
-#include "devhost/host.h"
-#include "devhost/objects.h"
-#include "devhost/plugin.h"
+#include "devhost/calling/call_result.h"
+#include "devhost/calling/plugin.h"
+#include "devhost/runtime/arrays.h"
+#include "devhost/runtime/host.h"
+#include "devhost/runtime/objects.h"
 #include "support/fresh_plugin.h"
 
 namespace {

@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "devhost/autorelease.h"
+#include "devhost/runtime/autorelease.h"
 #include "host/call.h"
 #include "tests/contract/fixture.h"
 

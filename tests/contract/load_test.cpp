@@ -5,9 +5,9 @@
 #include <filesystem>
 #include <iterator>
 
-#include "devhost/host.h"
-#include "devhost/plugin.h"
-#include "frameworks/calls.h"
+#include "devhost/calling/plugin.h"
+#include "devhost/runtime/host.h"
+#include "frameworks/hooks/calls.h"
 
 namespace {
 

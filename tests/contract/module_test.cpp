@@ -3,8 +3,8 @@
 
 #include <set>
 
-#include "devhost/host.h"
-#include "devhost/plugin.h"
+#include "devhost/calling/plugin.h"
+#include "devhost/runtime/host.h"
 #include "support/fresh_plugin.h"
 
 namespace {

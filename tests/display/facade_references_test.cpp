@@ -1,6 +1,6 @@
 // What the facade leaves behind of a query for a profile: the reference that the query gave it.
 #include "display/scripted_displays.h"
-#include "frameworks/autorelease_pool.h"
+#include "frameworks/Foundation/autorelease_pool.h"
 #include "plugin/display.h"
 
 namespace {

@@ -13,11 +13,11 @@
 #include <string>
 #include <vector>
 
+#include "base/owned_ref.h"
 #include "desktop/current.h"
-#include "desktop/scripted.h"
+#include "desktop/script/scripted.h"
 #include "display/display_services.h"
-#include "frameworks/calls.h"
-#include "strings/owned_ref.h"
+#include "frameworks/hooks/calls.h"
 
 namespace display_tests {
 

@@ -7,7 +7,7 @@
 #include <memory>
 
 #include "desktop/current.h"
-#include "desktop/scripted.h"
+#include "desktop/script/scripted.h"
 
 namespace {
 

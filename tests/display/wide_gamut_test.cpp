@@ -1,6 +1,6 @@
 // Whether a display's current profile is a wide-gamut one, on real profiles whose names tell.
 #include "display/scripted_displays.h"
-#include "frameworks/autorelease_pool.h"
+#include "frameworks/Foundation/autorelease_pool.h"
 #include "plugin/display.h"
 
 namespace {

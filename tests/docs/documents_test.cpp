@@ -217,7 +217,7 @@ TEST(DocumentCommands, ThatNameWhatIsNotThereAreNoticed) {
               ElementsAre("the preset debug", "the target nothing_at_all"));
   EXPECT_THAT(names.missingIn("ostrevin-host --jason call GetRect"), ElementsAre("the option --jason"));
   EXPECT_THAT(names.missingIn("./run liszt"), ElementsAre("the command liszt"));
-  EXPECT_THAT(names.missingPathsIn("see docs/nowhere.md, `plugin/display.h` and platform/desktop/colord_*."),
+  EXPECT_THAT(names.missingPathsIn("see docs/nowhere.md, `plugin/display.h` and platform/desktop/colord/*."),
               ElementsAre("docs/nowhere.md"));
 }
 

@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "devhost/declaration.h"
+#include "devhost/language/declaration.h"
 
 namespace docs_test {
 

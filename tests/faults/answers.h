@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "frameworks/calls.h"
+#include "frameworks/hooks/calls.h"
 
 namespace faults {
 

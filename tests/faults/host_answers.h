@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "devhost/host.h"
+#include "devhost/runtime/host.h"
 
 namespace faults {
 

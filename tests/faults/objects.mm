@@ -4,7 +4,7 @@
 
 #include <stdexcept>
 
-#include "frameworks/uuids.h"
+#include "frameworks/CoreFoundation/uuids.h"
 
 namespace faults {
 namespace {

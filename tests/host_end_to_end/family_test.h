@@ -12,7 +12,7 @@
 #include <string_view>
 #include <vector>
 
-#include "devhost/host.h"
+#include "devhost/runtime/host.h"
 #include "host/host_calls.h"
 
 class FamilyTest : public ::testing::Test {

@@ -22,11 +22,11 @@
 #include <tuple>
 #include <vector>
 
-#include "devhost/host.h"
-#include "devhost/objects.h"
-#include "devhost/plugin.h"
-#include "frameworks/autorelease_pool.h"
-#include "frameworks/uuids.h"
+#include "devhost/calling/plugin.h"
+#include "devhost/runtime/host.h"
+#include "devhost/runtime/objects.h"
+#include "frameworks/CoreFoundation/uuids.h"
+#include "frameworks/Foundation/autorelease_pool.h"
 #include "leak_budget/allocations.h"
 #include "support/fresh_plugin.h"
 #include "support/icc_maker.h"

@@ -3,7 +3,7 @@
 
 #include <memory>
 
-#include "desktop/desktop.h"
+#include "desktop/model/desktop.h"
 #include "support/xorg_server.h"
 
 namespace live_tests {

@@ -4,9 +4,9 @@
 #include <thread>
 #include <vector>
 
-#include "desktop/desktop.h"
-#include "desktop/x11_displays.h"
-#include "desktop/x11_round_trips.h"
+#include "desktop/model/desktop.h"
+#include "desktop/x11/x11_displays.h"
+#include "desktop/x11/x11_round_trips.h"
 #include "live/agreement.h"
 #include "support/xorg_server.h"
 

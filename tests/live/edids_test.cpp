@@ -3,8 +3,8 @@
 #include <optional>
 #include <random>
 
-#include "desktop/desktop.h"
-#include "desktop/display_layout.h"
+#include "desktop/model/desktop.h"
+#include "desktop/model/display_layout.h"
 #include "live/agreement.h"
 #include "support/edid_decode.h"
 #include "support/edid_maker.h"

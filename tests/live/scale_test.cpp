@@ -6,7 +6,7 @@
 #include <memory>
 #include <thread>
 
-#include "desktop/desktop.h"
+#include "desktop/model/desktop.h"
 #include "live/agreement.h"
 #include "support/xorg_server.h"
 

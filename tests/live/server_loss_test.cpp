@@ -6,10 +6,10 @@
 #include <optional>
 #include <thread>
 
-#include "desktop/desktop.h"
 #include "desktop/live.h"
-#include "desktop/x11_displays.h"
-#include "desktop/x11_round_trips.h"
+#include "desktop/model/desktop.h"
+#include "desktop/x11/x11_displays.h"
+#include "desktop/x11/x11_round_trips.h"
 #include "live/agreement.h"
 #include "support/x_proxy.h"
 #include "support/xorg_server.h"

@@ -8,7 +8,7 @@
 
 #include "display/display_services.h"
 #include "display/monitors_set.h"
-#include "frameworks/autorelease_pool.h"
+#include "frameworks/Foundation/autorelease_pool.h"
 #include "plugin/display.h"
 #include "profile/profile_services.h"
 #include "support/scripted.h"

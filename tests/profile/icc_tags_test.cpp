@@ -6,9 +6,9 @@
 #include <optional>
 #include <string>
 
-#include "frameworks/calls.h"
+#include "base/owned_ref.h"
+#include "frameworks/hooks/calls.h"
 #include "profile/profile_services.h"
-#include "strings/owned_ref.h"
 #include "support/icc_maker.h"
 #include "support/temporary_folder.h"
 #include "support/unprivileged.h"

@@ -3,7 +3,7 @@
 #include <tuple>
 #include <vector>
 
-#include "frameworks/calls.h"
+#include "frameworks/hooks/calls.h"
 #include "profile/profile_fixture.h"
 
 namespace {

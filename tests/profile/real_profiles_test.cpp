@@ -12,10 +12,10 @@
 #include <string>
 #include <vector>
 
+#include "base/owned_ref.h"
 #include "desktop/current.h"
 #include "desktop/live.h"
 #include "profile/profile_services.h"
-#include "strings/owned_ref.h"
 #include "support/temporary_folder.h"
 
 namespace {

@@ -3,9 +3,9 @@
 #include <stdexcept>
 #include <thread>
 
-#include "devhost/arrays.h"
-#include "devhost/call_result.h"
-#include "devhost/objects.h"
+#include "devhost/calling/call_result.h"
+#include "devhost/runtime/arrays.h"
+#include "devhost/runtime/objects.h"
 
 namespace soak {
 namespace {

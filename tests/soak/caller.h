@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "devhost/host.h"
+#include "devhost/runtime/host.h"
 #include "soak/plan.h"
 #include "soak/profiles.h"
 #include "soak/record.h"

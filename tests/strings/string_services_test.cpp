@@ -8,10 +8,10 @@
 #include <thread>
 #include <vector>
 
-#include "frameworks/autorelease_pool.h"
-#include "frameworks/system_version.h"
+#include "base/owned_ref.h"
+#include "frameworks/Foundation/autorelease_pool.h"
+#include "frameworks/Foundation/system_version.h"
 #include "strings/other_foundation.h"
-#include "strings/owned_ref.h"
 #include "strings/string_services.h"
 
 namespace {

@@ -4,8 +4,8 @@
 #include <memory>
 #include <string>
 
-#include "desktop/desktop.h"
-#include "desktop/icc_folders.h"
+#include "desktop/icc/icc_folders.h"
+#include "desktop/model/desktop.h"
 
 namespace support {
 

@@ -8,8 +8,8 @@
 #include <string>
 #include <utility>
 
-#include "devhost/host.h"
-#include "devhost/plugin.h"
+#include "devhost/calling/plugin.h"
+#include "devhost/runtime/host.h"
 
 namespace support {
 

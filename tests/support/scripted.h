@@ -7,8 +7,8 @@
 #include <vector>
 
 #include "desktop/current.h"
-#include "desktop/scripted.h"
-#include "frameworks/calls.h"
+#include "desktop/script/scripted.h"
+#include "frameworks/hooks/calls.h"
 
 namespace support {
 

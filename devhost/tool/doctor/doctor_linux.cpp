@@ -1,0 +1,245 @@
+// The sources are the X server with the monitors' EDIDs, colord, and the ICC files; or one desktop file.
+#include <algorithm>
+#include <cstdlib>
+
+#include "desktop/current.h"
+#include "desktop/diagnosis/diagnosis.h"
+#include "desktop/model/edid.h"
+#include "devhost/language/value.h"
+#include "devhost/tool/displays.h"
+#include "devhost/tool/doctor/doctor.h"
+
+namespace devhost::tool {
+namespace {
+
+namespace desktop = platform::desktop;
+using desktop::ColordState;
+using desktop::ProfileFault;
+using desktop::XServerState;
+
+constexpr const char* kXServer = "X server";
+constexpr const char* kColord = "colord";
+constexpr const char* kFiles = "ICC files";
+constexpr const char* kProfile = "profile";
+constexpr const char* kEdid = "EDID";
+constexpr const char* kEdidFile = "check the cable and the adapter, or start Linux with drm.edid_firmware=";
+/// More faults than this are counted only.
+constexpr std::size_t kMostFaults = 20;
+
+std::string environmentText(const char* name) {
+  const char* const value = std::getenv(name);
+  return value == nullptr ? std::string() : std::string(value);
+}
+
+std::string counted(std::size_t count, const std::string& one, const std::string& several) {
+  return std::to_string(count) + " " + (count == 1 ? one : several);
+}
+
+std::string wordsFor(ProfileFault fault) {
+  switch (fault) {
+    case ProfileFault::kNone:
+      return "is a profile";
+    case ProfileFault::kMissing:
+      return "is not there";
+    case ProfileFault::kUnreadable:
+      return "cannot be read";
+    case ProfileFault::kNotRegular:
+      return "is no regular file";
+    case ProfileFault::kTooLarge:
+      return "is too large for a profile";
+    case ProfileFault::kNotAProfile:
+      return "is no ICC profile";
+    case ProfileFault::kIncomplete:
+      return "is shorter than its header says";
+  }
+  return "cannot be used";
+}
+
+// --- the desktop as a whole
+
+Finding aboutXServer(const desktop::XServerReport& x) {
+  const std::string server = "the X server " + x.display;
+  const std::string query = "DISPLAY=" + shellWord(x.display) + " xrandr --query";
+  switch (x.state) {
+    case XServerState::kNotNamed:
+      return environmentText("WAYLAND_DISPLAY").empty()
+                 ? missing(kXServer, "DISPLAY is not set, so there is no X server to ask for displays",
+                           "export DISPLAY=:0, in a session with an X server")
+                 : missing(kXServer, "DISPLAY is not set: this Wayland session offers no X server to ask for displays",
+                           "apt-get install xwayland, and log in again");
+    case XServerState::kRefused:
+      return missing(kXServer, "there is no X server " + x.display + ", or it does not let this user in",
+                     query + ", which says why");
+    case XServerState::kSilent:
+      return missing(kXServer, server + " does not answer", "end the program that holds it up, or log in again");
+    case XServerState::kNoRandr:
+      return missing(kXServer, server + " has no RandR 1.2, without which displays cannot be told apart",
+                     "start it without \"-extension RANDR\"");
+    case XServerState::kAnswers:
+      break;
+  }
+  if (x.arrangement.displays.empty()) {
+    return missing(kXServer, server + " has no display that is on",
+                   "DISPLAY=" + shellWord(x.display) + " xrandr --auto");
+  }
+  return good(kXServer, x.display + ", RandR 1." + std::to_string(x.randr_minor) + ", " +
+                            counted(x.arrangement.displays.size(), "display", "displays") + ", scale " +
+                            numberText(x.scale));
+}
+
+Finding aboutColord(const desktop::ColordReport& colord) {
+  switch (colord.state) {
+    case ColordState::kNoLibrary:
+      return missing(kColord, "libOstrevinColord.so, which talks to colord, is not beside libOstrevinPlatform.so",
+                     "cmake --build build/release, or install again");
+    case ColordState::kNoBus:
+      return missing(kColord, "the system bus cannot be reached, and so neither can colord, which keeps the profiles",
+                     "systemctl start dbus");
+    case ColordState::kNotInstalled:
+      return missing(kColord, "the system bus has no colord, which keeps the displays' profiles",
+                     "apt-get install colord, or if it is installed: systemctl start colord");
+    case ColordState::kSilent:
+      return missing(kColord, "colord does not start or does not answer", "systemctl restart colord");
+    case ColordState::kAnswers:
+      break;
+  }
+  return good(kColord, "answers, and knows " + counted(colord.devices.size(), "display device", "display devices"));
+}
+
+void addFolders(std::vector<Finding>& findings) {
+  std::size_t profiles = 0;
+  for (const desktop::ProfileFolder& folder : desktop::examineProfileFolders()) {
+    profiles += folder.profiles;
+    findings.push_back(folder.readable
+                           ? good(kFiles, folder.path + ": " + counted(folder.profiles, "profile", "profiles"))
+                           : missing(kFiles, folder.path + " cannot be read", "chmod a+rx " + shellWord(folder.path)));
+    for (std::size_t i = 0; i < std::min(folder.faults.size(), kMostFaults); ++i) {
+      const auto& [path, fault] = folder.faults[i];
+      const bool needs_right = fault == ProfileFault::kUnreadable;
+      findings.push_back(
+          missing(kFiles, path + " " + wordsFor(fault), (needs_right ? "chmod a+r " : "rm -- ") + shellWord(path)));
+    }
+    if (folder.faults.size() > kMostFaults) {
+      findings.push_back(missing(
+          kFiles,
+          folder.path + ": " + std::to_string(folder.faults.size() - kMostFaults) + " more files are no profiles",
+          "mend those above, and ask again"));
+    }
+  }
+  if (profiles == 0) {
+    findings.push_back(missing(kFiles, "no profile is installed", "apt-get install colord-data"));
+  }
+}
+
+// --- one display
+
+std::string hexadecimal(std::uint32_t number) {
+  char text[16];
+  std::snprintf(text, sizeof text, "0x%04x", number);
+  return text;
+}
+
+Finding aboutEdid(const desktop::XServerReport& x, const desktop::Display& display) {
+  if (display.connector.empty()) {
+    return note(kEdid, "a part of the screen without an output, which has no EDID and no name");
+  }
+  const std::string remedy = kEdidFile + display.connector + ":edid/FILE.bin";
+  const auto edid = desktop::decodeEdid(display.edid);
+  if (!edid) {
+    const bool has_bytes = std::any_of(x.monitors.begin(), x.monitors.end(), [&](const desktop::Monitor& monitor) {
+      return monitor.connector == display.connector && !monitor.edid.empty();
+    });
+    return missing(kEdid,
+                   has_bytes ? "what the monitor says about itself is no valid EDID, so it has no name"
+                             : "the monitor says nothing about itself, so it has no name",
+                   remedy);
+  }
+  const std::string numbers = "vendor " + hexadecimal(edid->vendor) + ", product " + hexadecimal(edid->product) +
+                              ", serial " + std::to_string(edid->serial);
+  return edid->name ? good(kEdid, "\"" + *edid->name + "\", " + numbers)
+                    : missing(kEdid, numbers + ", and no name", remedy);
+}
+
+Finding aboutFile(const std::string& path, const std::string& remedy) {
+  const ProfileFault fault = desktop::faultOfProfile(path);
+  return fault == ProfileFault::kNone ? good(kProfile, path) : missing(kProfile, path + " " + wordsFor(fault), remedy);
+}
+
+void addColord(std::vector<Finding>& findings, const desktop::ColordReport& colord, std::size_t index,
+               std::uint32_t number) {
+  if (colord.state != ColordState::kAnswers) {
+    return;  // said once for all displays
+  }
+  const auto match = colord.matches[index];
+  if (!match) {
+    findings.push_back(missing(kColord, "knows no device of this display", assignCommand(number)));
+    return;
+  }
+  const desktop::ColordDevice& device = colord.devices[*match];
+  if (device.profiles.empty()) {
+    findings.push_back(missing(kColord, "the device " + device.id + " has no profile", assignCommand(number)));
+    return;
+  }
+  findings.push_back(
+      good(kColord, "device " + device.id + ", " + counted(device.profiles.size(), "profile", "profiles")));
+  const std::string& path = device.profiles.front().filename;
+  findings.push_back(path.empty() ? missing(kProfile, "the profile in use has no file", assignCommand(number))
+                                  : aboutFile(path, assignCommand(number)));
+}
+
+std::string nameFrom(const Plugin& plugin, std::uint32_t number) {
+  return plugin.call("GetName", {number})["name"].text();
+}
+
+Diagnosis examineLive(const Plugin& plugin) {
+  Diagnosis diagnosis;
+  const desktop::XServerReport x = desktop::askXServer();
+  const auto& displays = x.arrangement.displays;
+  const desktop::ColordReport colord = desktop::askColord(displays);
+  diagnosis.findings = {aboutXServer(x), aboutColord(colord)};
+  addFolders(diagnosis.findings);
+  for (std::size_t i = 0; i < displays.size(); ++i) {
+    const desktop::Rect& bounds = displays[i].bounds;
+    DisplayFindings about{displays[i].number, nameFrom(plugin, displays[i].number), {}};
+    about.findings.push_back(good("RandR", (displays[i].connector.empty() ? "" : displays[i].connector + ", ") +
+                                               numberText(bounds.width) + " x " + numberText(bounds.height) + " at " +
+                                               numberText(bounds.x) + ", " + numberText(bounds.y) +
+                                               (i == 0 ? ", main" : "")));
+    about.findings.push_back(aboutEdid(x, displays[i]));
+    addColord(about.findings, colord, i, about.number);
+    diagnosis.displays.push_back(std::move(about));
+  }
+  return diagnosis;
+}
+
+// --- a desktop that a file describes
+
+Diagnosis examineFile(const Plugin& plugin, const std::string& file) {
+  constexpr const char* kSource = "desktop file";
+  constexpr const char* kUnknownName = "UNKNOWN";
+  Diagnosis diagnosis;
+  const std::vector<Display> displays = describeDisplays(plugin);
+  const std::string remedy = "edit " + shellWord(file) + " (docs/desktop-file.md)";
+  diagnosis.findings.push_back(note(kSource, file + " describes the desktop; the computer's own is not asked"));
+  if (displays.empty()) {
+    diagnosis.findings.push_back(missing(kSource, "has no displays", remedy));
+  }
+  for (const Display& display : displays) {
+    DisplayFindings about{display.number, display.name, {}};
+    about.findings.push_back(display.name == kUnknownName ? missing("name", "the display has none", remedy)
+                                                          : good("name", display.name));
+    about.findings.push_back(display.profile.empty() ? missing(kProfile, "the display has none", remedy)
+                                                     : aboutFile(display.profile, remedy));
+    diagnosis.displays.push_back(std::move(about));
+  }
+  return diagnosis;
+}
+
+}  // namespace
+
+Diagnosis examineDesktop(const Plugin& plugin) {
+  const std::string file = environmentText("OSTREVIN_DESKTOP");  // set when a file was chosen by an option, too
+  return file.empty() ? examineLive(plugin) : examineFile(plugin, file);
+}
+
+}  // namespace devhost::tool

@@ -1,0 +1,47 @@
+#include "devhost/tool/terminal/json.h"
+
+#include <iostream>
+
+#include "devhost/runtime/arrays.h"
+#include "devhost/runtime/host.h"
+
+namespace devhost::tool {
+namespace {
+
+struct Converter {
+  Json operator()(bool truth) const { return truth; }
+  Json operator()(std::int64_t number) const { return number; }
+  Json operator()(std::uint64_t number) const { return number; }
+  Json operator()(double number) const { return number; }  // written as null when it is no finite number
+  Json operator()(const std::string& text) const { return text; }
+  Json operator()(const Ref<String>& text) const { return text ? Json(text->bytes()) : Json(nullptr); }
+  Json operator()(const Ref<Text>& text) const { return text ? Json(text->utf8()) : Json(nullptr); }
+  Json operator()(const Ref<Array>& array) const {
+    if (!array) {
+      return nullptr;
+    }
+    Json list = Json::array();
+    for (const Value& element : array->elements()) {
+      list.push_back(jsonValue(element));
+    }
+    return list;
+  }
+  template <typename Other>
+  Json operator()(const Other& /*other*/) const {
+    return nullptr;
+  }
+};
+
+}  // namespace
+
+Json jsonDocument(const char* command) {
+  return {{"format", "ostrevin-host"}, {"version", kJsonVersion}, {"command", command}};
+}
+
+Json jsonValue(const Value& value) { return std::visit(Converter{}, value.storage()); }
+
+void printJson(const Json& document) {
+  std::cout << document.dump(2, ' ', false, Json::error_handler_t::replace) << '\n';
+}
+
+}  // namespace devhost::tool

@@ -1,0 +1,177 @@
+#include "desktop/colord/colord_matching.h"
+
+#include <colord.h>
+
+#include <algorithm>
+#include <string_view>
+#include <tuple>
+
+#include "desktop/colord/glib_refs.h"
+
+namespace platform::desktop {
+namespace {
+
+std::string text(const char* value) { return value == nullptr ? std::string() : std::string(value); }
+
+/// Null when the bytes are no EDID.
+ObjectRef<CdEdid> parseEdid(const std::vector<std::uint8_t>& bytes) {
+  if (bytes.empty()) {
+    return nullptr;
+  }
+  ObjectRef<CdEdid> edid(cd_edid_new());
+  const std::unique_ptr<GBytes, decltype(&g_bytes_unref)> data(g_bytes_new(bytes.data(), bytes.size()), g_bytes_unref);
+  ErrorSlot error;
+  return cd_edid_parse(edid.get(), data.get(), error.place()) ? std::move(edid) : nullptr;
+}
+
+std::string checksumOf(const std::vector<std::uint8_t>& bytes) {
+  if (bytes.empty()) {
+    return {};
+  }
+  const std::unique_ptr<char, decltype(&g_free)> digits(
+      g_compute_checksum_for_data(G_CHECKSUM_MD5, bytes.data(), bytes.size()), g_free);
+  return text(digits.get());
+}
+
+/// What tells a display's monitor from others, read from its EDID once.
+struct Monitor {
+  explicit Monitor(const std::vector<std::uint8_t>& bytes) : md5(checksumOf(bytes)) {
+    if (const ObjectRef<CdEdid> edid = parseEdid(bytes)) {
+      model = text(cd_edid_get_monitor_name(edid.get()));
+      serial = text(cd_edid_get_serial_number(edid.get()));
+    }
+  }
+
+  std::string md5;  ///< empty without an EDID
+  std::optional<std::string> model;
+  std::optional<std::string> serial;
+};
+
+/// How well a device fits a display; 0 for not at all.
+int fit(const Display& display, const Monitor& monitor, const ColordDevice& device) {
+  const bool same_connector = !display.connector.empty() && display.connector == device.connector;
+  if (!monitor.md5.empty() && !device.edid_md5.empty()) {
+    const bool same_monitor = monitor.md5 == device.edid_md5;
+    return !same_monitor ? 0 : same_connector ? 4 : 2;
+  }
+  if (same_connector) {
+    return 3;
+  }
+  const bool same_names = !device.model.empty() && device.model == monitor.model && device.serial == monitor.serial;
+  return device.edid_md5.empty() && same_names ? 1 : 0;
+}
+
+struct Candidate {
+  int fit;
+  std::size_t display;
+  std::size_t device;
+};
+
+std::vector<Candidate> candidates(const std::vector<Display>& displays, const std::vector<ColordDevice>& devices) {
+  std::vector<Candidate> found;
+  for (std::size_t display = 0; display < displays.size(); ++display) {
+    const Monitor monitor(displays[display].edid);
+    for (std::size_t device = 0; device < devices.size(); ++device) {
+      if (const int value = fit(displays[display], monitor, devices[device])) {
+        found.push_back({value, display, device});
+      }
+    }
+  }
+  return found;
+}
+
+/// The names that tell one monitor from another, as colord itself puts them together; just "xrandr" when there are
+/// none.
+std::string monitorId(CdEdid* edid) {
+  std::string id = "xrandr";
+  if (edid == nullptr) {
+    return id;
+  }
+  for (const char* part :
+       {cd_edid_get_vendor_name(edid), cd_edid_get_monitor_name(edid), cd_edid_get_serial_number(edid)}) {
+    if (part != nullptr) {
+      id += std::string("-") + part;
+    }
+  }
+  return id;
+}
+
+bool sharesItsEdid(const std::vector<Display>& displays, std::size_t display) {
+  return std::count_if(displays.begin(), displays.end(),
+                       [&](const Display& other) { return other.edid == displays[display].edid; }) > 1;
+}
+
+std::string chooseId(const std::vector<Display>& displays, std::size_t display, CdEdid* edid,
+                     const std::vector<ColordDevice>& devices) {
+  const auto taken = [&](const std::string& id) {
+    return std::any_of(devices.begin(), devices.end(), [&](const ColordDevice& device) { return device.id == id; });
+  };
+  std::string monitor = monitorId(edid);
+  if (monitor != "xrandr" && !sharesItsEdid(displays, display) && !taken(monitor)) {
+    return monitor;
+  }
+  const std::string by_connector = "xrandr-" + displays[display].connector;
+  std::string id = by_connector;
+  for (unsigned number = 2; taken(id); ++number) {
+    id = by_connector + "-" + std::to_string(number);
+  }
+  return id;
+}
+
+bool isBuiltIn(std::string_view connector) {
+  return connector.starts_with("eDP") || connector.starts_with("LVDS") || connector.starts_with("DSI");
+}
+
+}  // namespace
+
+std::vector<std::optional<std::size_t>> matchDevices(const std::vector<Display>& displays,
+                                                     const std::vector<ColordDevice>& devices) {
+  std::vector<Candidate> pairs = candidates(displays, devices);
+  const auto rank = [&](const Candidate& pair) {
+    const ColordDevice& device = devices[pair.device];
+    return std::tuple(-pair.fit, !device.physical, -static_cast<std::int64_t>(device.modified),
+                      std::string_view(device.object_path), pair.display);
+  };
+  std::sort(pairs.begin(), pairs.end(),
+            [&](const Candidate& left, const Candidate& right) { return rank(left) < rank(right); });
+  std::vector<std::optional<std::size_t>> matches(displays.size());
+  std::vector<bool> used(devices.size(), false);
+  for (const Candidate& pair : pairs) {
+    if (!matches[pair.display] && !used[pair.device]) {
+      matches[pair.display] = pair.device;
+      used[pair.device] = true;
+    }
+  }
+  return matches;
+}
+
+ColordRegistration registrationFor(const std::vector<Display>& displays, std::size_t display,
+                                   const std::vector<ColordDevice>& devices) {
+  const Display& registered = displays[display];
+  const ObjectRef<CdEdid> edid = parseEdid(registered.edid);
+  ColordRegistration registration;
+  registration.id = chooseId(displays, display, edid.get(), devices);
+  const auto add = [&](const char* name, std::string value) {
+    if (!value.empty()) {
+      registration.properties.emplace_back(name, std::move(value));
+    }
+  };
+  add(CD_DEVICE_PROPERTY_KIND, cd_device_kind_to_string(CD_DEVICE_KIND_DISPLAY));
+  add(CD_DEVICE_PROPERTY_MODE, cd_device_mode_to_string(CD_DEVICE_MODE_PHYSICAL));
+  add(CD_DEVICE_PROPERTY_COLORSPACE, cd_colorspace_to_string(CD_COLORSPACE_RGB));
+  if (edid) {
+    add(CD_DEVICE_PROPERTY_VENDOR, text(cd_edid_get_vendor_name(edid.get())));
+    add(CD_DEVICE_PROPERTY_MODEL, text(cd_edid_get_monitor_name(edid.get())));
+    add(CD_DEVICE_PROPERTY_SERIAL, text(cd_edid_get_serial_number(edid.get())));
+  }
+  if (isBuiltIn(registered.connector)) {
+    add(CD_DEVICE_PROPERTY_EMBEDDED, "True");
+  }
+  add(CD_DEVICE_METADATA_XRANDR_NAME, registered.connector);
+  add(CD_DEVICE_METADATA_OUTPUT_EDID_MD5, checksumOf(registered.edid));
+  add(CD_DEVICE_METADATA_OUTPUT_PRIORITY,
+      display == 0 ? CD_DEVICE_METADATA_OUTPUT_PRIORITY_PRIMARY : CD_DEVICE_METADATA_OUTPUT_PRIORITY_SECONDARY);
+  return registration;
+}
+
+}  // namespace platform::desktop

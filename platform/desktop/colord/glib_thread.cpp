@@ -1,0 +1,63 @@
+#include "desktop/colord/glib_thread.h"
+
+#include <csignal>
+#include <thread>
+
+namespace platform::desktop {
+namespace {
+
+/// Starts a thread that the host's signal handlers never run on.
+void startQuietThread(std::function<void()> body) {
+  sigset_t all;
+  sigset_t before;
+  sigfillset(&all);
+  pthread_sigmask(SIG_SETMASK, &all, &before);
+  try {
+    std::thread(std::move(body)).detach();
+  } catch (...) {
+    pthread_sigmask(SIG_SETMASK, &before, nullptr);
+    throw;
+  }
+  pthread_sigmask(SIG_SETMASK, &before, nullptr);
+}
+
+}  // namespace
+
+GlibThread::GlibThread(std::function<void(GMainContext*)> when_idle)
+    : when_idle_(std::move(when_idle)), context_(g_main_context_new()) {
+  startQuietThread([this] { run(); });
+}
+
+void GlibThread::post(Operation::Clock::time_point deadline, Work work) {
+  {
+    const std::lock_guard lock(mutex_);
+    requests_.push_back({deadline, std::move(work)});
+  }
+  g_main_context_wakeup(context_);
+}
+
+std::optional<GlibThread::Request> GlibThread::next() {
+  const std::lock_guard lock(mutex_);
+  if (requests_.empty()) {
+    return std::nullopt;
+  }
+  Request request = std::move(requests_.front());
+  requests_.pop_front();
+  return request;
+}
+
+void GlibThread::run() {
+  g_main_context_push_thread_default(context_);
+  for (;;) {
+    when_idle_(context_);
+    // Nothing may run the context between the look at the queue and the wait: that would swallow the wake-up of a
+    // request that arrives in between.
+    if (const auto request = next()) {
+      request->work(Operation(context_, request->deadline));
+    } else {
+      g_main_context_iteration(context_, TRUE);
+    }
+  }
+}
+
+}  // namespace platform::desktop

@@ -1,0 +1,66 @@
+// GlibThread: a thread with a GLib main context of its own, for calls that must not keep their caller waiting for ever.
+//
+// Whatever a GLib library does (a call that hangs, a signal that arrives, a connection that closes) happens on this
+// thread and on this context, whichever thread asked, and never on the host's.
+#pragma once
+
+#include <deque>
+#include <exception>
+#include <functional>
+#include <future>
+#include <memory>
+#include <mutex>
+#include <optional>
+
+#include "desktop/colord/glib_operation.h"
+
+namespace platform::desktop {
+
+/// Any thread may call call(), several at once; the work is done one piece after another. An instance is never
+/// destroyed: its thread runs until the process ends.
+class GlibThread {
+ public:
+  /// `when_idle` runs on the thread before every piece of work and after every event; it may start an Operation.
+  explicit GlibThread(std::function<void(GMainContext*)> when_idle);
+  GlibThread(const GlibThread&) = delete;
+  GlibThread& operator=(const GlibThread&) = delete;
+
+  /// Has `work` done on the thread, and returns its result, or nullopt when there is none after `limit`. The work may
+  /// go on after that, so it must hold what it uses; work whose time is over before its turn comes is not begun.
+  template <typename Result>
+  std::optional<Result> call(std::chrono::milliseconds limit, std::function<Result(const Operation&)> work) {
+    const auto deadline = Operation::Clock::now() + limit;
+    auto promise = std::make_shared<std::promise<std::optional<Result>>>();
+    std::future<std::optional<Result>> future = promise->get_future();
+    post(deadline, [promise, work = std::move(work)](const Operation& operation) {
+      try {
+        promise->set_value(operation.expired() ? std::nullopt : std::optional<Result>(work(operation)));
+      } catch (const std::exception&) {
+        promise->set_value(std::nullopt);
+      }
+    });
+    if (future.wait_until(deadline) != std::future_status::ready) {
+      return std::nullopt;
+    }
+    return future.get();
+  }
+
+ private:
+  using Work = std::function<void(const Operation&)>;
+  struct Request {
+    Operation::Clock::time_point deadline;
+    Work work;
+  };
+
+  ~GlibThread() = default;
+  void post(Operation::Clock::time_point deadline, Work work);
+  std::optional<Request> next();
+  [[noreturn]] void run();
+
+  std::function<void(GMainContext*)> when_idle_;
+  GMainContext* context_;
+  std::mutex mutex_;
+  std::deque<Request> requests_;
+};
+
+}  // namespace platform::desktop

@@ -1,0 +1,105 @@
+// The desktop as the frameworks see it: one model, filled either from the computer's real desktop or from a script.
+//
+// Everything here is plain data. A string is UTF-8, a path is a POSIX path, a length is in points. A member that is
+// absent (nullopt) is an answer too: the frameworks then leave the value out, or answer null.
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "desktop/model/kept.h"
+
+namespace platform::desktop {
+
+struct Rect {
+  double x = 0;
+  double y = 0;
+  double width = 0;
+  double height = 0;
+  friend bool operator==(const Rect&, const Rect&) = default;
+};
+
+using Uuid = std::array<std::uint8_t, 16>;
+
+/// An active display. Bounds have their origin at the upper left corner of the main display, y growing downwards.
+struct Display {
+  std::uint32_t number = 0;
+  Rect bounds;
+  std::optional<Uuid> uuid;
+  std::uint32_t vendor = 0;  ///< EDID's 16-bit packed manufacturer id
+  std::uint32_t model = 0;
+  std::uint32_t serial = 0;
+  std::string connector;           ///< such as "DP-1"; empty when the desktop does not say
+  std::vector<std::uint8_t> edid;  ///< the monitor's whole EDID as it was read; empty without a valid one
+};
+
+/// A screen. The frame has its origin at the lower left corner of the main screen, y growing upwards.
+struct Screen {
+  std::optional<Rect> frame;  ///< absent: an empty element in the list of screens
+  double backing_scale = 1;   ///< pixels per point
+};
+
+/// A display service with its information dictionary; each absent member is a missing key.
+struct DisplayService {
+  bool has_info = true;  ///< false: the information dictionary is null
+  std::optional<std::uint32_t> vendor;
+  std::optional<std::uint32_t> product;
+  std::optional<std::uint32_t> serial;
+  /// Product names by language code, in the order in which they are listed.
+  std::optional<std::vector<std::pair<std::string, std::string>>> product_names;
+};
+
+/// What belongs together at one moment. Never changed once it is published.
+struct Arrangement {
+  std::vector<Display> displays;           ///< the main display first
+  std::vector<Screen> screens;             ///< in the order in which AppKit lists them
+  std::optional<std::size_t> main_screen;  ///< index into `screens`
+  std::vector<DisplayService> services;    ///< in the order in which IOKit lists them
+};
+
+/// One (device, profile) entry of a colour-managed device.
+struct DeviceProfile {
+  std::optional<std::string> device_class;
+  std::optional<Uuid> device_id;
+  std::optional<std::string> description;
+  std::optional<bool> is_default;
+  std::optional<bool> is_current;
+  std::optional<std::string> profile_path;
+};
+
+/// The device class of displays.
+inline constexpr const char* kDisplayDeviceClass = "mntr";
+
+struct InstalledProfile {
+  std::optional<std::string> profile_class;  ///< the four characters of the class signature, such as "mntr"
+  std::optional<std::string> description;
+  std::optional<std::string> path;
+  /// Not null when the desktop may visit this very entry, unchanged, again. The place lives as long as the entry; what
+  /// is in it is the business of whoever visits.
+  Kept* kept = nullptr;
+};
+
+/// A visitor answers false to end the walk.
+using DeviceProfileVisitor = std::function<bool(const DeviceProfile&)>;
+using InstalledProfileVisitor = std::function<bool(const InstalledProfile&)>;
+
+/// Any thread may call any function, several at once. A walk runs its visitor on the calling thread.
+class Desktop {
+ public:
+  virtual ~Desktop() = default;
+
+  /// The arrangement of this moment; never null. Cheap while nothing changes.
+  virtual std::shared_ptr<const Arrangement> arrangement() = 0;
+  virtual void visitDeviceProfiles(const DeviceProfileVisitor& visit) = 0;
+  virtual void visitInstalledProfiles(const InstalledProfileVisitor& visit) = 0;
+  /// False when the device is unknown or the file cannot become its profile.
+  virtual bool setDeviceProfile(const Uuid& device, const std::string& profile_path) = 0;
+};
+
+}  // namespace platform::desktop

@@ -1,0 +1,25 @@
+// Identities of displays that stay the same from one start of the computer to the next. Any thread may call.
+#pragma once
+
+#include <cstdint>
+#include <span>
+#include <string_view>
+
+#include "desktop/model/desktop.h"
+#include "desktop/model/export.h"
+
+namespace platform::desktop {
+
+/// The UUID of the monitor with this EDID at this connector: name-based, version 5 of RFC 4122, in a namespace of our
+/// own.
+///
+/// Two monitors of one model and serial differ by their connectors. Only the EDID's base block counts, and only when it
+/// is valid, so that a monitor keeps its identity when an extension block is misread. Without a valid EDID the
+/// connector alone is the identity.
+PLATFORM_API Uuid outputUuid(std::span<const std::uint8_t> edid, std::string_view connector);
+
+/// The UUID of a monitor that has no output of its own, such as one that the user cut out of a larger one: by its name.
+/// Never that of an output.
+PLATFORM_API Uuid virtualMonitorUuid(std::string_view name);
+
+}  // namespace platform::desktop

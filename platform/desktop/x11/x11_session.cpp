@@ -1,0 +1,69 @@
+#include "desktop/x11/x11_session.h"
+
+#include <utility>
+
+#include "desktop/model/display_layout.h"
+
+namespace platform::desktop {
+namespace {
+
+/// How often a reading is repeated when something changes while it goes on; after that the next call goes on.
+constexpr int kMostReadings = 4;
+
+}  // namespace
+
+std::unique_ptr<X11Session> X11Session::open(const std::string& display, std::uint32_t newest_randr_minor) {
+  auto connection = X11Connection::open(display);
+  if (!connection) {
+    return nullptr;
+  }
+  std::unique_ptr<X11Session> session(new X11Session(std::move(connection), newest_randr_minor));
+  return session->isLost() ? nullptr : std::move(session);
+}
+
+X11Session::X11Session(std::unique_ptr<X11Connection> connection, std::uint32_t newest_randr_minor)
+    : connection_(std::move(connection)), monitors_(*connection_, newest_randr_minor), settings_(*connection_) {
+  selectRootEvents();
+}
+
+void X11Session::selectRootEvents() {
+  // Structure: monitors that somebody defines, and settings managers that announce themselves. Properties: the
+  // resources.
+  const std::uint32_t events = XCB_EVENT_MASK_STRUCTURE_NOTIFY | XCB_EVENT_MASK_PROPERTY_CHANGE;
+  xcb_change_window_attributes(connection_->xcb(), connection_->root(), XCB_CW_EVENT_MASK, &events);
+  if (connection_->firstRoot() != connection_->root()) {
+    xcb_change_window_attributes(connection_->xcb(), connection_->firstRoot(), XCB_CW_EVENT_MASK, &events);
+  }
+}
+
+std::shared_ptr<const Arrangement> X11Session::read() {
+  std::optional<std::vector<Monitor>> monitors;
+  double scale = 1;
+  for (int reading = 0; reading < kMostReadings && (reading == 0 || hasChanged()); ++reading) {
+    changed_ = false;
+    scale = settings_.readScale();
+    monitors = monitors_.read();
+    changed_ = !monitors;
+  }
+  if (isLost()) {
+    return nullptr;
+  }
+  return std::make_shared<const Arrangement>(arrange(monitors.value_or(std::vector<Monitor>()), scale));
+}
+
+bool X11Session::hasChanged() {
+  while (const auto event = connection_->nextEvent()) {
+    changed_ = changed_ || isChange(*event);
+  }
+  return changed_;
+}
+
+bool X11Session::isChange(const xcb_generic_event_t& event) const {
+  constexpr std::uint8_t kSentEventBit = 0x80;
+  if ((event.response_type & ~kSentEventBit) == XCB_CONFIGURE_NOTIFY) {
+    return reinterpret_cast<const xcb_configure_notify_event_t&>(event).window == connection_->root();
+  }
+  return monitors_.isChange(event) || settings_.isChange(event);
+}
+
+}  // namespace platform::desktop

@@ -1,0 +1,47 @@
+// CoreFoundation: data.
+#include <CoreFoundation/CoreFoundation.h>
+
+#import <Foundation/Foundation.h>
+
+#include "frameworks/Foundation/autorelease_pool.h"
+#include "frameworks/hooks/answers.h"
+#include "frameworks/hooks/calls.h"
+#include "frameworks/hooks/require.h"
+
+using platform::requireObject;
+using platform::ScopedPool;
+using platform::calls::Call;
+namespace calls = platform::calls;
+
+extern "C" {
+
+CFDataRef CFDataCreate(CFAllocatorRef, const UInt8* bytes, CFIndex length) {
+  if (const auto answer = platform::retainedAnswer<CFDataRef>(calls::answer(Call::CFDataCreate))) {
+    return *answer;
+  }
+  if (length < 0 || (bytes == nullptr && length > 0)) {
+    return nullptr;
+  }
+  const ScopedPool pool;
+  NSData* const made = [[NSData alloc] initWithBytes:bytes length:static_cast<NSUInteger>(length)];
+  return reinterpret_cast<CFDataRef>(made);
+}
+
+CFIndex CFDataGetLength(CFDataRef data) {
+  const calls::Answer answer = calls::answer(Call::CFDataGetLength);
+  if (answer.fail || answer.number) {
+    return answer.number.value_or(0);
+  }
+  requireObject(data, "CFDataGetLength");
+  return static_cast<CFIndex>([(NSData*)data length]);
+}
+
+const UInt8* CFDataGetBytePtr(CFDataRef data) {
+  if (calls::enter(Call::CFDataGetBytePtr)) {
+    return nullptr;
+  }
+  requireObject(data, "CFDataGetBytePtr");
+  return static_cast<const UInt8*>([(NSData*)data bytes]);
+}
+
+}  // extern "C"

@@ -1,0 +1,151 @@
+// CoreFoundation: dictionaries of objects.
+#include <CoreFoundation/CoreFoundation.h>
+
+#import <Foundation/Foundation.h>
+
+#include "frameworks/Foundation/autorelease_pool.h"
+#include "frameworks/hooks/answers.h"
+#include "frameworks/hooks/calls.h"
+#include "frameworks/hooks/require.h"
+
+using platform::requireObject;
+using platform::ScopedPool;
+using platform::stop;
+using platform::calls::Call;
+namespace calls = platform::calls;
+
+namespace {
+
+id object(const void* reference) { return static_cast<id>(const_cast<void*>(reference)); }
+
+const void* retainObject(CFAllocatorRef, const void* value) { return CFRetain(value); }
+void releaseObject(CFAllocatorRef, const void* value) { CFRelease(value); }
+/// The caller releases, as of a call-back named copyDescription.
+CFStringRef describeObject(const void* value) {
+  // NOLINTNEXTLINE(clang-analyzer-osx.cocoa.RetainCount)
+  return reinterpret_cast<CFStringRef>([[object(value) description] copy]);
+}
+Boolean equalObjects(const void* first, const void* second) { return [object(first) isEqual:object(second)]; }
+CFHashCode hashObject(const void* value) { return [object(value) hash]; }
+
+/// Dictionaries are Foundation's, which hold objects only.
+void requireObjectCallBacks(const CFDictionaryKeyCallBacks* keys, const CFDictionaryValueCallBacks* values,
+                            const char* function) {
+  if (keys != &kCFTypeDictionaryKeyCallBacks || values != &kCFTypeDictionaryValueCallBacks) {
+    stop(function, "only dictionaries of objects are supported");
+  }
+}
+
+}  // namespace
+
+extern "C" {
+
+const CFDictionaryKeyCallBacks kCFTypeDictionaryKeyCallBacks = {
+    0, retainObject, releaseObject, describeObject, equalObjects, hashObject};
+const CFDictionaryValueCallBacks kCFTypeDictionaryValueCallBacks = {0, retainObject, releaseObject, describeObject,
+                                                                    equalObjects};
+
+CFDictionaryRef CFDictionaryCreate(CFAllocatorRef, const void** keys, const void** values, CFIndex numValues,
+                                   const CFDictionaryKeyCallBacks* keyCallBacks,
+                                   const CFDictionaryValueCallBacks* valueCallBacks) {
+  if (const auto answer = platform::retainedAnswer<CFDictionaryRef>(calls::answer(Call::CFDictionaryCreate))) {
+    return *answer;
+  }
+  requireObjectCallBacks(keyCallBacks, valueCallBacks, "CFDictionaryCreate");
+  if (numValues < 0) {
+    return nullptr;
+  }
+  const ScopedPool pool;
+  NSMutableDictionary* const entries = [NSMutableDictionary dictionaryWithCapacity:static_cast<NSUInteger>(numValues)];
+  for (CFIndex i = 0; i < numValues; ++i) {
+    requireObject(keys[i], "CFDictionaryCreate");
+    requireObject(values[i], "CFDictionaryCreate");
+    if ([entries objectForKey:object(keys[i])] == nil) {  // of equal keys the first stays, as on the Mac
+      [entries setObject:object(values[i]) forKey:object(keys[i])];
+    }
+  }
+  return reinterpret_cast<CFDictionaryRef>([[NSDictionary alloc] initWithDictionary:entries]);
+}
+
+CFMutableDictionaryRef CFDictionaryCreateMutable(CFAllocatorRef, CFIndex capacity,
+                                                 const CFDictionaryKeyCallBacks* keyCallBacks,
+                                                 const CFDictionaryValueCallBacks* valueCallBacks) {
+  if (const auto answer =
+          platform::retainedAnswer<CFMutableDictionaryRef>(calls::answer(Call::CFDictionaryCreateMutable))) {
+    return *answer;
+  }
+  requireObjectCallBacks(keyCallBacks, valueCallBacks, "CFDictionaryCreateMutable");
+  if (capacity < 0) {
+    return nullptr;
+  }
+  const ScopedPool pool;
+  return reinterpret_cast<CFMutableDictionaryRef>([[NSMutableDictionary alloc] init]);  // the capacity is only a hint
+}
+
+void CFDictionarySetValue(CFMutableDictionaryRef dictionary, const void* key, const void* value) {
+  if (calls::enter(Call::CFDictionarySetValue)) {
+    return;
+  }
+  requireObject(dictionary, "CFDictionarySetValue");
+  requireObject(key, "CFDictionarySetValue");
+  requireObject(value, "CFDictionarySetValue");
+  const ScopedPool pool;
+  [(NSMutableDictionary*)dictionary setObject:object(value) forKey:object(key)];
+}
+
+CFIndex CFDictionaryGetCount(CFDictionaryRef dictionary) {
+  const calls::Answer answer = calls::answer(Call::CFDictionaryGetCount);
+  if (answer.fail || answer.number) {
+    return answer.number.value_or(0);
+  }
+  requireObject(dictionary, "CFDictionaryGetCount");
+  return static_cast<CFIndex>([(NSDictionary*)dictionary count]);
+}
+
+const void* CFDictionaryGetValue(CFDictionaryRef dictionary, const void* key) {
+  if (const auto answer = platform::borrowedAnswer<const void*>(calls::answer(Call::CFDictionaryGetValue))) {
+    return *answer;
+  }
+  requireObject(dictionary, "CFDictionaryGetValue");
+  requireObject(key, "CFDictionaryGetValue");
+  return [(NSDictionary*)dictionary objectForKey:object(key)];
+}
+
+Boolean CFDictionaryGetValueIfPresent(CFDictionaryRef dictionary, const void* key, const void** value) {
+  const calls::Answer answer = calls::answer(Call::CFDictionaryGetValueIfPresent);
+  if (answer.fail) {
+    return false;
+  }
+  if (answer.number || answer.object != nullptr) {  // with a number, present is what is not there
+    *value = answer.object;
+    return true;
+  }
+  requireObject(dictionary, "CFDictionaryGetValueIfPresent");
+  requireObject(key, "CFDictionaryGetValueIfPresent");
+  const void* const found = [(NSDictionary*)dictionary objectForKey:object(key)];
+  if (found != nullptr && value != nullptr) {
+    *value = found;
+  }
+  return found != nullptr;
+}
+
+void CFDictionaryGetKeysAndValues(CFDictionaryRef dictionary, const void** keys, const void** values) {
+  const calls::Answer answer = calls::answer(Call::CFDictionaryGetKeysAndValues);
+  if (answer.fail) {
+    return;
+  }
+  requireObject(dictionary, "CFDictionaryGetKeysAndValues");
+  const ScopedPool pool;
+  NSArray* const all_keys = [(NSDictionary*)dictionary allKeys];
+  for (NSUInteger i = 0; i < [all_keys count]; ++i) {
+    const id key = [all_keys objectAtIndex:i];
+    if (keys != nullptr) {
+      keys[i] = key;
+    }
+    if (values != nullptr) {
+      values[i] = answer.object != nullptr ? answer.object : [(NSDictionary*)dictionary objectForKey:key];
+    }
+  }
+}
+
+}  // extern "C"

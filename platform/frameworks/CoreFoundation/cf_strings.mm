@@ -1,0 +1,122 @@
+// CoreFoundation: strings. UTF-8 is the only encoding that these functions know; another one fails.
+#include <CoreFoundation/CoreFoundation.h>
+
+#import <Foundation/Foundation.h>
+
+#include <cstring>
+#include <limits>
+#include <mutex>
+#include <string>
+#include <unordered_map>
+
+#include "frameworks/Foundation/autorelease_pool.h"
+#include "frameworks/hooks/answers.h"
+#include "frameworks/hooks/calls.h"
+#include "frameworks/hooks/require.h"
+
+using platform::requireObject;
+using platform::ScopedPool;
+using platform::calls::Call;
+namespace calls = platform::calls;
+
+namespace {
+
+/// Kept for the life of the process, like the strings in it.
+struct ConstantStrings {
+  std::mutex mutex;
+  std::unordered_map<std::string, CFStringRef> by_text;
+};
+
+ConstantStrings& constantStrings() {
+  static auto* const kept = new ConstantStrings;
+  return *kept;
+}
+
+constexpr CFIndex kUtf8BytesPerUnit = 3;
+
+}  // namespace
+
+extern "C" {
+
+CFStringRef __CFStringMakeConstantString(const char* text) {
+  requireObject(text, "CFSTR");
+  ConstantStrings& strings = constantStrings();
+  const std::lock_guard lock(strings.mutex);
+  const auto known = strings.by_text.find(text);
+  if (known != strings.by_text.end()) {
+    return known->second;
+  }
+  const ScopedPool pool;
+  NSString* const made = [[NSString alloc] initWithUTF8String:text];
+  requireObject(made, "CFSTR");
+  strings.by_text.emplace(text, reinterpret_cast<CFStringRef>(made));
+  return reinterpret_cast<CFStringRef>(made);
+}
+
+CFStringRef CFStringCreateWithBytes(CFAllocatorRef, const UInt8* bytes, CFIndex length, CFStringEncoding encoding,
+                                    Boolean) {
+  if (const auto answer = platform::retainedAnswer<CFStringRef>(calls::answer(Call::CFStringCreateWithBytes))) {
+    return *answer;
+  }
+  if (length < 0 || (bytes == nullptr && length > 0) || encoding != kCFStringEncodingUTF8) {
+    return nullptr;
+  }
+  const ScopedPool pool;
+  NSString* const made = [[NSString alloc] initWithBytes:bytes
+                                                  length:static_cast<NSUInteger>(length)
+                                                encoding:NSUTF8StringEncoding];
+  return reinterpret_cast<CFStringRef>(made);
+}
+
+CFIndex CFStringGetLength(CFStringRef string) {
+  const calls::Answer answer = calls::answer(Call::CFStringGetLength);
+  if (answer.fail || answer.number) {
+    return answer.number.value_or(0);
+  }
+  requireObject(string, "CFStringGetLength");
+  return static_cast<CFIndex>([(NSString*)string length]);
+}
+
+CFIndex CFStringGetMaximumSizeForEncoding(CFIndex length, CFStringEncoding encoding) {
+  constexpr CFIndex kNotFound = -1;
+  const calls::Answer answer = calls::answer(Call::CFStringGetMaximumSizeForEncoding);
+  if (answer.fail || answer.number) {
+    return answer.number.value_or(kNotFound);
+  }
+  if (encoding != kCFStringEncodingUTF8 || length < 0 ||
+      length > std::numeric_limits<CFIndex>::max() / kUtf8BytesPerUnit) {
+    return kNotFound;
+  }
+  return length * kUtf8BytesPerUnit;
+}
+
+Boolean CFStringGetCString(CFStringRef string, char* buffer, CFIndex bufferSize, CFStringEncoding encoding) {
+  if (calls::enter(Call::CFStringGetCString)) {
+    return false;
+  }
+  requireObject(string, "CFStringGetCString");
+  if (buffer == nullptr || bufferSize <= 0 || encoding != kCFStringEncodingUTF8) {
+    return false;
+  }
+  // A UTF-8 text of as many bytes as the string has UTF-16 units is ASCII, with which nothing can go wrong.
+  const NSUInteger length = [(NSString*)string length];
+  if (length < static_cast<NSUInteger>(bufferSize) &&
+      [(NSString*)string getCString:buffer
+                          maxLength:static_cast<NSUInteger>(bufferSize)
+                           encoding:NSUTF8StringEncoding] &&
+      std::strlen(buffer) == length) {
+    return true;
+  }
+  const ScopedPool pool;
+  NSData* const text = [(NSString*)string dataUsingEncoding:NSUTF8StringEncoding allowLossyConversion:NO];
+  if (text == nil || [text length] >= static_cast<NSUInteger>(bufferSize)) {
+    return false;
+  }
+  if ([text length] > 0) {
+    std::memcpy(buffer, [text bytes], [text length]);
+  }
+  buffer[[text length]] = '\0';
+  return true;
+}
+
+}  // extern "C"

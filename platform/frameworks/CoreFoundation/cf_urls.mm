@@ -1,0 +1,52 @@
+// CoreFoundation: file URLs.
+#include <CoreFoundation/CoreFoundation.h>
+
+#import <Foundation/Foundation.h>
+
+#include "frameworks/Foundation/autorelease_pool.h"
+#include "frameworks/Foundation/file_url.h"
+#include "frameworks/hooks/answers.h"
+#include "frameworks/hooks/calls.h"
+#include "frameworks/hooks/require.h"
+
+using platform::requireObject;
+using platform::ScopedPool;
+using platform::calls::Call;
+namespace calls = platform::calls;
+
+extern "C" {
+
+CFURLRef CFURLCreateWithFileSystemPath(CFAllocatorRef, CFStringRef filePath, CFURLPathStyle pathStyle,
+                                       Boolean isDirectory) {
+  if (const auto answer = platform::retainedAnswer<CFURLRef>(calls::answer(Call::CFURLCreateWithFileSystemPath))) {
+    return *answer;
+  }
+  requireObject(filePath, "CFURLCreateWithFileSystemPath");
+  if (pathStyle != kCFURLPOSIXPathStyle) {
+    return nullptr;
+  }
+  const ScopedPool pool;
+  NSURL* const made = [[NSURL alloc] initFileURLWithPath:(NSString*)filePath isDirectory:isDirectory != 0];
+  return reinterpret_cast<CFURLRef>(made);
+}
+
+CFStringRef CFURLCopyFileSystemPath(CFURLRef url, CFURLPathStyle pathStyle) {
+  if (const auto answer = platform::retainedAnswer<CFStringRef>(calls::answer(Call::CFURLCopyFileSystemPath))) {
+    return *answer;
+  }
+  requireObject(url, "CFURLCopyFileSystemPath");
+  if (pathStyle != kCFURLPOSIXPathStyle) {
+    return nullptr;
+  }
+  return reinterpret_cast<CFStringRef>([(NSURL*)url copyPlatformPath]);
+}
+
+CFStringRef CFURLGetString(CFURLRef url) {
+  if (const auto answer = platform::borrowedAnswer<CFStringRef>(calls::answer(Call::CFURLGetString))) {
+    return *answer;
+  }
+  requireObject(url, "CFURLGetString");
+  return reinterpret_cast<CFStringRef>([(NSURL*)url relativeString]);  // the URL's own
+}
+
+}  // extern "C"

@@ -1,0 +1,155 @@
+// IOKit: the display services of the current desktop.
+#include <IOKit/graphics/IOGraphicsLib.h>
+
+#import <Foundation/Foundation.h>
+
+#include <memory>
+#include <optional>
+#include <string_view>
+
+#include "desktop/current.h"
+#include "frameworks/Foundation/autorelease_pool.h"
+#include "frameworks/IOKit/io_handles.h"
+#include "frameworks/IOKit/preferred_name.h"
+#include "frameworks/hooks/answers.h"
+#include "frameworks/hooks/calls.h"
+
+using platform::IoHandles;
+using platform::ProductNames;
+using platform::ScopedPool;
+using platform::calls::Call;
+using platform::desktop::DisplayService;
+namespace calls = platform::calls;
+
+namespace {
+
+constexpr const char* kProviderClassKey = "IOProviderClass";
+constexpr const char* kDisplayConnectClass = "IODisplayConnect";
+
+IoHandles& handles() {
+  static auto* const kept = new IoHandles;
+  return *kept;
+}
+
+NSString* text(std::string_view utf8) {
+  NSString* const made = [[NSString alloc] initWithBytes:utf8.data() length:utf8.size() encoding:NSUTF8StringEncoding];
+  return [made autorelease];
+}
+
+bool matchesDisplays(NSDictionary* matching) {
+  return [[matching objectForKey:text(kProviderClassKey)] isEqual:text(kDisplayConnectClass)];
+}
+
+// --- the information dictionary
+
+void setNumber(NSMutableDictionary* info, const char* key, std::optional<std::uint32_t> value) {
+  if (value) {
+    // Signed, so that a reader who asks for 32 signed bits gets these bits.
+    [info setObject:[NSNumber numberWithInt:static_cast<int>(*value)] forKey:text(key)];
+  }
+}
+
+NSDictionary* nameDictionary(const ProductNames& names) {
+  NSMutableDictionary* const entries = [NSMutableDictionary dictionary];
+  for (const auto& [language, name] : names) {
+    NSString* const key = text(language);
+    NSString* const value = text(name);
+    if (key != nil && value != nil) {  // what is no UTF-8 is no name
+      [entries setObject:value forKey:key];
+    }
+  }
+  return [NSDictionary dictionaryWithDictionary:entries];
+}
+
+NSDictionary* copyInfo(const DisplayService& service, bool only_preferred_name) {
+  NSMutableDictionary* const info = [NSMutableDictionary dictionary];
+  setNumber(info, kDisplayVendorID, service.vendor);
+  setNumber(info, kDisplayProductID, service.product);
+  setNumber(info, kDisplaySerialNumber, service.serial);
+  if (service.product_names) {
+    const ProductNames& names = *service.product_names;
+    [info setObject:nameDictionary(only_preferred_name ? platform::onlyPreferred(names) : names)
+             forKey:text(kDisplayProductName)];
+  }
+  return [[NSDictionary alloc] initWithDictionary:info];
+}
+
+}  // namespace
+
+extern "C" {
+
+const mach_port_t kIOMasterPortDefault = 0;
+
+CFMutableDictionaryRef IOServiceMatching(const char* name) {
+  if (const auto answer = platform::retainedAnswer<CFMutableDictionaryRef>(calls::answer(Call::IOServiceMatching))) {
+    return *answer;
+  }
+  if (name == nullptr) {
+    return nullptr;
+  }
+  const ScopedPool pool;
+  NSString* const provider_class = text(name);
+  if (provider_class == nil) {
+    return nullptr;
+  }
+  NSMutableDictionary* const matching = [[NSMutableDictionary alloc] init];
+  [matching setObject:provider_class forKey:text(kProviderClassKey)];
+  return reinterpret_cast<CFMutableDictionaryRef>(matching);
+}
+
+kern_return_t IOServiceGetMatchingServices(mach_port_t, CFDictionaryRef matching, io_iterator_t* existing) {
+  const calls::Answer answer = calls::answer(Call::IOServiceGetMatchingServices);
+  if (matching == nullptr) {
+    return KERN_FAILURE;
+  }
+  const ScopedPool pool;
+  [(NSDictionary*)matching autorelease];  // consumed, also when the call fails
+  if (answer.fail || answer.error || existing == nullptr) {
+    return answer.error.value_or(KERN_FAILURE);
+  }
+  if (answer.number) {
+    *existing = static_cast<io_iterator_t>(*answer.number);
+    return KERN_SUCCESS;
+  }
+  const auto arrangement = platform::desktop::current()->arrangement();
+  const std::size_t count = matchesDisplays((NSDictionary*)matching) ? arrangement->services.size() : 0;
+  *existing = handles().makeIterator(arrangement, count);
+  return answer.late_error.value_or(KERN_SUCCESS);
+}
+
+io_object_t IOIteratorNext(io_iterator_t iterator) {
+  const calls::Answer answer = calls::answer(Call::IOIteratorNext);
+  if (answer.fail || answer.number) {
+    return static_cast<io_object_t>(answer.number.value_or(0));
+  }
+  return handles().next(iterator);
+}
+
+kern_return_t IOObjectRelease(io_object_t object) {
+  const calls::Answer answer = calls::answer(Call::IOObjectRelease);
+  if (answer.fail || answer.error) {
+    return answer.error.value_or(KERN_FAILURE);
+  }
+  return handles().release(object) ? KERN_SUCCESS : KERN_FAILURE;
+}
+
+CFDictionaryRef IODisplayCreateInfoDictionary(io_service_t framebuffer, IOOptionBits options) {
+  const calls::Answer answer = calls::answer(Call::IODisplayCreateInfoDictionary);
+  if (const auto object = platform::retainedAnswer<CFDictionaryRef>(answer)) {
+    return *object;
+  }
+  const std::shared_ptr<const DisplayService> service = handles().service(framebuffer);
+  if (service == nullptr || !service->has_info) {
+    return nullptr;
+  }
+  const ScopedPool pool;
+  const auto info = reinterpret_cast<CFDictionaryRef>(copyInfo(*service, (options & kIODisplayOnlyPreferredName) != 0));
+  if (answer.edit == nullptr) {
+    return info;
+  }
+  const auto edited = static_cast<CFDictionaryRef>((*answer.edit)(info));
+  CFRelease(info);
+  return edited;
+}
+
+}  // extern "C"

@@ -1,0 +1,179 @@
+// Calls by declaration: widths, by-reference slots, ownership of handles, and wrong arguments.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <limits>
+#include <stdexcept>
+
+#include "devhost/calling/native_call.h"
+#include "devhost/runtime/host.h"
+
+namespace devhost {
+namespace {
+
+using ::testing::ElementsAre;
+using ::testing::HasSubstr;
+using ::testing::IsEmpty;
+
+class NativeCallTest : public ::testing::Test {
+ protected:
+  std::string errorOf(const char* method, const Values& arguments) const {
+    try {
+      plugin_.call(method, arguments);
+    } catch (const ValueError& error) {
+      return error.what();
+    }
+    return "no error";
+  }
+
+  Host host_;
+  Plugin plugin_ = host_.load(SAMPLE_PLUGIN);
+};
+
+TEST_F(NativeCallTest, ArgumentsArriveAtTheirWidths) {
+  const CallResult lowest = plugin_.call("Widths", {-128, 0, -32768, 0, std::numeric_limits<std::int32_t>::min(), 0,
+                                                    std::numeric_limits<std::int64_t>::min(), 0, false, -1.5, -2.25,
+                                                    std::numeric_limits<std::int32_t>::min(), 0});
+  EXPECT_EQ(lowest.result, "-128 0 -32768 0 -2147483648 0 -9223372036854775808 0 0 -1.5 -2.25 -2147483648 0");
+  const CallResult highest =
+      plugin_.call("Widths", {127, 255, 32767, 65535, 2147483647, 4294967295U, std::numeric_limits<std::int64_t>::max(),
+                              std::numeric_limits<std::uint64_t>::max(), true, 1.5, 2.25, 2147483647, 4294967295U});
+  EXPECT_EQ(highest.result,
+            "127 255 32767 65535 2147483647 4294967295 9223372036854775807 18446744073709551615 1 1.5 2.25 2147483647 "
+            "4294967295");
+}
+
+TEST_F(NativeCallTest, ResultsAreReadAtTheirWidths) {
+  EXPECT_EQ(plugin_.call("Add", {-3, 1}).result, -2);
+  EXPECT_EQ(plugin_.call("Smallest").result, -128);
+  EXPECT_EQ(plugin_.call("Largest16").result, 65535);
+  EXPECT_EQ(plugin_.call("Most").result, std::numeric_limits<std::int64_t>::min());
+  EXPECT_EQ(plugin_.call("Half", {-1440.5}).result, -720.25);
+  EXPECT_EQ(plugin_.call("HalfSingle", {0.5}).result, 0.25);
+  EXPECT_EQ(plugin_.call("Not_", {false}).result, true);
+  EXPECT_EQ(plugin_.call("Not_", {true}).result, false);
+}
+
+TEST_F(NativeCallTest, AMethodWithoutAResultAnswersNothing) {
+  EXPECT_TRUE(plugin_.call("Listen", {nullptr}).result.isNothing());
+}
+
+TEST_F(NativeCallTest, ABooleanOtherThanZeroAndOneIsNoted) {
+  EXPECT_EQ(plugin_.call("BadBoolean").result, true);
+  EXPECT_THAT(host_.faults(), ElementsAre("BadBoolean, result: a Boolean of 2"));
+}
+
+TEST_F(NativeCallTest, NotANumberAndInfinitiesPass) {
+  EXPECT_TRUE(std::isnan(plugin_.call("Half", {std::nan("")}).result.real()));
+  EXPECT_EQ(plugin_.call("Half", {HUGE_VAL}).result, HUGE_VAL);
+}
+
+TEST_F(NativeCallTest, ByReferenceParametersMayBeLeftOut) {
+  const CallResult result = plugin_.call("SetAll");
+  EXPECT_EQ(result["truth"], true);
+  EXPECT_EQ(result["WHOLE"], -5);
+  EXPECT_EQ(result["number"], 0.5);
+  EXPECT_EQ(result["text"], "new");
+  EXPECT_THROW(result["other"], ValueError);
+  EXPECT_THAT(host_.unreleased(), IsEmpty());
+}
+
+TEST_F(NativeCallTest, ByReferenceParametersMayBeGiven) {
+  const CallResult result = plugin_.call("LeaveAlone", {-7, "kept"});
+  EXPECT_EQ(result["whole"], -7);
+  EXPECT_EQ(result["text"], "kept");
+  EXPECT_EQ(result.slot("whole"), static_cast<std::uint64_t>(-7));
+  EXPECT_THAT(host_.unreleased(), IsEmpty());
+}
+
+TEST_F(NativeCallTest, TheUpperHalfOfAnIntegersSlotSurvives) {
+  const CallResult result = plugin_.call("WriteFive", {RawSlot{0xFFFFFFFFFFFFFFFF}});
+  EXPECT_EQ(result.slot("whole"), 0xFFFFFFFF00000005U);
+  EXPECT_EQ(result["whole"], 5);
+}
+
+TEST_F(NativeCallTest, TheOldStringOfASlotIsReleased) {
+  const Ref<String> old = host_.makeString("old");
+  EXPECT_EQ(plugin_.call("SetAll", {false, 0, 0, old})["text"], "new");
+  EXPECT_EQ(old->references(), 1U);
+}
+
+TEST_F(NativeCallTest, AnOldStringThatWasForgottenIsReported) {
+  EXPECT_EQ(plugin_.call("ForgetOld", {"old"})["text"], "new");
+  EXPECT_THAT(host_.unreleasedStrings(), ElementsAre("string \"old\" (3 bytes)"));
+}
+
+TEST_F(NativeCallTest, AStringThatWasBuiltAndKeptIsReported) {
+  plugin_.call("Keep", {"kept"});
+  EXPECT_THAT(host_.unreleasedStrings(), ElementsAre("string \"kept\" (4 bytes)"));
+}
+
+TEST_F(NativeCallTest, AResultBelongsToTheHost) {
+  {
+    const CallResult result = plugin_.call("Echo", {"text"});
+    EXPECT_EQ(result.result.string()->pluginReferences(), 0U);
+    EXPECT_EQ(result.result.string()->encoding(), kUtf8Encoding);
+  }
+  EXPECT_THAT(host_.unreleased(), IsEmpty());
+  EXPECT_EQ(host_.handles().count(Counted::Kind::kString), 0U);
+}
+
+TEST_F(NativeCallTest, ReleasingAnArgumentIsNoted) {
+  plugin_.call("ReleaseTwice", {"text"});
+  EXPECT_THAT(host_.faults(), ElementsAre(HasSubstr("REALUnlockString: releases a reference that it does not hold")));
+}
+
+TEST_F(NativeCallTest, ReturningAnArgumentWithoutAReferenceIsNoted) {
+  EXPECT_EQ(plugin_.call("ReturnArgument", {"text"}).result, "text");
+  EXPECT_THAT(host_.faults(), ElementsAre(HasSubstr("ReturnArgument, result: hands over a reference")));
+}
+
+TEST_F(NativeCallTest, ArraysComeAndGo) {
+  const CallResult result = plugin_.call("Words", {"one two three"});
+  EXPECT_THAT(result.result.array()->texts(), ElementsAre("one", "two", "three"));
+  EXPECT_EQ(result.result.array()->upperBound(), 2);
+  EXPECT_EQ(plugin_.call("Words", {""}).result.array()->upperBound(), -1);
+  EXPECT_EQ(plugin_.call("Sum", {host_.makeArray(Type::kInt64, {1, 2, -4})}).result, -1);
+  EXPECT_THAT(host_.unreleased(), IsEmpty());
+  EXPECT_THAT(host_.faults(), IsEmpty());
+}
+
+TEST_F(NativeCallTest, AnArrayOfOtherElementsIsRefused) {
+  EXPECT_THAT(errorOf("Sum", {host_.makeArray(Type::kInt32)}),
+              HasSubstr("argument numbers: expected an array (Int64())"));
+}
+
+TEST_F(NativeCallTest, AnUnknownMethodIsRefused) {
+  EXPECT_EQ(errorOf("Subtract", {1}), "no method is called Subtract");
+}
+
+TEST_F(NativeCallTest, AWrongCountIsRefusedWithTheDeclaration) {
+  EXPECT_EQ(errorOf("Add", {1}), "Add: expected 2 arguments, got 1: Add(a As Integer, b As Integer) As Integer");
+  EXPECT_EQ(errorOf("Echo", {}), "Echo: expected 1 argument, got 0: Echo(text As String) As String");
+  EXPECT_EQ(errorOf("WriteFive", {1, 2}),
+            "WriteFive: expected 0 arguments (1 with those by reference), got 2: WriteFive(byref whole As Integer)");
+}
+
+TEST_F(NativeCallTest, AWrongTypeIsRefusedWithWhatWasExpected) {
+  EXPECT_EQ(errorOf("Add", {1, "two"}), "Add, argument b: expected Integer (-2147483648 to 2147483647), got \"two\"");
+  EXPECT_EQ(errorOf("Add", {1, 2147483648}),
+            "Add, argument b: expected Integer (-2147483648 to 2147483647), got 2147483648");
+  EXPECT_EQ(errorOf("Half", {true}), "Half, argument number: expected a number (Double), got True");
+  EXPECT_EQ(errorOf("Not_", {1}), "Not_, argument truth: expected True or False, got 1");
+  EXPECT_EQ(errorOf("Echo", {3}), "Echo, argument text: expected a text (String), got 3");
+  EXPECT_EQ(errorOf("Listen", {"x"}), "Listen, argument obj: expected an object, got \"x\"");
+}
+
+void throwOverflow(String**) { throw std::overflow_error("too much"); }
+
+TEST_F(NativeCallTest, WhatAMethodThrowsReachesTheCallerAndItsSlotsAreReclaimed) {
+  const Declaration declaration = parseDeclaration("Throw(byref text As String)");
+  NativeSignature signature(declaration, false);
+  const auto* const function = reinterpret_cast<const void*>(&throwOverflow);
+  EXPECT_THROW(callFunction(host_, declaration, signature, function, {"old"}), std::overflow_error);
+  EXPECT_THAT(host_.unreleased(), IsEmpty());
+}
+
+}  // namespace
+}  // namespace devhost

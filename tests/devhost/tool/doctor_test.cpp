@@ -1,0 +1,286 @@
+// ostrevin-host doctor: on real servers of the test's own, with and without what a display needs.
+#include <gmock/gmock.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <filesystem>
+
+#include "devhost/tool/layout_desktops.h"
+#include "devhost/tool/tool_runner.h"
+#include "support/private_colord.h"
+#include "support/x_proxy.h"
+#include "support/xorg_server.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+using nlohmann::json;
+using ::testing::AllOf;
+using ::testing::HasSubstr;
+using ::testing::IsEmpty;
+using ::testing::Not;
+using tool_test::contentOf;
+using tool_test::runTool;
+using tool_test::ToolRun;
+
+constexpr const char* kNoBus = "DBUS_SYSTEM_BUS_ADDRESS=unix:path=/nowhere";
+
+/// The findings of one source: about the desktop, or about its first display.
+std::vector<json> findings(const json& about, const std::string& source) {
+  std::vector<json> found;
+  for (const json& finding : about["findings"]) {
+    if (finding["source"] == source) {
+      found.push_back(finding);
+    }
+  }
+  return found;
+}
+
+void expectMissing(const json& about, const std::string& source, const std::string& text, const std::string& remedy) {
+  for (const json& finding : findings(about, source)) {
+    if (finding["state"] == "missing" && finding["text"].get<std::string>().find(text) != std::string::npos) {
+      EXPECT_THAT(finding["remedy"].get<std::string>(), HasSubstr(remedy));
+      return;
+    }
+  }
+  ADD_FAILURE() << source << " should miss: " << text << "\n" << about.dump(1);
+}
+
+// --- without servers
+
+class Doctor : public tool_test::ToolTest {
+ protected:
+  /// Runs with a profile folder of the test's own, beside the computer's.
+  ToolRun run(std::vector<std::string> options = {}, const std::string& display = "",
+              test_support::Environment more = {}) {
+    options.insert(options.begin(), "doctor");
+    more.insert(more.end(), {"XDG_DATA_HOME=" + folder_.path().string(), kNoBus});
+    if (more.front().find("WAYLAND_DISPLAY") != 0) {
+      more.emplace_back("WAYLAND_DISPLAY=");
+    }
+    return runTool(options, {display, "", more});
+  }
+  std::string path(const std::string& name) const { return (folder_.path() / name).string(); }
+};
+
+TEST_F(Doctor, WithoutADisplayVariableSaysSo) {
+  const ToolRun told = run();
+  EXPECT_EQ(told.exit_status, 1);
+  EXPECT_THAT(told.output,
+              HasSubstr("X server   missing  DISPLAY is not set, so there is no X server to ask for displays\n"
+                        "                    to mend it: export DISPLAY=:0"));
+  EXPECT_THAT(told.output, HasSubstr("2 things are missing.\n"));
+  EXPECT_THAT(told.errors, IsEmpty());
+  expectMissing(run({"--json"}, "", {"WAYLAND_DISPLAY=wayland-0"}).document(), "X server", "Wayland session",
+                "xwayland");
+}
+
+TEST_F(Doctor, WithoutAServerSaysWhichAndHowToSeeWhy) {
+  const ToolRun told = run({"--json"}, ":64999");
+  EXPECT_EQ(told.exit_status, 1);
+  EXPECT_EQ(told.document()["well"], false);
+  expectMissing(told.document(), "X server", "there is no X server :64999", "DISPLAY=:64999 xrandr --query");
+}
+
+TEST_F(Doctor, WithoutABusSaysSo) {
+  expectMissing(run({"--json"}).document(), "colord", "the system bus cannot be reached", "systemctl start dbus");
+}
+
+TEST_F(Doctor, TellsBrokenFilesInTheProfileFolders) {
+  fs::create_directories(path("icc/deeper"));
+  fs::copy_file("/usr/share/color/icc/colord/sRGB.icc", path("icc/sound.icc"));
+  std::string sound = contentOf(path("icc/sound.icc"));
+  write("icc/deeper/short.ICM", sound.substr(0, sound.size() - 100));
+  write("icc/it's \n$(touch x)\x1b.icc", "no profile");
+  write("icc/other.txt", "not looked at");
+  ASSERT_EQ(mkfifo(path("icc/pipe.icc").c_str(), 0600), 0);
+  fs::create_symlink("nowhere", path("icc/dangling.icc"));
+  fs::create_symlink("/dev/zero", path("icc/zero.icc"));
+  write("icc/huge.icc", "x");
+  ASSERT_EQ(truncate(path("icc/huge.icc").c_str(), off_t{10} << 30), 0);
+
+  const json document = run({"--json"}).document();
+  expectMissing(document, "ICC files", path("icc/deeper/short.ICM") + " is shorter than its header says", "rm -- ");
+  expectMissing(document, "ICC files", "is no ICC profile", "rm -- $'");
+  expectMissing(document, "ICC files", path("icc/pipe.icc") + " is no regular file", "rm -- ");
+  expectMissing(document, "ICC files", path("icc/dangling.icc") + " is not there", "rm -- ");
+  expectMissing(document, "ICC files", path("icc/zero.icc") + " is no regular file", "rm -- ");
+  expectMissing(document, "ICC files", path("icc/huge.icc") + " is too large for a profile", "rm -- ");
+  EXPECT_THAT(run().output, HasSubstr(path("icc") + ": 1 profile\n"));
+  EXPECT_THAT(run().output, Not(HasSubstr("\x1b")));
+
+  // The commands do what they say, and no more.
+  for (const json& finding : findings(document, "ICC files")) {
+    if (finding["state"] == "missing") {
+      const std::string remedy = finding["remedy"];
+      EXPECT_EQ(
+          test_support::run({"bash", "-c", "cd \"$1\" && " + remedy, "bash", folder_.path().string()}).exit_status, 0)
+          << remedy;
+    }
+  }
+  for (const json& finding : findings(run({"--json"}).document(), "ICC files")) {
+    EXPECT_EQ(finding["state"], "ok") << finding["text"];
+  }
+  EXPECT_TRUE(fs::exists(path("icc/sound.icc")));
+  EXPECT_FALSE(fs::exists(path("x")));
+}
+
+TEST_F(Doctor, OfADesktopFileLooksAtWhatTheFileSays) {
+  const std::string well = write("well.json", R"({"displays": [{"number": 9, "bounds": [0, 0, 8, 6], "name": "Nine",
+      "profiles": ["/usr/share/color/icc/colord/sRGB.icc"]}]})");
+  const ToolRun told = runTool({"--desktop", well, "doctor"});
+  EXPECT_EQ(told.exit_status, 0);
+  EXPECT_EQ(told.output, "desktop file  note     " + well +
+                             " describes the desktop; the computer's own is not asked\n\n" +
+                             "Display 9, Nine\n"
+                             "  name     ok       Nine\n"
+                             "  profile  ok       /usr/share/color/icc/colord/sRGB.icc\n\n"
+                             "All is well.\n");
+  EXPECT_EQ(runTool({"doctor"}, {"", well}).output, told.output);
+
+  const std::string ill = write("ill.json", R"({"displays": [{"number": 9, "bounds": [0, 0, 8, 6]}]})");
+  const json document = runTool({"--desktop", ill, "doctor", "--json"}).document();
+  EXPECT_EQ(document["well"], false);
+  expectMissing(document["displays"][0], "name", "none", "edit " + ill);
+  expectMissing(document["displays"][0], "profile", "none", "edit " + ill);
+  EXPECT_EQ(runTool({"--desktop", write("none.json", "{}"), "doctor"}).exit_status, 1);
+}
+
+// --- with servers
+
+class LiveDoctor : public ::testing::Test {
+ protected:
+  void setMonitor(const std::string& output, const std::optional<std::string>& name) {
+    test_support::Monitor monitor;
+    monitor.name = name;
+    server_.setEdid(output, test_support::makeEdid(monitor));
+  }
+  ToolRun tool(std::vector<std::string> arguments) const {
+    arguments.insert(arguments.begin(), OSTREVIN_HOST);
+    test_support::Environment environment = server_.environment();
+    environment.insert(environment.end(), {"OSTREVIN_DESKTOP=", "XDG_DATA_HOME=" + colord_.directory().string(),
+                                           "XDG_STATE_HOME=" + (colord_.directory() / "state").string()});
+    return {test_support::run(arguments, environment)};
+  }
+  json document() const { return tool({"doctor", "--json"}).document(); }
+  json display() const { return document()["displays"][0]; }
+  std::string number() { return std::to_string(server_.output("DUMMY0").id); }
+
+  test_support::PrivateColord colord_;
+  test_support::XorgServer server_;
+};
+
+TEST_F(LiveDoctor, FindsThatAllIsWell) {
+  setMonitor("DUMMY0", "Good One");
+  ASSERT_EQ(tool({"call", "SetProfile", number(), "/usr/share/color/icc/colord/sRGB.icc"}).exit_status, 0);
+  const ToolRun told = tool({"doctor"});
+  EXPECT_EQ(told.exit_status, 0) << told.output;
+  EXPECT_THAT(
+      told.output,
+      AllOf(HasSubstr("X server   ok       " + server_.display() + ", RandR 1."), HasSubstr(", 1 display, scale 1\n"),
+            HasSubstr("colord     ok       answers, and knows 1 display device\n"),
+            HasSubstr("\nDisplay " + number() + ", Good One\n"),
+            HasSubstr("  RandR    ok       DUMMY0, 1024 x 768 at 0, 0, main\n"),
+            HasSubstr("  EDID     ok       \"Good One\", vendor 0x3e74, product 0x2a17, serial 20240607\n"),
+            HasSubstr("  profile  ok       /usr/share/color/icc/colord/sRGB.icc\n"), HasSubstr("\nAll is well.\n")));
+  EXPECT_EQ(document()["well"], true);
+  const std::string device =
+      test_support::PrivateColord::fields(colord_.colormgr({"get-devices"}), "Device ID").front();
+  EXPECT_EQ(findings(display(), "colord")[0]["text"], "device " + device + ", 1 profile");
+}
+
+TEST_F(LiveDoctor, ADisplayWithoutADeviceIsMendedByTheCommandThatItTells) {
+  setMonitor("DUMMY0", "Plain");
+  const json about = display();
+  EXPECT_EQ(about["name"], "Plain");
+  const std::string remedy = "ostrevin-host call SetProfile " + number() + " FILE.icc";
+  expectMissing(about, "colord", "knows no device of this display", remedy);
+  ASSERT_EQ(tool({"call", "SetProfile", number(), "/usr/share/color/icc/colord/sRGB.icc"}).exit_status, 0);
+  EXPECT_EQ(tool({"doctor"}).exit_status, 0);
+}
+
+TEST_F(LiveDoctor, TellsADeviceWithoutAProfile) {
+  setMonitor("DUMMY0", "Plain");
+  colord_.registerDevice("xrandr-test", {{"XRANDR_name", "DUMMY0"}});
+  expectMissing(display(), "colord", "the device xrandr-test has no profile", "SetProfile " + number());
+}
+
+TEST_F(LiveDoctor, TellsAProfileWhoseFileIsGone) {
+  setMonitor("DUMMY0", "Plain");
+  const fs::path file = colord_.copyOfProfile("AdobeRGB1998.icc", "own.icc");
+  ASSERT_EQ(tool({"call", "SetProfile", number(), file.string()}).exit_status, 0);
+  EXPECT_EQ(tool({"doctor"}).exit_status, 0);
+  fs::remove(file);
+  const json about = display();
+  expectMissing(about, "profile", file.string() + " is not there", "SetProfile " + number());
+  std::ofstream(file) << "no profile any more";
+  expectMissing(display(), "profile", file.string() + " is no ICC profile", "SetProfile " + number());
+}
+
+TEST_F(LiveDoctor, TellsADisplayWithoutAnEdidOrWithABrokenOneOrWithoutAName) {
+  server_.removeEdid("DUMMY0");
+  expectMissing(display(), "EDID", "the monitor says nothing about itself", "drm.edid_firmware=DUMMY0:");
+  test_support::EdidBytes broken = test_support::makeEdid();
+  broken[20] ^= 1;
+  server_.setEdid("DUMMY0", broken);
+  expectMissing(display(), "EDID", "is no valid EDID", "drm.edid_firmware=DUMMY0:");
+  setMonitor("DUMMY0", std::nullopt);
+  expectMissing(display(), "EDID", "serial 20240607, and no name", "drm.edid_firmware=DUMMY0:");
+}
+
+TEST_F(LiveDoctor, ToldOfAPartOfTheScreenSaysThatItHasNoOutput) {
+  server_.setMonitor("half", "512/100x768/200+0+0", "none");
+  const json displays = document()["displays"];
+  ASSERT_EQ(displays.size(), 2U);
+  const json part = findings(displays[0], "EDID")[0]["state"] == "note" ? displays[0] : displays[1];
+  EXPECT_EQ(findings(part, "EDID")[0]["text"], "a part of the screen without an output, which has no EDID and no name");
+}
+
+TEST_F(LiveDoctor, WithoutADisplayThatIsOnSaysHowToSwitchOneOn) {
+  server_.off("DUMMY0");
+  const json told = document();
+  expectMissing(told, "X server", "has no display that is on", "DISPLAY=" + server_.display() + " xrandr --auto");
+  EXPECT_THAT(told["displays"], IsEmpty());
+}
+
+TEST_F(LiveDoctor, WithoutColordSaysSoOnceForAllDisplays) {
+  setMonitor("DUMMY0", "Plain");
+  colord_.stop();
+  const ToolRun told = tool({"doctor", "--json"});
+  EXPECT_EQ(told.exit_status, 1);
+  expectMissing(told.document(), "colord", "the system bus has no colord", "systemctl start colord");
+  EXPECT_THAT(findings(told.document()["displays"][0], "colord"), IsEmpty());
+}
+
+TEST_F(LiveDoctor, OfAColordThatHangsSaysSo) {
+  colord_.suspend();
+  expectMissing(document(), "colord", "does not answer", "systemctl restart colord");
+}
+
+TEST_F(LiveDoctor, OfAServerThatHangsSaysSo) {
+  test_support::XProxy proxy(server_.socket());
+  proxy.limit(0, test_support::XProxy::AtLimit::kStall);
+  const test_support::ProcessResult told = test_support::run(
+      {OSTREVIN_HOST, "doctor", "--json"}, {"DISPLAY=" + proxy.display(), "OSTREVIN_DESKTOP=", "XAUTHORITY="});
+  EXPECT_EQ(told.exit_status, 1);
+  expectMissing(json::parse(told.output), "X server", "the X server " + proxy.display() + " does not answer", "");
+}
+
+/// An X server inside a window of another one, without the extension that tells displays.
+class ServerWithoutRandr final : public test_support::XServer {
+ public:
+  explicit ServerWithoutRandr(const XServer& outer) {
+    start({"Xephyr", "-extension", "RANDR", "-screen", "640x480"}, {}, outer.environment());
+  }
+};
+
+TEST_F(LiveDoctor, OfAServerWithoutRandrSaysSo) {
+  const ServerWithoutRandr server(server_);
+  test_support::Environment environment = server.environment();
+  environment.emplace_back("OSTREVIN_DESKTOP=");
+  const test_support::ProcessResult told = test_support::run({OSTREVIN_HOST, "doctor", "--json"}, environment);
+  EXPECT_EQ(told.exit_status, 1);
+  expectMissing(json::parse(told.output), "X server", server.display() + " has no RandR 1.2", "-extension RANDR");
+}
+
+}  // namespace

@@ -1,0 +1,44 @@
+// A host with a fresh plugin on the live desktop, and what xrandr says that the plugin must answer.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "devhost/calling/plugin.h"
+#include "devhost/runtime/host.h"
+#include "support/xorg_server.h"
+
+namespace live_plugin {
+
+/// While this lives, the desktop of the process is the live one, chosen anew.
+class LiveSession {
+ public:
+  /// `display` is what DISPLAY becomes.
+  explicit LiveSession(const std::string& display);
+  ~LiveSession();
+  LiveSession(const LiveSession&) = delete;
+  LiveSession& operator=(const LiveSession&) = delete;
+
+  devhost::Host host;
+  devhost::Plugin plugin;
+};
+
+/// A display as a host program must see it: points, origin at the upper left of the main display.
+struct ExpectedDisplay {
+  std::string output;
+  std::uint32_t number = 0;  ///< the identifier that xrandr shows for the output
+  double x = 0;
+  double y = 0;
+  double width = 0;
+  double height = 0;
+};
+
+/// The outputs that `xrandr --query` (with --verbose, for their identifiers) shows as on: the primary one first and at
+/// the origin, the others in xrandr's order.
+std::vector<ExpectedDisplay> expectedDisplays(test_support::XServer& server, double scale = 1);
+
+/// The active displays' numbers, asked for as a host program asks.
+std::vector<std::uint32_t> activeDisplays();
+
+}  // namespace live_plugin

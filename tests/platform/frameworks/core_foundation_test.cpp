@@ -1,0 +1,255 @@
+// CoreFoundation over the system's Foundation: what holds for every type.
+#include <CoreFoundation/CoreFoundation.h>
+#include <gmock/gmock.h>
+#include <unistd.h>
+
+#include <array>
+#include <cstdint>
+#include <cstdio>
+#include <set>
+#include <string>
+#include <thread>
+
+#include "frameworks/CoreFoundation/uuids.h"
+#include "frameworks/Foundation/autorelease_pool.h"
+#include "frameworks/hooks/calls.h"
+#include "platform/frameworks/core_foundation_objects.h"
+#include "platform/frameworks/foundation_probe.h"
+
+namespace core_foundation_test {
+namespace {
+
+using platform::ScopedPool;
+using platform::calls::Answer;
+using platform::calls::Call;
+using platform::calls::removeAllHooks;
+using platform::calls::setHook;
+
+// What the library's constants are while this program's static initialisers run.
+const CFBooleanRef true_at_start = kCFBooleanTrue;
+const CFBooleanRef false_at_start = kCFBooleanFalse;
+const CFTypeID type_of_true_at_start = CFGetTypeID(kCFBooleanTrue);
+const CFStringRef constant_at_start = CFSTR("made at start");
+
+/// What was written to stderr while `action` ran.
+template <typename Action>
+std::string stderrOf(const Action& action) {
+  std::FILE* const file = std::tmpfile();
+  const int kept = dup(STDERR_FILENO);
+  std::fflush(stderr);
+  dup2(fileno(file), STDERR_FILENO);
+  action();
+  std::fflush(stderr);
+  dup2(kept, STDERR_FILENO);
+  close(kept);
+  std::string written(static_cast<std::size_t>(lseek(fileno(file), 0, SEEK_END)), '\0');
+  const ssize_t read = pread(fileno(file), written.data(), written.size(), 0);
+  std::fclose(file);
+  return read == static_cast<ssize_t>(written.size()) ? written : "stderr could not be read back";
+}
+
+/// Hooks are the process's; a test that set one leaves none behind.
+class Hooked : public testing::Test {
+ protected:
+  ~Hooked() override { removeAllHooks(); }
+  static void fail(Call call) {
+    setHook(call, [](std::uint64_t) { return Answer{.fail = true}; });
+  }
+};
+
+// --- constants
+
+TEST(Constants, AreReadyWhileStaticInitialisersRun) {
+  EXPECT_NE(true_at_start, nullptr);
+  EXPECT_NE(false_at_start, nullptr);
+  EXPECT_EQ(true_at_start, kCFBooleanTrue);
+  EXPECT_EQ(type_of_true_at_start, CFBooleanGetTypeID());
+  EXPECT_EQ(constant_at_start, CFSTR("made at start"));
+}
+
+TEST(Constants, TrueIsNotFalse) {
+  EXPECT_NE(kCFBooleanTrue, kCFBooleanFalse);
+  EXPECT_FALSE(CFEqual(kCFBooleanTrue, kCFBooleanFalse));
+}
+
+TEST(Constants, TheDefaultAllocatorIsNull) { EXPECT_EQ(kCFAllocatorDefault, nullptr); }
+
+// --- every type
+
+TEST(Retain, ReturnsTheObjectWithOneMoreReference) {
+  const String string = makeString("a string that is long enough to be an object of its own");
+  const CFIndex before = CFGetRetainCount(string.get());
+  EXPECT_EQ(CFRetain(string.get()), string.get());
+  EXPECT_EQ(CFGetRetainCount(string.get()), before + 1);
+  CFRelease(string.get());
+  EXPECT_EQ(CFGetRetainCount(string.get()), before);
+}
+
+TEST(Autorelease, ReleasesWhenThePoolIsDrained) {
+  const String string = makeString("autoreleased once");
+  {
+    const ScopedPool pool;
+    EXPECT_EQ(CFAutorelease(CFRetain(string.get())), string.get());
+    EXPECT_EQ(CFGetRetainCount(string.get()), 2);
+  }
+  EXPECT_EQ(CFGetRetainCount(string.get()), 1);
+}
+
+TEST(Pools, ReleaseWhatWasAutoreleasedSinceThePush) {
+  int deaths = 0;
+  void* const outer = objc_autoreleasePoolPush();
+  probe::autoreleaseCounter(&deaths);
+  void* const inner = objc_autoreleasePoolPush();
+  probe::autoreleaseCounter(&deaths);
+  objc_autoreleasePoolPop(inner);
+  EXPECT_EQ(deaths, 1);
+  objc_autoreleasePoolPop(outer);
+  EXPECT_EQ(deaths, 2);
+}
+
+TEST(NullDeath, StopsTheProcess) {
+  EXPECT_DEATH(CFRetain(nullptr), "CFRetain: null is no object");
+  EXPECT_DEATH(CFRelease(nullptr), "CFRelease: null is no object");
+  EXPECT_DEATH(CFAutorelease(nullptr), "CFAutorelease: null is no object");
+  EXPECT_DEATH(CFGetRetainCount(nullptr), "CFGetRetainCount: null is no object");
+  EXPECT_DEATH(CFEqual(nullptr, kCFBooleanTrue), "CFEqual: null is no object");
+  EXPECT_DEATH(CFEqual(kCFBooleanTrue, nullptr), "CFEqual: null is no object");
+  EXPECT_DEATH(CFEqual(nullptr, nullptr), "CFEqual: null is no object");
+  EXPECT_DEATH(CFGetTypeID(nullptr), "CFGetTypeID: null is no object");
+}
+
+TEST(NullDeath, StopsTheProcessInFunctionsOfOneType) {
+  std::int32_t number = 0;
+  char buffer[8];
+  EXPECT_DEATH(CFStringGetLength(nullptr), "CFStringGetLength: null");
+  EXPECT_DEATH(CFStringGetCString(nullptr, buffer, 8, kCFStringEncodingUTF8), "CFStringGetCString: null");
+  EXPECT_DEATH(CFURLCreateWithFileSystemPath(nullptr, nullptr, kCFURLPOSIXPathStyle, false), "null is no object");
+  EXPECT_DEATH(CFURLCopyFileSystemPath(nullptr, kCFURLPOSIXPathStyle), "CFURLCopyFileSystemPath: null");
+  EXPECT_DEATH(CFURLGetString(nullptr), "CFURLGetString: null");
+  EXPECT_DEATH(CFDataGetLength(nullptr), "CFDataGetLength: null");
+  EXPECT_DEATH(CFDataGetBytePtr(nullptr), "CFDataGetBytePtr: null");
+  EXPECT_DEATH(CFDictionaryGetCount(nullptr), "CFDictionaryGetCount: null");
+  EXPECT_DEATH(CFDictionaryGetValue(nullptr, CFSTR("key")), "CFDictionaryGetValue: null");
+  EXPECT_DEATH(CFNumberGetValue(nullptr, kCFNumberSInt32Type, &number), "CFNumberGetValue: null");
+  EXPECT_DEATH(CFUUIDCreateString(nullptr, nullptr), "CFUUIDCreateString: null");
+  EXPECT_DEATH(CFUUIDGetUUIDBytes(nullptr), "CFUUIDGetUUIDBytes: null");
+  EXPECT_DEATH(CFUUIDCreateFromString(nullptr, nullptr), "CFUUIDCreateFromString: null");
+}
+
+TEST(TypeIds, AreDistinct) {
+  const std::set<CFTypeID> ids = {CFBooleanGetTypeID(), CFDataGetTypeID(), CFDictionaryGetTypeID(), CFNumberGetTypeID(),
+                                  CFStringGetTypeID(),  CFURLGetTypeID(),  CFUUIDGetTypeID()};
+  EXPECT_EQ(ids.size(), 7U);
+}
+
+TEST(TypeIds, AreTheirObjects) {
+  const Url url = Url::adopt(CFURLCreateWithFileSystemPath(nullptr, CFSTR("/a"), kCFURLPOSIXPathStyle, false));
+  const Data data = Data::adopt(CFDataCreate(nullptr, nullptr, 0));
+  const Uuid uuid = makeUuid(kUuidText);
+  const auto mutable_dictionary = OwnedRef<CFMutableDictionaryRef>::adopt(
+      CFDictionaryCreateMutable(nullptr, 0, &kCFTypeDictionaryKeyCallBacks, &kCFTypeDictionaryValueCallBacks));
+  const auto other = OwnedRef<CFTypeRef>::adopt(probe::createOtherObject());
+  EXPECT_EQ(CFGetTypeID(CFSTR("constant")), CFStringGetTypeID());
+  EXPECT_EQ(CFGetTypeID(makeString("made").get()), CFStringGetTypeID());
+  EXPECT_EQ(CFGetTypeID(makeString("gem\xC3\xA4\xC3\x9F").get()), CFStringGetTypeID());
+  EXPECT_EQ(CFGetTypeID(url.get()), CFURLGetTypeID());
+  EXPECT_EQ(CFGetTypeID(data.get()), CFDataGetTypeID());
+  EXPECT_EQ(CFGetTypeID(makeDictionary({}, {}).get()), CFDictionaryGetTypeID());
+  EXPECT_EQ(CFGetTypeID(mutable_dictionary.get()), CFDictionaryGetTypeID());
+  EXPECT_EQ(CFGetTypeID(kCFBooleanTrue), CFBooleanGetTypeID());
+  EXPECT_EQ(CFGetTypeID(kCFBooleanFalse), CFBooleanGetTypeID());
+  EXPECT_EQ(CFGetTypeID(makeNumber(0).get()), CFNumberGetTypeID());
+  EXPECT_EQ(CFGetTypeID(makeNumber(1).get()), CFNumberGetTypeID());
+  EXPECT_EQ(CFGetTypeID(uuid.get()), CFUUIDGetTypeID());
+  EXPECT_EQ(CFGetTypeID(other.get()), 1U);
+}
+
+TEST(Equal, ComparesValues) {
+  EXPECT_TRUE(CFEqual(makeString("text").get(), CFSTR("text")));
+  EXPECT_FALSE(CFEqual(makeString("text").get(), CFSTR("Text")));
+  EXPECT_TRUE(CFEqual(makeNumber(7).get(), makeNumber(7).get()));
+  EXPECT_FALSE(CFEqual(makeNumber(7).get(), makeString("7").get()));
+  EXPECT_FALSE(CFEqual(makeString("7").get(), makeNumber(7).get()));
+}
+
+TEST(Equal, ABooleanEqualsNoNumber) {
+  EXPECT_FALSE(CFEqual(kCFBooleanTrue, makeNumber(1).get()));
+  EXPECT_FALSE(CFEqual(makeNumber(1).get(), kCFBooleanTrue));
+  EXPECT_FALSE(CFEqual(kCFBooleanFalse, makeNumber(0).get()));
+  EXPECT_TRUE(CFEqual(kCFBooleanTrue, kCFBooleanTrue));
+}
+
+// --- hooks
+
+TEST_F(Hooked, CallsAnswerTheirFailureValues) {
+  const String string = makeString("text");
+  const Dictionary dictionary = makeDictionary({CFSTR("a")}, {kCFBooleanTrue});
+  const Url url = Url::adopt(CFURLCreateWithFileSystemPath(nullptr, CFSTR("/a"), kCFURLPOSIXPathStyle, false));
+  const Number number = makeNumber(1);
+  const Uuid uuid = makeUuid(kUuidText);
+  std::array<char, 8> buffer{};
+  const void* value = nullptr;
+  std::int32_t integer = 0;
+  for (std::size_t i = 0; i < platform::calls::kCallCount; ++i) {
+    fail(static_cast<Call>(i));
+  }
+  EXPECT_FALSE(CFEqual(string.get(), string.get()));
+  EXPECT_FALSE(makeString("text"));
+  EXPECT_FALSE(CFStringGetCString(string.get(), buffer.data(), buffer.size(), kCFStringEncodingUTF8));
+  EXPECT_EQ(CFURLCreateWithFileSystemPath(nullptr, string.get(), kCFURLPOSIXPathStyle, false), nullptr);
+  EXPECT_EQ(CFURLCopyFileSystemPath(url.get(), kCFURLPOSIXPathStyle), nullptr);
+  EXPECT_EQ(CFURLGetString(url.get()), nullptr);
+  EXPECT_EQ(CFDataCreate(nullptr, nullptr, 0), nullptr);
+  EXPECT_FALSE(makeDictionary({}, {}));
+  EXPECT_EQ(CFDictionaryCreateMutable(nullptr, 0, nullptr, nullptr), nullptr);
+  EXPECT_EQ(CFDictionaryGetValue(dictionary.get(), CFSTR("a")), nullptr);
+  EXPECT_FALSE(CFDictionaryGetValueIfPresent(dictionary.get(), CFSTR("a"), &value));
+  EXPECT_EQ(CFNumberCreate(nullptr, kCFNumberSInt32Type, &integer), nullptr);
+  EXPECT_FALSE(CFNumberGetValue(number.get(), kCFNumberSInt32Type, &integer));
+  EXPECT_EQ(CFUUIDCreateFromUUIDBytes(nullptr, kUuidBytes), nullptr);
+  EXPECT_EQ(CFUUIDCreateFromString(nullptr, string.get()), nullptr);
+  EXPECT_EQ(CFUUIDCreateString(nullptr, uuid.get()), nullptr);
+}
+
+TEST(Counts, GrowWithEveryCall) {
+  const std::uint64_t before = platform::calls::count(Call::CFEqual);
+  CFEqual(kCFBooleanTrue, kCFBooleanTrue);
+  CFEqual(kCFBooleanTrue, kCFBooleanFalse);
+  EXPECT_EQ(platform::calls::count(Call::CFEqual), before + 2);
+}
+
+// --- threads without a pool
+
+TEST(AThreadWithoutAPool, HearsNoComplaint) {
+  const std::string written = stderrOf([] {
+    std::thread([] {
+      const String string = makeString("a string from a thread with no pool");
+      const Url url = Url::adopt(CFURLCreateWithFileSystemPath(nullptr, string.get(), kCFURLPOSIXPathStyle, true));
+      const String path = String::adopt(CFURLCopyFileSystemPath(url.get(), kCFURLPOSIXPathStyle));
+      const Url again = Url::adopt(CFURLCreateWithFileSystemPath(nullptr, path.get(), kCFURLPOSIXPathStyle, false));
+      CFEqual(url.get(), again.get());
+      CFURLGetString(url.get());
+      textOf(string.get());
+      const Uuid uuid = makeUuid(kUuidText);
+      const String text = String::adopt(CFUUIDCreateString(nullptr, uuid.get()));
+      const Number number = makeNumber(INT64_MAX);
+      read32(number.get());
+      const Dictionary dictionary =
+          makeDictionary({string.get(), url.get(), uuid.get()}, {number.get(), text.get(), path.get()});
+      CFEqual(dictionary.get(), makeDictionary({string.get()}, {number.get()}).get());
+      std::array<const void*, 3> keys{};
+      CFDictionaryGetKeysAndValues(dictionary.get(), keys.data(), nullptr);
+      const Data data = Data::adopt(CFDataCreate(nullptr, reinterpret_cast<const UInt8*>("abc"), 3));
+      CFDataGetBytePtr(data.get());
+      __CFStringMakeConstantString("made on a thread with no pool");
+    }).join();
+  });
+  EXPECT_EQ(written, "");
+}
+
+TEST(TheLoadingThread, HasAPool) {
+  EXPECT_EQ(stderrOf([] { CFAutorelease(CFRetain(CFSTR("autoreleased without another pool"))); }), "");
+}
+
+}  // namespace
+}  // namespace core_foundation_test
