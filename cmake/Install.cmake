@@ -1,5 +1,5 @@
 # What `cmake --install` lays out: the library, the public headers, a CMake package, ostrevin-host with its man page and
-# completion for shells, and the documents. An installed tree can be moved: programs and libraries find one another
+# completion for shells, the documents and the licences. An installed tree can be moved: programs and libraries find one another
 # relative to themselves.
 #
 # ostrevin_install_common(): what is the same however the binaries were built.
@@ -32,7 +32,9 @@ function(ostrevin_install_common library_name)
     get_filename_component(folder ${header} DIRECTORY)
     install(FILES ${CMAKE_SOURCE_DIR}/${header} DESTINATION ${OSTREVIN_INSTALL_INCLUDEDIR}/${folder})
   endforeach()
-  install(FILES ${CMAKE_SOURCE_DIR}/README.md DESTINATION ${OSTREVIN_INSTALL_DOCDIR})
+  foreach(document IN ITEMS README.md SECURITY.md CHANGELOG.md THIRD-PARTY.md LICENSE)
+    install(FILES ${CMAKE_SOURCE_DIR}/${document} DESTINATION ${OSTREVIN_INSTALL_DOCDIR})
+  endforeach()
   install(DIRECTORY ${CMAKE_SOURCE_DIR}/docs DESTINATION ${OSTREVIN_INSTALL_DOCDIR} FILES_MATCHING PATTERN "*.md" PATTERN "*.svg")
 
   set(OSTREVIN_LIBRARY_FILE ${CMAKE_INSTALL_LIBDIR}/${library_name})
@@ -63,6 +65,12 @@ function(ostrevin_install_binaries)
   if(APPLE)
     return()
   endif()
+  # Where Debian looks for the licences of a package and of what it contains.
+  set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS LICENSE THIRD-PARTY.md)
+  file(READ ${CMAKE_SOURCE_DIR}/LICENSE licence)
+  file(READ ${CMAKE_SOURCE_DIR}/THIRD-PARTY.md third_parties)
+  file(CONFIGURE OUTPUT ${CMAKE_BINARY_DIR}/package/copyright CONTENT "${licence}\n${third_parties}" @ONLY)
+  install(FILES ${CMAKE_BINARY_DIR}/package/copyright DESTINATION ${OSTREVIN_INSTALL_DOCDIR})
   install(TARGETS OstrevinPlatform OstrevinColord LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
   install(DIRECTORY ${CMAKE_SOURCE_DIR}/platform/include/ DESTINATION ${OSTREVIN_INSTALL_INCLUDEDIR}/platform)
   install(FILES ${CMAKE_SOURCE_DIR}/devhost/example-desktop.json ${CMAKE_SOURCE_DIR}/devhost/example-profile.icc

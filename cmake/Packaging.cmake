@@ -1,10 +1,11 @@
 # Packages of what is installed: a .tar.gz everywhere, a .deb where Debian's tools are. Build them with `cpack` in the build
 # folder.
 set(CPACK_PACKAGE_NAME ostrevin)
-set(CPACK_PACKAGE_VENDOR "The Ostrevin maintainers")
-set(CPACK_PACKAGE_CONTACT "The Ostrevin maintainers")
+set(CPACK_PACKAGE_VENDOR "The Ostrevin authors")
+set(CPACK_PACKAGE_CONTACT "The Ostrevin authors")
 set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "${PROJECT_DESCRIPTION}")
 set(CPACK_PACKAGE_VERSION ${PROJECT_VERSION})
+set(CPACK_RESOURCE_FILE_LICENSE ${CMAKE_SOURCE_DIR}/LICENSE)
 set(CPACK_VERBATIM_VARIABLES ON)
 set(CPACK_GENERATOR TGZ)
 

@@ -1,4 +1,4 @@
-# Makes the packages in FOLDER, unpacks each and runs ostrevin-host from it.
+# Makes the packages in FOLDER, unpacks each, runs ostrevin-host from it and looks for the licences.
 cmake_minimum_required(VERSION 3.25)
 
 file(REMOVE_RECURSE ${FOLDER})
@@ -9,6 +9,15 @@ function(expect_it_runs program)
   if(NOT output MATCHES "QV02Read\\(path As String, byref xmlString As String\\) As Integer")
     message(FATAL_ERROR "${program} does not list the methods:\n${output}")
   endif()
+endfunction()
+
+function(expect_licences folder)
+  foreach(name IN LISTS ARGN)
+    file(GLOB text ${folder}/share/doc/ostrevin/${name})
+    if(NOT text)
+      message(FATAL_ERROR "${folder} has no share/doc/ostrevin/${name}")
+    endif()
+  endforeach()
 endfunction()
 
 function(expect_one_package variable pattern)
@@ -24,10 +33,12 @@ expect_one_package(tarball *.tar.gz)
 file(ARCHIVE_EXTRACT INPUT ${tarball} DESTINATION ${FOLDER}/tarball)
 file(GLOB program ${FOLDER}/tarball/*/bin/ostrevin-host)
 expect_it_runs(${program})
+expect_licences(${FOLDER}/tarball/* LICENSE THIRD-PARTY.md CHANGELOG.md)
 
 find_program(DPKG_SHLIBDEPS dpkg-shlibdeps)
 if(DPKG_SHLIBDEPS)
   expect_one_package(package *.deb)
   execute_process(COMMAND dpkg-deb -x ${package} ${FOLDER}/deb COMMAND_ERROR_IS_FATAL ANY)
   expect_it_runs(${FOLDER}/deb/usr/bin/ostrevin-host)
+  expect_licences(${FOLDER}/deb/usr LICENSE THIRD-PARTY.md CHANGELOG.md copyright)
 endif()
