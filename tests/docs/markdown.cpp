@@ -1,5 +1,7 @@
 #include "docs/markdown.h"
 
+#include <fnmatch.h>
+
 #include <algorithm>
 #include <cctype>
 #include <filesystem>
@@ -12,106 +14,106 @@
 namespace docs_test {
 namespace {
 
-constexpr const char* kFence = "```";
-constexpr const char* kIndentation = "    ";
+constexpr const char* kEllipsis = "…";
 
-class Parser {
- public:
-  explicit Parser(Document& document) : document_(document) {}
-
-  void take(const std::string& line) {
-    ++line_;
-    if (line.starts_with(kFence)) {
-      takeFence(line.substr(3));
-    } else if (in_fence_) {
-      block().lines.push_back(line);
-    } else {
-      takeOutsideFence(line);
-    }
-    after_blank_ = line.empty();
+void collect(const Located& line, const std::regex& pattern, std::vector<Located>& found) {
+  for (std::sregex_iterator match(line.text.begin(), line.text.end(), pattern), end; match != end; ++match) {
+    found.push_back({(*match)[1], line.line});
   }
+}
 
-  bool inFence() const { return in_fence_; }
+/// A pattern of fnmatch for a line of shown output.
+std::string patternOf(const std::string& line) {
+  const std::string escaped = std::regex_replace(line, std::regex(R"([*?\[\\])"), R"(\$&)");
+  return std::regex_replace(escaped, std::regex(kEllipsis), "*");
+}
 
- private:
-  Block& block() { return document_.blocks.back(); }
+std::string withoutTrailingBlanks(const std::string& line) {
+  return line.substr(0, line.find_last_not_of(" \t\r") + 1);
+}
 
-  void begin(const std::string& language, std::size_t first_line) {
-    document_.blocks.push_back(
-        {language, document_.headings.empty() ? std::string() : document_.headings.back(), first_line, {}});
+using Line = std::vector<std::string>::const_iterator;
+
+bool linesMatch(Line shown, Line shown_end, Line printed, Line printed_end) {
+  if (shown == shown_end) {
+    return printed == printed_end;
   }
-
-  void takeFence(const std::string& language) {
-    if (!in_fence_) {
-      begin(language, line_ + 1);
-    }
-    in_fence_ = !in_fence_;
-    in_indented_ = false;
+  if (*shown == kEllipsis && linesMatch(shown + 1, shown_end, printed, printed_end)) {
+    return true;
   }
-
-  void takeOutsideFence(const std::string& line) {
-    const bool indented = line.starts_with(kIndentation);
-    in_indented_ = indented && (in_indented_ || after_blank_);
-    if (in_indented_) {
-      if (after_blank_) {
-        begin({}, line_);
-      }
-      block().lines.push_back(line.substr(std::string(kIndentation).size()));
-      return;
-    }
-    if (line.starts_with("#")) {
-      document_.headings.push_back(line.substr(std::min(line.find_first_not_of("# "), line.size())));
-    }
-    document_.prose.push_back({line, line_});
-    static const std::regex kSpan("`([^`]+)`");
-    static const std::regex kLink(R"(\]\(([^)\s]+)\))");
-    collect(line, kSpan, document_.code_spans);
-    collect(line, kLink, document_.links);
+  if (printed == printed_end) {
+    return false;
   }
-
-  void collect(const std::string& line, const std::regex& pattern, std::vector<Located>& found) const {
-    for (std::sregex_iterator match(line.begin(), line.end(), pattern); match != std::sregex_iterator(); ++match) {
-      found.push_back({(*match)[1], line_});
-    }
+  if (*shown == kEllipsis) {
+    return linesMatch(shown, shown_end, printed + 1, printed_end);
   }
-
-  Document& document_;
-  std::size_t line_ = 0;
-  bool in_fence_ = false;
-  bool in_indented_ = false;
-  bool after_blank_ = true;
-};
+  return fnmatch(patternOf(withoutTrailingBlanks(*shown)).c_str(), withoutTrailingBlanks(*printed).c_str(), 0) == 0 &&
+         linesMatch(shown + 1, shown_end, printed + 1, printed_end);
+}
 
 }  // namespace
 
 Document parseMarkdown(const std::string& name, const std::string& text) {
-  Document document;
-  document.name = name;
-  Parser parser(document);
+  static const std::regex kCode("`([^`]+)`");
+  static const std::regex kLink(R"(\]\(([^)\s]+)\))");
+  Document document{name, {}, {}, {}, {}, {}};
+  bool in_block = false;
+  std::size_t number = 0;
   for (const std::string& line : splitLines(text)) {
-    parser.take(line);
+    ++number;
+    if (line.starts_with("```")) {
+      in_block = !in_block;
+      if (in_block) {
+        const std::string heading = document.headings.empty() ? "" : document.headings.back();
+        document.blocks.push_back({line.substr(3), heading, number + 1, {}});
+      }
+    } else if (in_block) {
+      document.blocks.back().lines.push_back(line);
+    } else {
+      if (line.starts_with("#")) {
+        document.headings.push_back(line.substr(std::min(line.find_first_not_of("# "), line.size())));
+      }
+      document.prose.push_back({line, number});
+      collect(document.prose.back(), kCode, document.code);
+      collect(document.prose.back(), kLink, document.links);
+    }
   }
-  if (parser.inFence()) {
+  if (in_block) {
     throw std::runtime_error(name + ": a block without an end");
   }
   return document;
 }
 
 std::vector<Document> readDocuments(const std::string& project) {
-  std::vector<std::string> names;
+  std::vector<Document> documents;
   for (const char* const folder : {"", "docs/"}) {
     for (const auto& entry : std::filesystem::directory_iterator(std::filesystem::path(project) / folder)) {
       if (entry.path().extension() == ".md") {
-        names.push_back(folder + entry.path().filename().string());
+        documents.push_back(parseMarkdown(folder + entry.path().filename().string(), readFile(entry.path())));
       }
     }
   }
-  std::sort(names.begin(), names.end());
-  std::vector<Document> documents(names.size());
-  std::transform(names.begin(), names.end(), documents.begin(), [&](const std::string& name) {
-    return parseMarkdown(name, readFile(std::filesystem::path(project) / name));
-  });
+  std::sort(documents.begin(), documents.end(), [](const Document& a, const Document& b) { return a.name < b.name; });
   return documents;
+}
+
+std::vector<Command> commandsOf(const Block& block) {
+  std::vector<Command> commands;
+  for (std::size_t i = 0; block.language == "console" && i < block.lines.size(); ++i) {
+    const std::string& line = block.lines[i];
+    if (line.starts_with("$ ")) {
+      commands.push_back({line.substr(2), block.line + i, {}});
+    } else if (commands.empty()) {
+      throw std::runtime_error("line " + std::to_string(block.line) + ": output without a command");
+    } else {
+      commands.back().output.push_back(line);
+    }
+  }
+  return commands;
+}
+
+bool showsOutput(const std::vector<std::string>& shown, const std::vector<std::string>& printed) {
+  return linesMatch(shown.begin(), shown.end(), printed.begin(), printed.end());
 }
 
 std::string fragmentOf(const std::string& heading) {
@@ -142,6 +144,14 @@ std::vector<std::string> splitLines(const std::string& text) {
     lines.push_back(line);
   }
   return lines;
+}
+
+std::string joinLines(const std::vector<std::string>& lines) {
+  std::string text;
+  for (const std::string& line : lines) {
+    text += line + '\n';
+  }
+  return text;
 }
 
 }  // namespace docs_test

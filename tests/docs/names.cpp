@@ -2,7 +2,7 @@
 
 #include <algorithm>
 #include <filesystem>
-#include <nlohmann/json.hpp>
+#include <functional>
 #include <regex>
 #include <sstream>
 
@@ -18,7 +18,8 @@ bool isIgnored(const fs::path& path) {
   return name == "build" || (name.starts_with(".") && name != ".ci");
 }
 
-void appendTexts(const fs::path& folder, const std::function<bool(const fs::path&)>& wanted, std::string& text) {
+std::string textOf(const fs::path& folder, const std::function<bool(const fs::path&)>& wanted) {
+  std::string text;
   for (auto entry = fs::recursive_directory_iterator(folder); entry != fs::recursive_directory_iterator(); ++entry) {
     if (entry->is_directory() && isIgnored(entry->path())) {
       entry.disable_recursion_pending();
@@ -26,12 +27,14 @@ void appendTexts(const fs::path& folder, const std::function<bool(const fs::path
       text += readFile(entry->path());
     }
   }
+  return text;
 }
 
+/// The words up to a comment or a redirection.
 std::vector<std::string> wordsOf(const std::string& command) {
-  std::istringstream stream(command.substr(0, command.find(" #")));
+  std::istringstream stream(command);
   std::vector<std::string> words;
-  for (std::string word; stream >> word;) {
+  for (std::string word; stream >> word && word != "#" && word != "|" && word != ">";) {
     words.push_back(word);
   }
   return words;
@@ -48,118 +51,105 @@ bool hasWord(const std::string& text, const std::string& word) {
   return false;
 }
 
-/// A word in capitals stands for something of the reader's.
+/// A word in capitals stands for the reader's own.
 bool isPlaceholder(const std::string& word) {
-  return std::none_of(word.begin(), word.end(),
-                      [](char c) { return std::islower(static_cast<unsigned char>(c)) != 0; });
+  return std::none_of(word.begin(), word.end(), [](unsigned char c) { return std::islower(c) != 0; }) ||
+         word.starts_with("FILE");
 }
 
 bool isTool(const std::string& word) { return word == "./run" || word.ends_with("ostrevin-host"); }
 
+bool existsInProject(const fs::path& path) {
+  const fs::path full = kProject / path;
+  const std::string name = full.filename();
+  const std::size_t star = name.find('*');
+  const std::string beginning = star == std::string::npos ? name + "." : name.substr(0, star);
+  return fs::exists(full) ||
+         (fs::is_directory(full.parent_path()) &&
+          std::any_of(fs::directory_iterator(full.parent_path()), fs::directory_iterator(),
+                      [&](const auto& entry) { return entry.path().filename().string().starts_with(beginning); }));
+}
+
 }  // namespace
 
-Names::Names() {
+Names::Names()
+    : presets_(readFile(kProject / "CMakePresets.json")),
+      build_files_(textOf(
+          kProject,
+          [](const fs::path& path) { return path.filename() == "CMakeLists.txt" || path.extension() == ".cmake"; })),
+      test_files_(textOf(kProject / "tests", [](const fs::path&) { return true; })) {
   for (const auto& entry : fs::directory_iterator(kProject)) {
     if (entry.is_directory() && !isIgnored(entry.path())) {
       folders_.push_back(entry.path().filename());
     }
   }
-  const auto presets = nlohmann::json::parse(readFile(kProject / "CMakePresets.json"));
-  for (const auto& preset : presets.at("configurePresets")) {
-    presets_.push_back(preset.at("name"));
-  }
-  appendTexts(
-      kProject,
-      [](const fs::path& path) { return path.filename() == "CMakeLists.txt" || path.extension() == ".cmake"; },
-      build_files_);
-  appendTexts(
-      kProject / "tests", [](const fs::path&) { return true; }, test_files_);
 }
 
-std::vector<std::string> Names::missingIn(const std::string& command) const {
-  static const std::regex kProgram(R"((?:\./|scripts/|\.ci/)[\w-]+)");
+std::vector<std::string> Names::missingIn(const std::string& command) {
   static const std::regex kBuilt(R"(build/([\w-]+)/bin/([\w-]+))");
-  std::vector<std::string> missing;
-  const auto expect = [&](bool is_there, const std::string& what) {
-    if (!is_there) {
+  const std::vector<std::string> words = wordsOf(command);
+  const auto tool = std::find_if(words.begin(), words.end(), isTool);
+  if (tool != words.end()) {
+    return missingToolWords({tool + 1, words.end()});
+  }
+  std::vector<std::string> missing = missingPathsIn(command);
+  const auto expect = [&](bool exists, const std::string& what) {
+    if (!exists) {
       missing.push_back(what);
     }
   };
-  const auto is_preset = [&](const std::string& name) {
-    return std::find(presets_.begin(), presets_.end(), name) != presets_.end();
+  const auto expectPreset = [&](const std::string& name) {
+    expect(presets_.find("\"name\": \"" + name + "\"") != std::string::npos, "the preset " + name);
   };
-  const std::vector<std::string> words = wordsOf(command);
   for (std::size_t i = 0; i < words.size(); ++i) {
     const std::string& word = words[i];
     const std::string value = i + 1 < words.size() ? words[i + 1] : std::string();
     std::smatch match;
-    if (std::regex_match(word, kProgram)) {
-      expect(isFileInProject(word), "the program " + word);
+    if (word.starts_with("./")) {
+      expect(existsInProject(word), "the program " + word);
     } else if (std::regex_match(word, match, kBuilt)) {
-      expect(is_preset(match[1]), "the preset " + match[1].str());
+      expectPreset(match[1]);
       expect(hasWord(build_files_, match[2]), "the target " + match[2].str());
     } else if (word.starts_with("PRESET=")) {
-      expect(is_preset(word.substr(7)), "the preset " + word.substr(7));
+      expectPreset(word.substr(7));
     } else if (word == "--preset") {
-      expect(is_preset(value), "the preset " + value);
-    } else if (word == "--target") {
-      expect(hasWord(build_files_, value), "the target " + value);
-    } else if (word == "-L") {
-      expect(hasWord(build_files_, value), "the label " + value);
-    } else if (word == "-R") {
-      for (const std::string& part : splitLines(std::regex_replace(value, std::regex("[.*|^$]+"), "\n"))) {
-        // A regular expression, so the beginning of a name is enough.
-        expect(test_files_.find(part) != std::string::npos, "a test named " + part);
-      }
+      expectPreset(value);
+    } else if (word == "--target" || word == "-L") {
+      expect(hasWord(build_files_, value), (word == "-L" ? "the label " : "the target ") + value);
+    } else if (word == "-R") {  // the beginning of a name is enough
+      expect(test_files_.find(value) != std::string::npos, "a test named " + value);
     }
-  }
-  const auto tool = std::find_if(words.begin(), words.end(), isTool);
-  if (tool != words.end()) {
-    const auto absent = missingToolWords({tool + 1, words.end()});
-    missing.insert(missing.end(), absent.begin(), absent.end());
   }
   return missing;
 }
 
-std::vector<std::string> Names::missingToolWords(const std::vector<std::string>& words) const {
-  static const std::regex kNegativeNumber(R"(-[\d.]+)");
+std::vector<std::string> Names::missingToolWords(const std::vector<std::string>& words) {
+  static const std::regex kOption("--?[a-z].*");
   std::vector<std::string> missing;
   std::string command;
-  for (std::size_t i = 0; i < words.size(); ++i) {
+  for (std::size_t i = 0; i < words.size() && words[i] != "--" && command != "call"; ++i) {
     const std::string& word = words[i];
-    if (word == "--" || word == "|" || word == ">" || word == "&&") {
-      break;
-    }
-    const bool has_value = word == "--desktop" || word == "--plugin";
-    if (word.starts_with("-") && !std::regex_match(word, kNegativeNumber)) {
+    if (std::regex_match(word, kOption)) {
       if (!hasWord(help({}), word) && !hasWord(help(command), word)) {
         missing.push_back("the option " + word);
       }
-      i += has_value ? 1 : 0;
+      i += word == "--desktop" || word == "--plugin" ? 1 : 0;
     } else if (command.empty() && !isPlaceholder(word)) {
       command = word;
       if (!hasWord(help({}), word)) {
         missing.push_back("the command " + word);
         break;
       }
-    } else if (command == "call") {
-      break;  // arguments of the method
     }
   }
   return missing;
 }
 
-const std::string& Names::help(const std::string& command) const {
+const std::string& Names::help(const std::string& command) {
   const auto known = help_.find(command);
-  if (known != help_.end()) {
-    return known->second;
-  }
-  std::vector<std::string> arguments{"--help"};
-  if (!command.empty()) {
-    arguments.insert(arguments.begin(), command);
-  }
-  int status = 0;
-  return help_[command] = session_.runTool(arguments, status);
+  return known != help_.end()
+             ? known->second
+             : help_[command] = joinLines(session_.run({"ostrevin-host " + command + " --help"}).at(0).printed);
 }
 
 std::vector<std::string> Names::missingPathsIn(const std::string& text) const {
@@ -169,28 +159,11 @@ std::vector<std::string> Names::missingPathsIn(const std::string& text) const {
     std::string path = (*match)[2];
     path.erase(path.find_last_not_of(".-") + 1);
     const std::string folder = path.substr(0, path.find('/'));
-    if (std::find(folders_.begin(), folders_.end(), folder) != folders_.end() && !isInProject(path)) {
+    if (std::find(folders_.begin(), folders_.end(), folder) != folders_.end() && !existsInProject(path)) {
       missing.push_back(path);
     }
   }
   return missing;
-}
-
-bool Names::isFileInProject(const std::string& path) const { return fs::is_regular_file(kProject / path); }
-
-bool Names::isInProject(const std::string& path) const {
-  if (fs::exists(kProject / path)) {
-    return true;
-  }
-  const fs::path full = kProject / path;
-  const std::string name = full.filename();
-  const std::size_t star = name.find('*');
-  const std::string beginning = star == std::string::npos ? name + "." : name.substr(0, star);
-  if (!fs::is_directory(full.parent_path())) {
-    return false;
-  }
-  return std::any_of(fs::directory_iterator(full.parent_path()), fs::directory_iterator(),
-                     [&](const auto& entry) { return entry.path().filename().string().starts_with(beginning); });
 }
 
 }  // namespace docs_test
