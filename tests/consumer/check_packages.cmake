@@ -1,4 +1,5 @@
-# Makes the packages in FOLDER, unpacks each, runs ostrevin-host from it and looks for the licences.
+# Makes the packages in FOLDER, unpacks each, runs ostrevin-host from it and looks for the licences; those of every
+# package that the .deb needs are in THIRD-PARTY.md.
 cmake_minimum_required(VERSION 3.25)
 
 file(REMOVE_RECURSE ${FOLDER})
@@ -41,4 +42,14 @@ if(DPKG_SHLIBDEPS)
   execute_process(COMMAND dpkg-deb -x ${package} ${FOLDER}/deb COMMAND_ERROR_IS_FATAL ANY)
   expect_it_runs(${FOLDER}/deb/usr/bin/ostrevin-host)
   expect_licences(${FOLDER}/deb/usr LICENSE THIRD-PARTY.md CHANGELOG.md copyright)
+  file(READ ${FOLDER}/deb/usr/share/doc/ostrevin/THIRD-PARTY.md third_parties)
+  execute_process(COMMAND dpkg-deb -f ${package} Depends OUTPUT_VARIABLE depends COMMAND_ERROR_IS_FATAL ANY)
+  string(REGEX MATCHALL "[a-z][a-z0-9.+-]+( [(]|,|\n)" depends "${depends}")
+  foreach(name IN LISTS depends)
+    string(REGEX REPLACE "[ (,\n]+$" "" name "${name}")
+    string(FIND "${third_parties}" "${name}" found)
+    if(found EQUAL -1)
+      message(FATAL_ERROR "The package needs ${name}, which THIRD-PARTY.md does not list")
+    endif()
+  endforeach()
 endif()
