@@ -71,6 +71,8 @@ int main(int, char** arguments) {
   lap("Foundation: first message");
   load({"libglib-2.0.so.0", "liblcms2.so.2", "libxcb-xrm.so.0", "libxcb-randr.so.0"});
   lap("loader: GLib, lcms2, xcb");
+  load({"libcolord.so.2"});
+  lap("loader: GIO, libcolord");
   load({OSTREVIN_PLATFORM_LIBRARY});
   lap("loader: libOstrevinPlatform");
   devhost::Host host;
@@ -78,8 +80,6 @@ int main(int, char** arguments) {
   lap("loader: libOstrevin, and its registration");
   const std::uint32_t display = firstDisplay();
   lap("X: connect, read");
-  load({"libcolord.so.2", OSTREVIN_COLORD_LIBRARY});
-  lap("loader: GIO, libcolord, libOstrevinColord");
   plugin.call("GetProfilePath", {display});
   lap("bus: connect, read colord's devices");
   ask(plugin, display);

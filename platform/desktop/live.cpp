@@ -1,6 +1,6 @@
 #include "desktop/live.h"
 
-#include "desktop/colord/colord_library.h"
+#include "desktop/colord/colord_devices.h"
 #include "desktop/icc/icc_folders.h"
 #include "desktop/x11/x11_displays.h"
 
@@ -19,7 +19,7 @@ class LiveDesktop final : public Desktop {
  private:
   IccFolders profiles_{installedProfileFolders()};
   X11Displays displays_;
-  ColordLibrary devices_{[this] { return displays_.arrangement(); }};
+  ColordDevices devices_{[this] { return displays_.arrangement(); }};
 };
 
 }  // namespace

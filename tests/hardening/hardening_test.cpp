@@ -94,14 +94,12 @@ TEST_P(HardenedFile, IsLoadedAtAnyAddress) {
 TEST_P(HardenedFile, ChecksItsStacks) { EXPECT_THAT(undefinedSymbolsOf(GetParam()), Contains("__stack_chk_fail")); }
 
 std::string nameOfFile(const testing::TestParamInfo<const char*>& info) {
-  static constexpr const char* kNames[] = {"Plugin", "Platform", "Colord", "Tool"};
+  static constexpr const char* kNames[] = {"Plugin", "Platform", "Tool"};
   return kNames[info.index];
 }
 
 INSTANTIATE_TEST_SUITE_P(Each, HardenedFile,
-                         testing::Values(OSTREVIN_LIBRARY, OSTREVIN_PLATFORM_LIBRARY, OSTREVIN_COLORD_LIBRARY,
-                                         OSTREVIN_HOST),
-                         nameOfFile);
+                         testing::Values(OSTREVIN_LIBRARY, OSTREVIN_PLATFORM_LIBRARY, OSTREVIN_HOST), nameOfFile);
 
 #ifndef OSTREVIN_SANITIZED  // sanitizers put their own checks around these functions
 TEST(Plugin, CopiesMemoryWithBoundsWhereTheCompilerKnowsThem) {

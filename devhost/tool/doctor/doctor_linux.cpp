@@ -89,9 +89,6 @@ Finding aboutXServer(const desktop::XServerReport& x) {
 
 Finding aboutColord(const desktop::ColordReport& colord) {
   switch (colord.state) {
-    case ColordState::kNoLibrary:
-      return missing(kColord, "libOstrevinColord.so, which talks to colord, is not beside libOstrevinPlatform.so",
-                     "cmake --build build/release, or install again");
     case ColordState::kNoBus:
       return missing(kColord, "the system bus cannot be reached, and so neither can colord, which keeps the profiles",
                      "systemctl start dbus");

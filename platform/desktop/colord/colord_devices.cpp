@@ -5,7 +5,6 @@
 #include <optional>
 
 #include "desktop/colord/colord_client.h"
-#include "desktop/colord/colord_factory.h"
 #include "desktop/colord/colord_matching.h"
 #include "desktop/colord/display_profile_file.h"
 #include "desktop/colord/glib_thread.h"
@@ -121,9 +120,3 @@ bool ColordDevices::assign(const Uuid& device, const std::string& profile_path) 
 }
 
 }  // namespace platform::desktop
-
-extern "C" PLATFORM_API platform::desktop::MakeColordDevices ostrevinMakeColordDevices;
-
-platform::desktop::DeviceProfiles* ostrevinMakeColordDevices(const platform::desktop::ArrangementSource& arrangement) {
-  return new platform::desktop::ColordDevices(arrangement);
-}

@@ -8,9 +8,11 @@
 #pragma once
 
 #include <chrono>
+#include <functional>
+#include <memory>
 #include <string>
 
-#include "desktop/model/device_profiles.h"
+#include "desktop/model/desktop.h"
 #include "desktop/model/export.h"
 
 namespace platform::desktop {
@@ -20,15 +22,18 @@ inline constexpr std::chrono::milliseconds kDeviceWalkLimit{5000};
 /// The longest that assign() takes altogether.
 inline constexpr std::chrono::milliseconds kAssignmentLimit{5000};
 
+/// Returns the present displays.
+using ArrangementSource = std::function<std::shared_ptr<const Arrangement>()>;
+
 /// Any thread may call any function, several at once.
-class PLATFORM_API ColordDevices final : public DeviceProfiles {
+class PLATFORM_API ColordDevices {
  public:
-  /// `arrangement` says which displays there are; called once in each visit() and assign(), on the caller's thread.
+  /// `arrangement` is called once in each visit() and assign(), on the caller's thread.
   explicit ColordDevices(ArrangementSource arrangement);
 
   /// Visits the entries display by display, in the arrangement's order. An entry's description is the device's model,
   /// else its vendor, else the connector; a profile without a file gives an entry without a path.
-  void visit(const DeviceProfileVisitor& visit) const override;
+  void visit(const DeviceProfileVisitor& visit) const;
 
   /// Makes the file the default profile of the display with this UUID. The file may lie anywhere, but must be a
   /// readable display profile; colord may refuse, too: who may change devices is a matter of its polkit rules, by
@@ -38,7 +43,7 @@ class PLATFORM_API ColordDevices final : public DeviceProfiles {
   /// kept in colord's database. The assignment lasts: colord remembers it, and a file outside colord's own directories
   /// is made known to a restarted colord again, at once while this process runs and has used colord, else by the next
   /// one that does. True when colord reports the file as the device's default afterwards.
-  bool assign(const Uuid& device, const std::string& profile_path) const override;
+  bool assign(const Uuid& device, const std::string& profile_path) const;
 
  private:
   ArrangementSource arrangement_;

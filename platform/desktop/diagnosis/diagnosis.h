@@ -44,7 +44,6 @@ PLATFORM_API XServerReport askXServer();
 // --- colord
 
 enum class ColordState {
-  kNoLibrary,     ///< what talks to colord is not beside this library, or does not load
   kNoBus,         ///< the system bus cannot be reached, or does not answer
   kNotInstalled,  ///< nobody on the bus is colord, and the bus cannot start it
   kSilent,        ///< it cannot be started, or does not answer

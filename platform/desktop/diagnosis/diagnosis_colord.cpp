@@ -4,7 +4,6 @@
 #include <memory>
 
 #include "desktop/colord/colord_client.h"
-#include "desktop/colord/colord_factory.h"
 #include "desktop/colord/colord_matching.h"
 #include "desktop/colord/glib_thread.h"
 #include "desktop/diagnosis/diagnosis.h"
@@ -82,12 +81,7 @@ struct Session {
 
 }  // namespace
 
-}  // namespace platform::desktop
-
-extern "C" PLATFORM_API platform::desktop::ReportOnColord ostrevinReportOnColord;
-
-platform::desktop::ColordReport* ostrevinReportOnColord(const std::vector<platform::desktop::Display>& displays) {
-  using namespace platform::desktop;
+ColordReport askColord(const std::vector<Display>& displays) {
   // Kept for the life of the process, as its thread is.
   static auto* const session = new Session;
   // Where time runs out although the bus has answered, it is colord that is silent.
@@ -95,15 +89,15 @@ platform::desktop::ColordReport* ostrevinReportOnColord(const std::vector<platfo
   const auto answer = session->thread.call<Answer>(kColordLimit, [bus_answers](const Operation& operation) {
     return ask(operation, session->client, *bus_answers);
   });
-  auto report = std::make_unique<ColordReport>();
   if (!answer) {
-    report->state = *bus_answers ? ColordState::kSilent : ColordState::kNoBus;
-    return report.release();
+    return {.state = *bus_answers ? ColordState::kSilent : ColordState::kNoBus};
   }
-  report->state = answer->state;
+  ColordReport report{.state = answer->state};
   if (answer->devices) {
-    report->devices = *answer->devices;
-    report->matches = matchDevices(displays, report->devices);
+    report.devices = *answer->devices;
+    report.matches = matchDevices(displays, report.devices);
   }
-  return report.release();
+  return report;
 }
+
+}  // namespace platform::desktop
