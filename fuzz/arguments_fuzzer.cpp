@@ -76,7 +76,6 @@ void checkValue(const Value& value, const DeclaredType& type, const std::string&
       return;
     }
     case Form::kString:
-    case Form::kText:
       require(value.text() == text, "a text is taken as it is");
       return;
     case Form::kObject:

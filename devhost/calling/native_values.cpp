@@ -20,8 +20,6 @@ Value fromHandle(Host& host, void* handle, const DeclaredType& type, Ownership o
   switch (factsOf(type.type).form) {
     case Form::kString:
       return takeOrBorrow<String>(host, handle, ownership, where);
-    case Form::kText:
-      return takeOrBorrow<Text>(host, handle, ownership, where);
     case Form::kObject:
       return takeOrBorrow<Object>(host, handle, ownership, where);
     default:
@@ -31,8 +29,7 @@ Value fromHandle(Host& host, void* handle, const DeclaredType& type, Ownership o
 
 bool isPointer(const DeclaredType& type) {
   const Form form = factsOf(type.type).form;
-  return type.is_array || form == Form::kString || form == Form::kText || form == Form::kObject ||
-         form == Form::kPointer;
+  return type.is_array || form == Form::kString || form == Form::kObject || form == Form::kPointer;
 }
 
 std::int64_t signExtended(std::uint64_t bits, std::size_t width) {
@@ -142,9 +139,6 @@ Counted* countedOf(const Value& value) {
   const Value::Storage& storage = value.storage();
   if (const auto* const string = std::get_if<Ref<String>>(&storage)) {
     return string->get();
-  }
-  if (const auto* const text = std::get_if<Ref<Text>>(&storage)) {
-    return text->get();
   }
   if (const auto* const object = std::get_if<Ref<Object>>(&storage)) {
     return object->get();

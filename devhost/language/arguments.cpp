@@ -89,7 +89,6 @@ Value parseArgument(const std::string& text, const DeclaredType& type) {
     case Form::kReal:
       return parseReal(text, facts);
     case Form::kString:
-    case Form::kText:
       return text;
     case Form::kObject:
       if (sameName(text, "nil")) {

@@ -6,30 +6,30 @@ namespace devhost {
 namespace {
 
 constexpr TypeFacts kFacts[] = {
-    {Type::kBoolean, Form::kBoolean, "Boolean", 1, 1},
-    {Type::kInteger, Form::kSigned, "Integer", 4, 8},
-    {Type::kUInteger, Form::kUnsigned, "UInteger", 4, 8},
-    {Type::kInt8, Form::kSigned, "Int8", 1, 1},
-    {Type::kInt16, Form::kSigned, "Int16", 2, 2},
-    {Type::kInt32, Form::kSigned, "Int32", 4, 4},
-    {Type::kInt64, Form::kSigned, "Int64", 8, 8},
-    {Type::kUInt8, Form::kUnsigned, "UInt8", 1, 1},
-    {Type::kUInt16, Form::kUnsigned, "UInt16", 2, 2},
-    {Type::kUInt32, Form::kUnsigned, "UInt32", 4, 4},
-    {Type::kUInt64, Form::kUnsigned, "UInt64", 8, 8},
-    {Type::kSingle, Form::kReal, "Single", 4, 4},
-    {Type::kDouble, Form::kReal, "Double", 8, 8},
-    {Type::kCurrency, Form::kSigned, "Currency", 8, 8},
-    {Type::kColor, Form::kUnsigned, "Color", 4, 4},
-    {Type::kString, Form::kString, "String", 8, 8},
-    {Type::kText, Form::kText, "Text", 8, 8},
-    {Type::kObject, Form::kObject, "Object", 8, 8},
-    {Type::kPtr, Form::kPointer, "Ptr", 8, 8},
-    {Type::kCString, Form::kPointer, "CString", 8, 8},
-    {Type::kWString, Form::kPointer, "WString", 8, 8},
-    {Type::kPString, Form::kPointer, "PString", 8, 8},
-    {Type::kCFStringRef, Form::kPointer, "CFStringRef", 8, 8},
-    {Type::kOSType, Form::kUnsigned, "OSType", 4, 4},
+    {Type::kBoolean, Form::kBoolean, "Boolean", 1},
+    {Type::kInteger, Form::kSigned, "Integer", 4},
+    {Type::kUInteger, Form::kUnsigned, "UInteger", 4},
+    {Type::kInt8, Form::kSigned, "Int8", 1},
+    {Type::kInt16, Form::kSigned, "Int16", 2},
+    {Type::kInt32, Form::kSigned, "Int32", 4},
+    {Type::kInt64, Form::kSigned, "Int64", 8},
+    {Type::kUInt8, Form::kUnsigned, "UInt8", 1},
+    {Type::kUInt16, Form::kUnsigned, "UInt16", 2},
+    {Type::kUInt32, Form::kUnsigned, "UInt32", 4},
+    {Type::kUInt64, Form::kUnsigned, "UInt64", 8},
+    {Type::kSingle, Form::kReal, "Single", 4},
+    {Type::kDouble, Form::kReal, "Double", 8},
+    {Type::kCurrency, Form::kSigned, "Currency", 8},
+    {Type::kColor, Form::kUnsigned, "Color", 4},
+    {Type::kString, Form::kString, "String", 8},
+    {Type::kText, Form::kPointer, "Text", 8},
+    {Type::kObject, Form::kObject, "Object", 8},
+    {Type::kPtr, Form::kPointer, "Ptr", 8},
+    {Type::kCString, Form::kPointer, "CString", 8},
+    {Type::kWString, Form::kPointer, "WString", 8},
+    {Type::kPString, Form::kPointer, "PString", 8},
+    {Type::kCFStringRef, Form::kPointer, "CFStringRef", 8},
+    {Type::kOSType, Form::kUnsigned, "OSType", 4},
 };
 
 char lower(char letter) { return letter >= 'A' && letter <= 'Z' ? static_cast<char>(letter - 'A' + 'a') : letter; }
@@ -47,18 +47,6 @@ std::optional<Type> findType(std::string_view name) {
     }
   }
   return std::nullopt;
-}
-
-std::optional<Type> elementTypeOfCode(std::uint32_t code) {
-  if (code < 1 || code > kElementTypes.size()) {
-    return std::nullopt;
-  }
-  return kElementTypes[code - 1];
-}
-
-std::uint32_t codeOfElementType(Type type) {
-  const auto* const found = std::find(kElementTypes.begin(), kElementTypes.end(), type);
-  return found == kElementTypes.end() ? 0 : static_cast<std::uint32_t>(found - kElementTypes.begin()) + 1;
 }
 
 bool sameName(std::string_view a, std::string_view b) {

@@ -3,7 +3,6 @@
 // Immutable data; any thread may use it.
 #pragma once
 
-#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <optional>
@@ -29,7 +28,7 @@ enum class Type {
   kCurrency,  ///< a signed 64-bit count of ten-thousandths
   kColor,     ///< an unsigned 32-bit number
   kString,
-  kText,
+  kText,    ///< a pointer for this host, which has strings only
   kObject,  ///< an instance of any class, Variant included
   kPtr,
   kCString,      ///< NUL-terminated bytes, borrowed
@@ -40,7 +39,7 @@ enum class Type {
 };
 
 /// In which form a value of a type is kept and passed.
-enum class Form { kBoolean, kSigned, kUnsigned, kReal, kString, kText, kObject, kPointer };
+enum class Form { kBoolean, kSigned, kUnsigned, kReal, kString, kObject, kPointer };
 
 /// What is known of a type.
 struct TypeFacts {
@@ -49,8 +48,6 @@ struct TypeFacts {
   const char* name;
   /// Bytes of a parameter, of a result, and of what a plugin writes through a by-reference parameter.
   std::size_t width;
-  /// Bytes of a variable of the host: of a property and of an array's element. Integer and UInteger are wider there.
-  std::size_t variable_width;
 };
 
 /// Facts of `type`; always present.
@@ -58,19 +55,6 @@ const TypeFacts& factsOf(Type type);
 
 /// The type of that name, letters' case aside; nothing when it is no built-in type, which makes it a class name.
 std::optional<Type> findType(std::string_view name);
-
-/// Type codes of array elements, as RuntimeArrayCreateSingleDimBoundedArray takes them, in the order of the codes
-/// from 1. Code 3, String, is the one that every plugin relies on; the others are this host's own numbers.
-inline constexpr std::array<Type, 18> kElementTypes = {
-    Type::kBoolean, Type::kInteger, Type::kString, Type::kUInteger, Type::kInt8,   Type::kInt16,
-    Type::kInt32,   Type::kInt64,   Type::kUInt8,  Type::kUInt16,   Type::kUInt32, Type::kUInt64,
-    Type::kSingle,  Type::kDouble,  Type::kColor,  Type::kCurrency, Type::kText,   Type::kObject,
-};
-
-/// The element type that a code stands for; nothing for any other code.
-std::optional<Type> elementTypeOfCode(std::uint32_t code);
-/// The code of an element type; 0 when there are no arrays of it.
-std::uint32_t codeOfElementType(Type type);
 
 /// Letters' case aside, as the host's language compares names. ASCII only.
 bool sameName(std::string_view a, std::string_view b);

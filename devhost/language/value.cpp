@@ -25,8 +25,8 @@ std::string shown(const Value& value);
   throw ValueError("expected " + expected + ", got " + shown(value));
 }
 
-Value convertNumber(const Value& value, const TypeFacts& facts, std::size_t width) {
-  const unsigned bits = static_cast<unsigned>(width) * 8;
+Value convertNumber(const Value& value, const TypeFacts& facts) {
+  const unsigned bits = static_cast<unsigned>(facts.width) * 8;
   if (facts.form == Form::kSigned) {
     const std::int64_t highest = std::numeric_limits<std::int64_t>::max() >> (64 - bits);
     const std::int64_t lowest = -highest - 1;
@@ -59,18 +59,17 @@ Value convertReal(const Value& value, const TypeFacts& facts) {
   return facts.type == Type::kSingle ? static_cast<double>(static_cast<float>(value.real())) : value.real();
 }
 
-Value convertText(Host& host, const Value& value, const TypeFacts& facts) {
-  const bool to_string = facts.form == Form::kString;
+Value convertText(Host& host, const Value& value) {
   if (value.isNil()) {
-    return to_string ? Value(Ref<String>()) : Value(Ref<Text>());
+    return Ref<String>();
   }
-  if ((to_string && as<Ref<String>>(value) != nullptr) || (!to_string && as<Ref<Text>>(value) != nullptr)) {
+  if (as<Ref<String>>(value) != nullptr) {
     return value;
   }
-  if (as<std::string>(value) == nullptr && as<Ref<String>>(value) == nullptr && as<Ref<Text>>(value) == nullptr) {
-    failConversion(value, std::string("a text (") + facts.name + ")");
+  if (as<std::string>(value) == nullptr) {
+    failConversion(value, "a text (String)");
   }
-  return to_string ? Value(host.makeString(value.text())) : Value(host.makeText(value.text()));
+  return host.makeString(value.text());
 }
 
 Value convertArray(const Value& value, const DeclaredType& type) {
@@ -84,18 +83,17 @@ Value convertArray(const Value& value, const DeclaredType& type) {
   return value;
 }
 
-Value convertSingle(Host& host, const Value& value, const TypeFacts& facts, std::size_t width) {
+Value convertSingle(Host& host, const Value& value, const TypeFacts& facts) {
   switch (facts.form) {
     case Form::kBoolean:
       return value.boolean();
     case Form::kSigned:
     case Form::kUnsigned:
-      return convertNumber(value, facts, width);
+      return convertNumber(value, facts);
     case Form::kReal:
       return convertReal(value, facts);
     case Form::kString:
-    case Form::kText:
-      return convertText(host, value, facts);
+      return convertText(host, value);
     case Form::kObject:
       return value.isNil() ? Value(Ref<Object>()) : Value(value.object());
     case Form::kPointer:
@@ -115,7 +113,6 @@ std::string shown(const Value& value) {
     std::string operator()(double number) const { return numberText(number); }
     std::string operator()(const std::string& text) const { return "\"" + text + "\""; }
     std::string operator()(const Ref<String>& text) const { return text ? "\"" + text->bytes() + "\"" : "nil"; }
-    std::string operator()(const Ref<Text>& text) const { return text ? "\"" + text->utf8() + "\"" : "nil"; }
     std::string operator()(const Ref<Object>& object) const { return object ? object->describe() : "nil"; }
     std::string operator()(const Ref<Array>& array) const {
       if (!array) {
@@ -138,9 +135,7 @@ std::string shown(const Value& value) {
   return std::visit(Shower{}, value.storage());
 }
 
-bool isText(const Value& value) {
-  return as<std::string>(value) != nullptr || as<Ref<String>>(value) != nullptr || as<Ref<Text>>(value) != nullptr;
-}
+bool isText(const Value& value) { return as<std::string>(value) != nullptr || as<Ref<String>>(value) != nullptr; }
 
 bool isWhole(const Value& value) { return as<std::int64_t>(value) != nullptr || as<std::uint64_t>(value) != nullptr; }
 
@@ -161,7 +156,6 @@ bool Value::isNil() const {
   struct Asker {
     bool operator()(std::nullptr_t) const { return true; }
     bool operator()(const Ref<String>& r) const { return !r; }
-    bool operator()(const Ref<Text>& r) const { return !r; }
     bool operator()(const Ref<Object>& r) const { return !r; }
     bool operator()(const Ref<Array>& r) const { return !r; }
     bool operator()(void* p) const { return p == nullptr; }
@@ -225,9 +219,6 @@ std::string Value::text() const {
   if (const auto* const string = as<Ref<String>>(*this)) {
     return *string ? (*string)->bytes() : std::string();
   }
-  if (const auto* const text = as<Ref<Text>>(*this)) {
-    return *text ? (*text)->utf8() : std::string();
-  }
   if (std::holds_alternative<std::nullptr_t>(storage_)) {
     return {};
   }
@@ -284,12 +275,7 @@ bool operator==(const Value& a, const Value& b) {
 std::ostream& operator<<(std::ostream& out, const Value& value) { return out << shown(value); }
 
 Value convertToArgument(Host& host, const Value& value, const DeclaredType& type) {
-  return type.is_array ? convertArray(value, type)
-                       : convertSingle(host, value, factsOf(type.type), factsOf(type.type).width);
-}
-
-Value convertToVariable(Host& host, const Value& value, Type type) {
-  return convertSingle(host, value, factsOf(type), factsOf(type).variable_width);
+  return type.is_array ? convertArray(value, type) : convertSingle(host, value, factsOf(type.type));
 }
 
 Value initialValue(Host& host, const DeclaredType& type) {
@@ -307,8 +293,6 @@ Value initialValue(Host& host, const DeclaredType& type) {
       return 0.0;
     case Form::kString:
       return host.makeString("");
-    case Form::kText:
-      return host.makeText("");
     case Form::kObject:
       return Ref<Object>();
     case Form::kPointer:

@@ -1,4 +1,4 @@
-// Value: any value of the host's language, for arguments and results of calls, properties, elements and variants.
+// Value: any value of the host's language, for arguments and results of calls, and elements of arrays.
 //
 // Numbers, truth values, text and handles convert to a Value by themselves, so that a call reads like one in the host's
 // language: plugin.call("GetName", {1, "before"}). One thread at a time.
@@ -20,7 +20,6 @@
 namespace devhost {
 
 class String;
-class Text;
 class Object;
 class Array;
 
@@ -40,7 +39,7 @@ class Value {
  public:
   /// std::monostate is nothing at all, such as the result of a method without one; nullptr is nil of any handle type.
   using Storage = std::variant<std::monostate, std::nullptr_t, bool, std::int64_t, std::uint64_t, double, std::string,
-                               Ref<String>, Ref<Text>, Ref<Object>, Ref<Array>, void*, RawSlot>;
+                               Ref<String>, Ref<Object>, Ref<Array>, void*, RawSlot>;
 
   Value() = default;
   Value(std::nullptr_t) : storage_(nullptr) {}
@@ -58,7 +57,6 @@ class Value {
   Value(std::string text) : storage_(std::move(text)) {}
   Value(std::string_view text) : storage_(std::string(text)) {}
   Value(Ref<String> value) : storage_(std::move(value)) {}
-  Value(Ref<Text> value) : storage_(std::move(value)) {}
   Value(Ref<Object> value) : storage_(std::move(value)) {}
   Value(Ref<Array> value) : storage_(std::move(value)) {}
   Value(RawSlot value) : storage_(value) {}
@@ -80,13 +78,13 @@ class Value {
   std::int64_t integer() const;          ///< also of an unsigned number that fits
   std::uint64_t unsignedNumber() const;  ///< also of a signed number that fits
   double real() const;                   ///< also of a whole number
-  std::string text() const;              ///< the bytes of a string or text; empty for nil
+  std::string text() const;              ///< the bytes of a string; empty for nil
   Ref<String> string() const;
   Ref<Object> object() const;
   Ref<Array> array() const;
   void* pointer() const;
 
-  /// Numbers by value, strings and texts by their bytes, objects and arrays by identity.
+  /// Numbers by value, strings by their bytes, objects and arrays by identity.
   friend bool operator==(const Value& a, const Value& b);
   /// As a person reads it: True, -3, 0.5, "text", nil, ["a", "b"]. Bytes of a text are put out as they are.
   friend std::ostream& operator<<(std::ostream& out, const Value& value);
@@ -102,9 +100,6 @@ class Host;
 /// `value` in exactly the form that an argument or result of `type` has; texts become strings of the host. Throws
 /// ValueError that says what the type admits.
 Value convertToArgument(Host& host, const Value& value, const DeclaredType& type);
-/// The same for the host's variables: properties, elements, variants. Integer and UInteger have 64 bits there.
-Value convertToVariable(Host& host, const Value& value, Type type);
-
 /// The zero, empty text or nil that a variable of the type begins with.
 Value initialValue(Host& host, const DeclaredType& type);
 

@@ -25,18 +25,6 @@ bool Array::insert(std::int64_t index, Value value) {
   return true;
 }
 
-bool Array::set(std::int64_t index, Value value) {
-  if (index < 0 || index > upperBound()) {
-    return false;
-  }
-  elements_[static_cast<std::size_t>(index)] = std::move(value);
-  return true;
-}
-
-const Value* Array::get(std::int64_t index) const {
-  return index < 0 || index > upperBound() ? nullptr : &elements_[static_cast<std::size_t>(index)];
-}
-
 std::string Array::describe() const {
   return std::string("array of ") + factsOf(element_type_).name + " (" + std::to_string(elements_.size()) +
          " elements)";

@@ -19,14 +19,11 @@ class Array final : public Counted {
   Type elementType() const { return element_type_; }
   const Values& elements() const { return elements_; }
   std::int64_t upperBound() const { return static_cast<std::int64_t>(elements_.size()) - 1; }
-  /// The elements' texts, for arrays of strings and texts. Throws ValueError for others.
+  /// The elements' bytes. Throws ValueError for elements other than strings.
   std::vector<std::string> texts() const;
 
-  // Each of these is false, and nothing happens, for an index outside the array; insertion at the end is inside.
+  /// False, and nothing changes, for a negative index and one beyond the end.
   bool insert(std::int64_t index, Value value);
-  bool set(std::int64_t index, Value value);
-  /// Null for an index outside the array. Borrowed; valid until the array changes.
-  const Value* get(std::int64_t index) const;
 
   std::string describe() const override;
 

@@ -40,8 +40,6 @@ const char* nameOf(Counted::Kind kind) {
   switch (kind) {
     case Counted::Kind::kString:
       return "string";
-    case Counted::Kind::kText:
-      return "text";
     case Counted::Kind::kObject:
       return "object";
     case Counted::Kind::kArray:

@@ -1,4 +1,4 @@
-// Handles: what a plugin holds of the host. Each is the address of a counted thing (string, text, object or array),
+// Handles: what a plugin holds of the host. Each is the address of a counted thing (string, object or array),
 // which the plugin never looks inside.
 //
 // Two counts are kept apart: references of the host itself (Ref) and references that the plugin was given and has
@@ -21,7 +21,7 @@ class Handles;
 /// What a handle stands for. Deleted when the last reference goes.
 class Counted {
  public:
-  enum class Kind { kString, kText, kObject, kArray };
+  enum class Kind { kString, kObject, kArray };
 
   Counted(std::shared_ptr<Handles> handles, Kind kind);
   Counted(const Counted&) = delete;

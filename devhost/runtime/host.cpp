@@ -25,7 +25,7 @@ std::vector<std::string> describeHeld(const Handles& handles, bool strings_only)
 
 }  // namespace
 
-Host::Host() : previous_(std::exchange(current_host, this)) { addAllEntries(*this); }
+Host::Host() : previous_(std::exchange(current_host, this)) { addEntries(*this); }
 
 Host::~Host() {
   handles_->dropAllPluginReferences();
@@ -44,23 +44,15 @@ Ref<String> Host::makeString(std::string bytes, std::uint32_t encoding) {
   return Ref<String>(new String(handles_, std::move(bytes), encoding));
 }
 
-Ref<Text> Host::makeText(std::string utf8) { return Ref<Text>(new Text(handles_, std::move(utf8))); }
-
 Ref<Object> Host::makeObject(std::string class_name) {
   return Ref<Object>(new Object(*this, handles_, std::move(class_name)));
-}
-
-Ref<Object> Host::makeVariant(Type type, const Value& value) {
-  Ref<Object> variant = makeObject(kVariantClass);
-  variant->addProperty(kVariantProperty, type, value);
-  return variant;
 }
 
 Ref<Array> Host::makeArray(Type element_type, const Values& elements) {
   Values converted;
   converted.reserve(elements.size());
   for (const Value& element : elements) {
-    converted.push_back(convertToVariable(*this, element, element_type));
+    converted.push_back(convertToArgument(*this, element, {element_type, {}, false}));
   }
   return Ref<Array>(new Array(handles_, element_type, std::move(converted)));
 }

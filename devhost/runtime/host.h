@@ -29,7 +29,6 @@
 #include "devhost/entries/entry_table.h"
 #include "devhost/language/value.h"
 #include "devhost/runtime/arrays.h"
-#include "devhost/runtime/classes.h"
 #include "devhost/runtime/global_methods.h"
 #include "devhost/runtime/handles.h"
 #include "devhost/runtime/objects.h"
@@ -44,14 +43,6 @@ using Resolver = void* (*)(const char* name);
 struct Registration {
   std::vector<std::int64_t> announced_versions;
   std::vector<const void*> module_records;
-};
-
-/// The state of the host that plugins can ask for; whoever plays the host sets it.
-struct RuntimeState {
-  bool runs_program = true;  ///< a program of the host runs, as against being edited
-  bool debugs = false;       ///< it runs under the debugger
-  double version = 1.0;
-  int yields = 0;  ///< how often plugins gave the host time
 };
 
 /// A method of an object, as a plugin asked for it.
@@ -76,21 +67,16 @@ class Host {
 
   EntryTable& entries() { return entries_; }
   GlobalMethods& globalMethods() { return global_methods_; }
-  Classes& classes() { return classes_; }
-  RuntimeState& runtime() { return runtime_; }
 
   /// Loads a plugin and lets it register. Throws PluginError. A plugin stays loaded for the life of the process.
   Plugin load(const std::string& path);
 
   Ref<String> makeString(std::string bytes, std::uint32_t encoding = kUtf8Encoding);
-  Ref<Text> makeText(std::string utf8);
-  Ref<Object> makeObject(std::string class_name = kBaseClass);
-  /// A Variant object. Throws ValueError when the value is not of the type.
-  Ref<Object> makeVariant(Type type, const Value& value);
+  Ref<Object> makeObject(std::string class_name = "Object");
   /// Throws ValueError when an element is not of the type.
   Ref<Array> makeArray(Type element_type, const Values& elements = {});
 
-  /// One line for each reference that a plugin holds and should not: a string, text, object or array that it was given
+  /// One line for each reference that a plugin holds and should not: a string, object or array that it was given
   /// or built and neither released nor handed to the host. The host takes over what it gets as a result, through a
   /// by-reference parameter, as an element of an array and as an argument of an object's method.
   std::vector<std::string> unreleased() const;
@@ -117,8 +103,6 @@ class Host {
   std::shared_ptr<Handles> handles_ = std::make_shared<Handles>();
   EntryTable entries_;
   GlobalMethods global_methods_;
-  Classes classes_;
-  RuntimeState runtime_;
   Registration registration_;
   std::vector<MethodLookup> method_lookups_;
   std::exception_ptr held_exception_;

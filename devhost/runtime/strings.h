@@ -1,4 +1,4 @@
-// Host strings and host texts: counted, immutable but for a string's encoding. One thread at a time.
+// Host strings: immutable bytes with an encoding. One thread at a time.
 #pragma once
 
 #include <cstdint>
@@ -19,28 +19,11 @@ class String final : public Counted {
 
   const std::string& bytes() const { return bytes_; }
   std::uint32_t encoding() const { return encoding_; }
-  void setEncoding(std::uint32_t encoding) { encoding_ = encoding; }
-  /// A length byte and at most 255 bytes; valid while the string lives.
-  const unsigned char* pascalBytes();
   std::string describe() const override;
 
  private:
   std::string bytes_;
-  std::string pascal_;
   std::uint32_t encoding_;
-};
-
-/// UTF-8 text. What plugins hold as RuntimeText*.
-class Text final : public Counted {
- public:
-  static constexpr Kind kKind = Kind::kText;
-  Text(std::shared_ptr<Handles> handles, std::string utf8);
-
-  const std::string& utf8() const { return utf8_; }
-  std::string describe() const override;
-
- private:
-  std::string utf8_;
 };
 
 }  // namespace devhost

@@ -17,8 +17,7 @@ constexpr const char* kSetProfile = "SetProfile";
 
 /// A text bare, everything else as a Value is shown.
 std::string shown(const Value& value) {
-  const Value::Storage& storage = value.storage();
-  if (std::holds_alternative<Ref<String>>(storage) || std::holds_alternative<Ref<Text>>(storage)) {
+  if (std::holds_alternative<Ref<String>>(value.storage())) {
     return value.isNil() ? "nil" : printable(value.text());
   }
   std::ostringstream text;

@@ -15,7 +15,6 @@ struct Converter {
   Json operator()(double number) const { return number; }  // written as null when it is no finite number
   Json operator()(const std::string& text) const { return text; }
   Json operator()(const Ref<String>& text) const { return text ? Json(text->bytes()) : Json(nullptr); }
-  Json operator()(const Ref<Text>& text) const { return text ? Json(text->utf8()) : Json(nullptr); }
   Json operator()(const Ref<Array>& array) const {
     if (!array) {
       return nullptr;

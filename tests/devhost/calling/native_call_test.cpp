@@ -134,13 +134,14 @@ TEST_F(NativeCallTest, ArraysComeAndGo) {
   EXPECT_THAT(result.result.array()->texts(), ElementsAre("one", "two", "three"));
   EXPECT_EQ(result.result.array()->upperBound(), 2);
   EXPECT_EQ(plugin_.call("Words", {""}).result.array()->upperBound(), -1);
-  EXPECT_EQ(plugin_.call("Sum", {host_.makeArray(Type::kInt64, {1, 2, -4})}).result, -1);
+  EXPECT_EQ(plugin_.call("IsNil", {result.result}).result, false);
+  EXPECT_EQ(plugin_.call("IsNil", {nullptr}).result, true);
   EXPECT_THAT(host_.unreleased(), IsEmpty());
   EXPECT_THAT(host_.faults(), IsEmpty());
 }
 
 TEST_F(NativeCallTest, AnArrayOfOtherElementsIsRefused) {
-  EXPECT_THAT(errorOf("Sum", {host_.makeArray(Type::kInt32)}),
+  EXPECT_THAT(errorOf("IsNilNumbers", {host_.makeArray(Type::kString)}),
               HasSubstr("argument numbers: expected an array (Int64())"));
 }
 

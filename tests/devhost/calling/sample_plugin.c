@@ -84,16 +84,7 @@ static Array* words(String* text) {
   return array;
 }
 
-static int64_t sum(Array* numbers) {
-  const int64_t last = ((int64_t(*)(Array*))resolver("RuntimeUBound"))(numbers);
-  int64_t (*get)(Array*, int64_t) =
-      (int64_t(*)(Array*, int64_t))((void* (*)(Array*))resolver("PluginInt64ArrayGetProc"))(numbers);
-  int64_t total = 0;
-  for (int64_t i = 0; get != NULL && i <= last; ++i) {
-    total += get(numbers, i);
-  }
-  return total;
-}
+static uint8_t isNil(Array* words) { return words == NULL; }
 
 struct Row {
   void* function;
@@ -130,7 +121,8 @@ static struct Row rows[] = {
     ROW(listen, "Listen( obj as Object )"),
     ROW(tell, "Tell(times As Integer) As Integer"),
     ROW(words, "Words(text As String) As String()"),
-    ROW(sum, "Sum(numbers() As Int64) As Int64"),
+    ROW(isNil, "IsNil(words() As String) As Boolean"),
+    ROW(isNil, "IsNilNumbers(numbers() As Int64) As Boolean"),
 };
 
 static struct {

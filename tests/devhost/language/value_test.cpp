@@ -28,7 +28,6 @@ TEST(Value, NumbersCompareByValueWhateverTheirType) {
 TEST(Value, TextsCompareByTheirBytes) {
   Host host;
   EXPECT_EQ(Value(host.makeString("a")), Value("a"));
-  EXPECT_EQ(Value(host.makeText("a")), Value(host.makeString("a")));
   EXPECT_FALSE(Value("a") == Value("b"));
   EXPECT_FALSE(Value(host.makeString("")) == Value(nullptr));
   EXPECT_EQ(Value(Ref<String>()), Value(nullptr));
@@ -89,34 +88,6 @@ INSTANTIATE_TEST_SUITE_P(Types, BoundsTest,
                                            Bounds{Type::kUInt32, 0, 4294967295U},
                                            Bounds{Type::kInteger, -2147483648LL, 2147483647},
                                            Bounds{Type::kUInteger, 0, 4294967295U}));
-
-TEST(Variables, OfTypeIntegerHave64Bits) {
-  Host host;
-  EXPECT_EQ(convertToVariable(host, INT64_MIN, Type::kInteger), Value(INT64_MIN));
-  EXPECT_EQ(convertToVariable(host, UINT64_MAX, Type::kUInteger), Value(UINT64_MAX));
-}
-
-TEST(Arrays, RefuseIndicesOutside) {
-  Host host;
-  const Ref<Array> array = host.makeArray(Type::kInt32, {1});
-  EXPECT_FALSE(array->insert(-1, 0));
-  EXPECT_FALSE(array->insert(2, 0));
-  EXPECT_TRUE(array->insert(1, 2));
-  EXPECT_TRUE(array->insert(0, 0));
-  EXPECT_FALSE(array->set(3, 9));
-  EXPECT_EQ(array->get(3), nullptr);
-  EXPECT_EQ(shown(array), "[0, 1, 2]");
-}
-
-TEST(Arrays, ElementTypesHaveCodesAndStringsHaveCode3) {
-  EXPECT_EQ(elementTypeOfCode(3), Type::kString);
-  EXPECT_EQ(elementTypeOfCode(0), std::nullopt);
-  EXPECT_EQ(elementTypeOfCode(19), std::nullopt);
-  for (std::uint32_t code = 1; code <= 18; ++code) {
-    EXPECT_EQ(codeOfElementType(*elementTypeOfCode(code)), code);
-  }
-  EXPECT_EQ(codeOfElementType(Type::kPtr), 0U);
-}
 
 }  // namespace
 }  // namespace devhost

@@ -122,11 +122,11 @@ TEST(Handles, WhatAPluginStillHoldsGoesWithTheHost) {
 TEST(Handles, ReportsStringsApartFromOtherValues) {
   Host host;
   const Ref<String> string = host.makeString("text");
-  const Ref<Array> array = host.makeArray(Type::kInt16, {1});
+  const Ref<Array> array = host.makeArray(Type::kString, {"a"});
   string->addPluginReference();
   array->addPluginReference();
   EXPECT_THAT(host.unreleasedStrings(), ElementsAre("string \"text\" (4 bytes)"));
-  EXPECT_THAT(host.unreleased(), ElementsAre("array of Int16 (1 elements)", "string \"text\" (4 bytes)"));
+  EXPECT_THAT(host.unreleased(), ElementsAre("array of String (1 elements)", "string \"text\" (4 bytes)"));
 }
 
 }  // namespace
