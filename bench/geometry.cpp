@@ -1,8 +1,4 @@
-// The geometry methods through their rows, and the same framework calls made directly. Every method is asked about the
-// last display, the longest way to search.
-//
-// The plugin keeps a heap buffer for each call of GetIndex and DisplayIDForWindow, which is a part of what those do.
-// Each is also beside a twin that does the same, so that this part can be told from the rest.
+// The geometry methods beside the same framework calls. Every method is asked for the last display, the longest search.
 #include <algorithm>
 #include <memory>
 #include <stdexcept>
@@ -11,121 +7,110 @@
 
 #include "desktop/current.h"
 #include "desktop/script/scripted.h"
-#include "desktop/x11/x11_round_trips.h"
-#include "direct_screens.h"
+#include "direct_calls.h"
 #include "groups.h"
-#include "plugin_rows.h"
+#include "plugin_methods.h"
 
 namespace bench {
 namespace {
 
-using platform::desktop::x11RoundTrips;
-
-/// The greatest ratio that leaves the plugin 15 % on top of the calls themselves.
+/// Leaves the plugin 15 % on top of the calls themselves.
 constexpr double kBar = 1.15;
-
-constexpr int kMany = 64;
-constexpr int kColumns = 8;
-constexpr int kWidth = 400;
-constexpr int kHeight = 225;
-
-CGDirectDisplayID lastDisplay(std::size_t expected) {
-  std::vector<CGDirectDisplayID> displays(expected + 1);
-  uint32_t count = 0;
-  CGGetActiveDisplayList(static_cast<uint32_t>(displays.size()), displays.data(), &count);
-  if (count != expected) {
-    throw std::runtime_error("there are " + std::to_string(count) + " displays");
-  }
-  return displays[count - 1];
-}
+constexpr long kMostWithBar = 64;
 
 constexpr const char* kDirectly = "the same framework calls";
 constexpr const char* kKeeping = "the same calls and a heap buffer kept";
 
-void compareRectangles(Suite& suite, CGDirectDisplayID display, double bar, Batches batches) {
-  auto* const get_rect =
-      PluginRows::instance().method<void(uint32_t, int32_t*, int32_t*, int32_t*, int32_t*)>("GetRect");
-  auto* const get_cg_rect =
-      PluginRows::instance().method<void(uint32_t, double*, double*, double*, double*)>("GetCGRect");
-  const auto direct = [=] { keep(directBounds(display)); };
-  suite.compare(
-      {"GetRect", kDirectly, bar},
+/// What a pair is about.
+struct Last {
+  CGDirectDisplayID display = 0;
+  uint32_t index = 0;
+  Batches batches;
+};
+
+void expectEqual(uint32_t actual, uint32_t expected) {
+  if (actual != expected) {
+    throw std::runtime_error(std::to_string(actual) + " instead of " + std::to_string(expected));
+  }
+}
+
+Last lastOf(long displays) {
+  std::vector<CGDirectDisplayID> active(static_cast<std::size_t>(displays) + 1);
+  uint32_t count = 0;
+  CGGetActiveDisplayList(static_cast<uint32_t>(active.size()), active.data(), &count);
+  expectEqual(count, static_cast<uint32_t>(displays));
+  Last last{.display = active[count - 1], .index = count - 1, .batches = {}};
+  if (displays > kMostWithBar) {
+    // The buffers that the plugin keeps are large here: fewer calls.
+    last.batches = {.rounds = 101, .calls = static_cast<int>(std::clamp(10000 / displays, 1L, 100L))};
+  }
+  return last;
+}
+
+Pair indexPair(const Last& last, uint32_t (*direct)(CGDirectDisplayID)) {
+  auto* const get_index = pluginMethod<uint32_t(uint32_t)>("GetIndex");
+  const CGDirectDisplayID display = last.display;
+  expectEqual(get_index(display), last.index);
+  expectEqual(direct(display), last.index);
+  return pairOf([=] { keep(get_index(display)); }, [=] { keep(direct(display)); }, last.batches);
+}
+
+template <typename Number>
+Pair rectPair(const Last& last, const char* method) {
+  auto* const get_rect = pluginMethod<void(uint32_t, Number*, Number*, Number*, Number*)>(method);
+  const CGDirectDisplayID display = last.display;
+  return pairOf(
       [=] {
-        int32_t edges[4];
-        get_rect(display, &edges[0], &edges[1], &edges[2], &edges[3]);
-        keep(edges);
-      },
-      direct, batches);
-  suite.compare(
-      {"GetCGRect", kDirectly, bar},
-      [=] {
-        double rect[4];
-        get_cg_rect(display, &rect[0], &rect[1], &rect[2], &rect[3]);
+        Number rect[4];
+        get_rect(display, &rect[0], &rect[1], &rect[2], &rect[3]);
         keep(rect);
       },
-      direct, batches);
+      [=] { keep(directBounds(display)); }, last.batches);
 }
 
-void compareIndex(Suite& suite, CGDirectDisplayID display, std::size_t displays, double bar, Batches batches) {
-  auto* const get_index = PluginRows::instance().method<uint32_t(uint32_t)>("GetIndex");
-  if (get_index(display) != displays - 1 || directIndex(display) != displays - 1 ||
-      directIndexKeepingBuffer(display) != displays - 1) {
-    throw std::runtime_error("the display is not the last one");
-  }
-  const auto index = [=] { keep(get_index(display)); };
-  suite.compare(
-      {"GetIndex", kDirectly, bar}, index, [=] { keep(directIndex(display)); }, batches);
-  suite.compare(
-      {"GetIndex", kKeeping, bar}, index, [=] { keep(directIndexKeepingBuffer(display)); }, batches);
+Pair scalePair(const Last& last) {
+  auto* const get_scale = pluginMethod<double(uint32_t)>("GetScale");
+  const CGDirectDisplayID display = last.display;
+  return pairOf([=] { keep(get_scale(display)); }, [=] { keep(directScale(display)); }, last.batches);
 }
 
-void compareScale(Suite& suite, CGDirectDisplayID display, double bar, Batches batches) {
-  auto* const get_scale = PluginRows::instance().method<double(uint32_t)>("GetScale");
-  suite.compare(
-      {"GetScale", kDirectly, bar}, [=] { keep(get_scale(display)); }, [=] { keep(directScale(display)); }, batches);
-}
-
-void compareWindows(Suite& suite, CGDirectDisplayID display, double bar, Batches batches) {
-  auto* const under = PluginRows::instance().method<uint32_t(int32_t, int32_t, int32_t, int32_t)>("DisplayIDForWindow");
-  const CGRect bounds = CGDisplayBounds(display);
+Pair windowPair(const Last& last, CGDirectDisplayID (*direct)(CGRect)) {
+  auto* const under = pluginMethod<uint32_t(int32_t, int32_t, int32_t, int32_t)>("DisplayIDForWindow");
+  const CGRect bounds = CGDisplayBounds(last.display);
   const auto left = static_cast<int32_t>(bounds.origin.x) + 1;
   const auto top = static_cast<int32_t>(bounds.origin.y) + 1;
   const CGRect rect = CGRectMake(left, top + 10, 10, 10);
-  if (under(left, top, 10, 10) != display || directDisplayUnder(rect) != display) {
-    throw std::runtime_error("the display is not the one under the window");
-  }
-  const auto plugin = [=] { keep(under(left, top, 10, 10)); };
-  suite.compare(
-      {"DisplayIDForWindow", kDirectly, bar}, plugin, [=] { keep(directDisplayUnder(rect)); }, batches);
-  suite.compare(
-      {"DisplayIDForWindow", kKeeping, bar}, plugin, [=] { keep(directDisplayUnderKeepingBuffer(rect)); }, batches);
+  expectEqual(under(left, top, 10, 10), last.display);
+  expectEqual(direct(rect), last.display);
+  return pairOf([=] { keep(under(left, top, 10, 10)); }, [=] { keep(direct(rect)); }, last.batches);
 }
 
-void compareAll(Suite& suite, const std::string& group, std::size_t displays, double bar, Batches batches = {}) {
-  suite.begin(group, static_cast<long>(displays));
-  const CGDirectDisplayID display = lastDisplay(displays);
-  compareIndex(suite, display, displays, bar, batches);
-  compareRectangles(suite, display, bar, batches);
-  compareScale(suite, display, bar, batches);
-  compareWindows(suite, display, bar, batches);
+/// The rows for one desktop. `use` makes it the desktop in use.
+void addRows(const Suite& suite, long displays, const char* what, const std::function<void()>& use) {
+  const auto add = [&](const char* method, const char* twin, std::function<Pair(const Last&)> make_pair) {
+    suite.add({method, displays, what, twin, displays <= kMostWithBar ? kBar : 0}, [=] {
+      use();
+      return make_pair(lastOf(displays));
+    });
+  };
+  add("GetIndex", kDirectly, [](const Last& last) { return indexPair(last, directIndex); });
+  add("GetIndex", kKeeping, [](const Last& last) { return indexPair(last, directIndexKeepingBuffer); });
+  add("GetRect", kDirectly, [](const Last& last) { return rectPair<int32_t>(last, "GetRect"); });
+  add("GetCGRect", kDirectly, [](const Last& last) { return rectPair<double>(last, "GetCGRect"); });
+  add("GetScale", kDirectly, scalePair);
+  add("DisplayIDForWindow", kDirectly, [](const Last& last) { return windowPair(last, directDisplayUnder); });
+  add("DisplayIDForWindow", kKeeping,
+      [](const Last& last) { return windowPair(last, directDisplayUnderKeepingBuffer); });
 }
 
-void compareOnServer(Suite& suite, std::size_t displays) {
-  lastDisplay(displays);  // the first reading
-  const auto round_trips = x11RoundTrips();
-  compareAll(suite, "Geometry, live desktop", displays, kBar);
-  suite.note("Round trips to the X server while the geometry of " + std::to_string(displays) +
-             " live displays was asked for: " + std::to_string(x11RoundTrips() - round_trips) + ".");
-}
-/// The first `count` places of a grid. Screens are as the displays are.
+/// A grid. Screens are as the displays are.
 void useScriptedDesktop(long count) {
   platform::desktop::Script script;
   for (long i = 0; i < count; ++i) {
     platform::desktop::Display display;
     display.number = static_cast<uint32_t>(i + 1);
-    const auto column = static_cast<double>(i % kColumns);
-    const auto row = static_cast<double>(i / kColumns);
-    display.bounds = {column * kWidth, row * kHeight, kWidth, kHeight};
+    display.bounds = {static_cast<double>(i % kGridColumns) * kGridWidth,
+                      static_cast<double>(i / kGridColumns) * kGridHeight, kGridWidth, kGridHeight};
     script.arrangement.displays.push_back(display);
     script.arrangement.screens.push_back({display.bounds, 2});
   }
@@ -133,45 +118,15 @@ void useScriptedDesktop(long count) {
   platform::desktop::setCurrent(std::make_shared<platform::desktop::ScriptedDesktop>(script));
 }
 
-void makeManyMonitors(test_support::XorgServer& server) {
-  server.off("DUMMY1");
-  server.off("DUMMY2");
-  server.setMode("DUMMY0", kColumns * kWidth, kMany / kColumns * kHeight, 0, 0);
-  for (int i = 0; i < kMany; ++i) {
-    const std::string area = std::to_string(kWidth) + "/100x" + std::to_string(kHeight) + "/60+" +
-                             std::to_string(kWidth * (i % kColumns)) + "+" + std::to_string(kHeight * (i / kColumns));
-    server.setMonitor("part-" + std::to_string(i), area, i == 0 ? "DUMMY0" : "none");
-  }
-}
-
 }  // namespace
 
-void measureLiveGeometry(Suite& suite, test_support::XorgServer& server) {
-  platform::desktop::setCurrent(nullptr);
-  compareOnServer(suite, 3);
-  if (!suite.isQuick()) {
-    makeManyMonitors(server);
-    compareOnServer(suite, kMany);
+void addGeometry(const Suite& suite, LiveDesktop& live) {
+  for (const long displays : suite.sizes({3, 64})) {
+    addRows(suite, displays, "live displays", [&live, displays] { live.use(displays); });
   }
-  platform::desktop::setCurrent(nullptr);
-}
-
-void measureScriptedGeometry(Suite& suite) {
-  for (const long displays : {3, kMany}) {
-    useScriptedDesktop(displays);
-    compareAll(suite, "Geometry, scripted desktop", static_cast<std::size_t>(displays), kBar);
+  for (const long displays : suite.sizes({3, 10, 64, 100, 1000, 10000})) {
+    addRows(suite, displays, "scripted displays", [displays] { useScriptedDesktop(displays); });
   }
-  platform::desktop::setCurrent(nullptr);
-}
-
-void measureDisplayGrowth(Suite& suite) {
-  for (const long displays : suite.sizes({10, 100, 1000, 10000})) {
-    useScriptedDesktop(displays);
-    // The buffers that are kept are large here: fewer calls.
-    const Batches batches{.rounds = 101, .calls = static_cast<int>(std::clamp(10000 / displays, 1L, 100L))};
-    compareAll(suite, kDisplayGrowth, static_cast<std::size_t>(displays), 0, batches);
-  }
-  platform::desktop::setCurrent(nullptr);
 }
 
 }  // namespace bench

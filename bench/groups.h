@@ -1,6 +1,7 @@
-// The groups of pairs. Each measures with what it sets up itself, and leaves nothing behind.
+// The groups of rows, and the live desktop that some of them share.
 #pragma once
 
+#include <memory>
 #include <string>
 
 #include "suite.h"
@@ -9,37 +10,54 @@
 
 namespace bench {
 
-/// Groups that tell how costs grow, with the number of displays and of profile files. Plotted.
-inline constexpr const char* kDisplayGrowth = "Growth with displays, scripted desktop";
-inline constexpr const char* kProfileLists = "Lists of installed profiles";
-inline constexpr const char* kDisplayProfiles = "Lists of a display's profiles, scripted desktop";
-
-/// The name of the live desktop's first display.
+inline constexpr const char* kProfile = "/usr/share/color/icc/colord/AdobeRGB1998.icc";
+/// The name of the live desktop's first display, and of every named scripted one.
 inline constexpr const char* kMonitorName = "DELL U2412M";
+/// Displays of a grid, live or scripted, in points.
+inline constexpr int kGridColumns = 8;
+inline constexpr int kGridWidth = 400;
+inline constexpr int kGridHeight = 225;
 
-/// Methods that are about displays, on private X servers and on scripted desktops.
-void measureLiveGeometry(Suite& suite, test_support::XorgServer& server);
-void measureScriptedGeometry(Suite& suite);
-void measureDisplayGrowth(Suite& suite);
+/// An X server and a colord of the benchmark's own: three displays with kProfile. The servers start with the
+/// first use and end with the object.
+class LiveDesktop {
+ public:
+  LiveDesktop();
+  ~LiveDesktop();
+  LiveDesktop(const LiveDesktop&) = delete;
+  LiveDesktop& operator=(const LiveDesktop&) = delete;
 
-/// Names and profiles of displays; the live ones on a private X server with a private colord.
-void measureLiveIdentity(Suite& suite, test_support::XorgServer& server, test_support::PrivateColord& colord);
-void measureNameGrowth(Suite& suite);
+  /// Makes this the desktop in use, with the three displays or, for good, with another number in a grid.
+  void use(long displays);
 
-/// Lists of installed profiles and tags, beside lcms2.
-void measureProfileLists(Suite& suite);
-void measureDisplayProfiles(Suite& suite);
-void measureTags(Suite& suite);
-void measureDocuments(Suite& suite);
+  /// For these, the desktop is in use.
+  test_support::PrivateColord& colord();
+  /// The CGDirectDisplayID of an output, such as "DUMMY0".
+  std::uint32_t display(const std::string& output);
+  /// Has colord hold as many devices, those of the three displays included; there are never fewer again.
+  void growDevices(long count);
 
+ private:
+  void start();
+  void makeGrid(long count);
+
+  struct Servers;
+  std::unique_ptr<Servers> servers_;
+  long devices_ = 3;
+  long displays_ = 3;
+};
+
+/// Whole processes: the tool beside other programs that do the same job, and the load of the plugin.
+void addProcesses(const Suite& suite, LiveDesktop& live);
+void addNames(const Suite& suite, LiveDesktop& live);
+/// The profiles of a display, beside libcolord.
+void addDisplayProfiles(const Suite& suite, LiveDesktop& live);
+void addGeometry(const Suite& suite, LiveDesktop& live);
+/// Lists of installed profiles, beside lcms2.
+void addProfileLists(const Suite& suite);
+/// Tags and documents of one file, beside lcms2 and memcpy.
+void addProfileFiles(const Suite& suite);
 /// Conversions of text, beside iconv.
-void measureText(Suite& suite);
-
-/// The load of the plugin in fresh processes.
-void measureLoad(Suite& suite);
-/// Whole processes: the tool, and other programs that do the same job.
-void measurePeers(Suite& suite, test_support::XorgServer& server, test_support::PrivateColord& colord);
-/// The start of a process that uses the plugin, part by part.
-void measureStart(Suite& suite);
+void addText(const Suite& suite);
 
 }  // namespace bench

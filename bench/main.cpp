@@ -1,142 +1,181 @@
-// ostrevin-bench: runs all pairs and prints one table. See bench/run.
-#include <CLI/CLI.hpp>
+// ostrevin-bench: measures the rows of all groups and prints one table. See bench/run.
+#include <benchmark/benchmark.h>
 
-#include <cstdlib>
-#include <fstream>
+#include <array>
+#include <cstdio>
+#include <cstring>
 #include <iostream>
+#include <sstream>
+#include <string>
+#include <vector>
 
 #include "groups.h"
-#include "instructions.h"
-#include "machine.h"
-#include "report.h"
-#include "support/edid_maker.h"
 
 namespace bench {
 namespace {
 
-struct Options {
-  bool quick = false;
-  bool json = false;
-  bool strict = false;
-  bool count = false;
-  std::string plot;
-  std::string doc;
+std::string format(const char* pattern, double value) {
+  std::array<char, 32> text;
+  std::snprintf(text.data(), text.size(), pattern, value);
+  return text.data();
+}
+
+/// Three digits and the unit that suits: "86.4 ns", "1.87 µs".
+std::string timeText(double nanoseconds) {
+  constexpr std::array kUnits = {" ns", " µs", " ms", " s"};
+  std::size_t unit = 0;
+  double value = nanoseconds;
+  for (; value >= 999.5 && unit + 1 < kUnits.size(); ++unit) {
+    value /= 1000;
+  }
+  return format(value < 9.995 ? "%.2f" : value < 99.95 ? "%.1f" : "%.0f", value) + kUnits[unit];
+}
+
+struct Column {
+  const char* title;
+  const char* rule;
+  std::size_t width;
 };
 
-constexpr const char* kDescription =
-    "Measures every method of the plugin beside a twin, the same work done without the plugin, by turns in one run, "
-    "and\n"
-    "prints a table. What takes more than its bar allows is marked \"over\".";
+constexpr std::array kColumns = {
+    Column{"Method", "---", 36}, Column{"With", "---", 23}, Column{"Twin", "---", 44}, Column{"Plugin", "--:", 7},
+    Column{"Twin's", "--:", 7},  Column{"Ratio", "--:", 5}, Column{"Bar", "---", 9},
+};
 
-constexpr const char* kFooter =
-    "Examples:\n"
-    "  bench/run                    everything: several minutes\n"
-    "  bench/run --quick            a try whether everything works; its times mean nothing\n"
-    "  bench/run --json > all.json\n"
-    "  bench/run --doc              measures for docs/performance.md and its plot\n"
-    "Exit status: 0 done, 1 something failed to run, or with --strict something is over its bar.";
-
-Options readOptions(CLI::App& app, int count, char** texts) {
-  Options options;
-  app.footer(kFooter);
-  app.add_flag("--quick", options.quick, "Few rounds and small sizes");
-  app.add_flag("--json", options.json, "Print a JSON document; times are in nanoseconds");
-  app.add_flag("--strict", options.strict, "Exit status 1 when anything is over its bar");
-  app.add_option("--plot", options.plot, "Write the plot of how costs grow")->type_name("FILE.svg");
-  app.add_option("--doc", options.doc, "Put the results between the marks in this document, and the plot beside it")
-      ->type_name("FILE.md")
-      ->expected(0, 1)
-      ->default_str(OSTREVIN_PERFORMANCE_DOCUMENT);
-  app.add_flag("--count", options.count, "What callgrind runs: makes the calls, takes no times")->group("");
-  app.parse(count, texts);
-  return options;
+/// In columns of a terminal: bytes that continue a UTF-8 character take none.
+std::size_t widthOf(const std::string& text) {
+  std::size_t width = 0;
+  for (const char byte : text) {
+    width += (static_cast<unsigned char>(byte) & 0xC0) == 0x80 ? 0 : 1;
+  }
+  return width;
 }
 
-/// What is counted, and timed too: pairs that need no server.
-void measureOnScriptedDesktop(Suite& suite) {
-  measureScriptedGeometry(suite);
-  measureNameGrowth(suite);
+void printLine(std::ostream& out, const std::array<std::string, kColumns.size()>& cells) {
+  for (std::size_t i = 0; i < cells.size(); ++i) {
+    const std::size_t width = widthOf(cells[i]);
+    const std::string space(kColumns[i].width > width ? kColumns[i].width - width : 0, ' ');
+    const bool is_number = kColumns[i].rule[2] == ':';
+    out << "| " << (is_number ? space + cells[i] : cells[i] + space) << ' ';
+  }
+  out << "|" << std::endl;
 }
 
-/// What needs a server; the servers are this program's own.
-void measureLive(Suite& suite) {
-  test_support::PrivateColord colord;
-  test_support::XorgServer server;
-  unsetenv("OSTREVIN_DESKTOP");
-  setenv("DISPLAY", server.display().c_str(), 1);
-  setenv("XAUTHORITY", (server.directory() / "no-authority").c_str(), 1);
-  server.place({{"DUMMY0", {1920, 1080, 0, 0}}, {"DUMMY1", {1280, 1024, 1920, 56}}, {"DUMMY2", {800, 600, 300, 1080}}});
-  server.setEdid("DUMMY0", test_support::makeEdid({.vendor = "DEL", .serial = 1502, .name = kMonitorName}));
-  measurePeers(suite, server, colord);
-  measureStart(suite);
-  measureLiveIdentity(suite, server, colord);
-  measureLiveGeometry(suite, server);
+/// Prints a Markdown table, each row as soon as it is measured, and the machine and what failed to the error stream. A
+/// row whose ratio is above its bar has "over" behind the bar.
+class TableReporter final : public benchmark::BenchmarkReporter {
+ public:
+  bool ReportContext(const Context& context) override;
+  void ReportRuns(const std::vector<Run>& runs) override;
+
+  int over() const { return over_; }
+  int failed() const { return failed_; }
+
+ private:
+  int over_ = 0;
+  int failed_ = 0;
+};
+
+bool TableReporter::ReportContext(const Context& context) {
+  PrintBasicContext(&GetErrorStream(), context);
+  std::array<std::string, kColumns.size()> titles;
+  std::array<std::string, kColumns.size()> rules;
+  for (std::size_t i = 0; i < kColumns.size(); ++i) {
+    titles[i] = kColumns[i].title;
+    rules[i] = kColumns[i].rule;
+  }
+  printLine(GetOutputStream(), titles);
+  printLine(GetOutputStream(), rules);
+  return true;
 }
 
-Results measure(const Options& options, const std::string& program) {
-  Suite suite(options.quick ? Suite::Mode::kQuick : Suite::Mode::kFull);
-  suite.results().machine = describeMachine();
-  measureLive(suite);
-  measureScriptedGeometry(suite);
-  measureDisplayGrowth(suite);
-  measureNameGrowth(suite);
-  measureProfileLists(suite);
-  measureDisplayProfiles(suite);
-  measureTags(suite);
-  measureDocuments(suite);
-  measureText(suite);
-  measureLoad(suite);
-  Results results = suite.results();
-  results.instructions = countInstructions({program, "--count"});
-  const std::vector<Instructions> host_calls = countHostCalls({OSTREVIN_HOST_CALL_COST});
-  results.instructions.insert(results.instructions.end(), host_calls.begin(), host_calls.end());
-  return results;
-}
-
-void write(const std::string& path, const std::string& text) {
-  std::ofstream file(path);
-  file << text;
-  if (!file.flush()) {
-    throw std::runtime_error("cannot write " + path);
+void TableReporter::ReportRuns(const std::vector<Run>& runs) {
+  for (const Run& run : runs) {
+    if (run.error_occurred) {
+      GetErrorStream() << run.run_name.function_name << ": " << run.error_message << std::endl;
+      ++failed_;
+      continue;
+    }
+    std::istringstream name(run.run_name.function_name);  // METHOD/WITH/TWIN
+    std::array<std::string, kColumns.size()> cells;
+    for (std::size_t i = 0; i < 3; ++i) {
+      std::getline(name, cells[i], '/');
+    }
+    const double ratio = run.counters.at("ratio");
+    const double bar = run.counters.at("bar");
+    const bool is_over = bar > 0 && ratio > bar;
+    cells[3] = timeText(run.GetAdjustedRealTime());
+    cells[4] = timeText(run.counters.at("twin_ns"));
+    cells[5] = format("%.2f", ratio);
+    cells[6] = (bar > 0 ? format("%.2f", bar) : "-") + (is_over ? " over" : "");
+    printLine(GetOutputStream(), cells);
+    over_ += is_over ? 1 : 0;
   }
 }
 
-int run(const Options& options, const std::string& program) {
-  if (options.count) {
-    Suite suite(Suite::Mode::kCount);
-    measureOnScriptedDesktop(suite);
-    return 0;
+void printHelp() {
+  std::puts(
+      "bench/run [OPTIONS]\n"
+      "Measures every method of the plugin beside a twin, the same work done without the plugin, and prints a table.\n"
+      "A row whose ratio is above its bar is marked \"over\".\n"
+      "\n"
+      "  --quick                   few rounds and small sizes: shows that everything runs; its times mean nothing\n"
+      "  --strict                  exit status 1 when a row is over its bar\n"
+      "  --benchmark_filter=REGEX  only the rows whose name matches\n"
+      "  --benchmark_list_tests    print the names of the rows, METHOD/WITH/TWIN, and measure nothing\n"
+      "  --benchmark_out=FILE      write the results to a file too, as JSON, in nanoseconds\n"
+      "  --benchmark_out_format=csv\n"
+      "\n"
+      "bench/run --count           count the instructions of calls about scripted displays, by callgrind\n"
+      "bench/run --doc [FILE.md]   measure, then renew the rows of docs/performance.md and its plot\n"
+      "\n"
+      "Exit status: 0 done, 1 a row failed, or, with --strict, is over its bar.");
+}
+
+struct Options {
+  bool quick = false;
+  bool strict = false;
+};
+
+/// False for an option that does not exist, which is reported.
+bool readOptions(int count, char** texts, Options& options) {
+  for (int i = 1; i < count; ++i) {
+    if (std::strcmp(texts[i], "--quick") == 0) {
+      options.quick = true;
+    } else if (std::strcmp(texts[i], "--strict") == 0) {
+      options.strict = true;
+    } else {
+      std::cerr << "bench: unknown option " << texts[i] << '\n';
+      return false;
+    }
   }
-  const Results results = measure(options, program);
-  if (!options.plot.empty()) {
-    write(options.plot, plotSvg(results));
-  }
-  if (!options.doc.empty()) {
-    replaceMeasured(options.doc, markdown(results));
-    write(options.doc.substr(0, options.doc.rfind('.')) + ".svg", plotSvg(results));
-  }
-  if (options.json) {
-    printJson(std::cout, results);
-  } else {
-    printTable(std::cout, results);
-  }
-  return options.strict && shortfalls(results) > 0 ? 1 : 0;
+  return true;
 }
 
 int main(int count, char** texts) {
-  CLI::App app(kDescription, "bench/run");
+  benchmark::Initialize(&count, texts, printHelp);
   Options options;
-  try {
-    options = readOptions(app, count, texts);
-  } catch (const CLI::ParseError& error) {
-    return app.exit(error);
-  }
-  try {
-    return run(options, texts[0]);
-  } catch (const std::exception& error) {
-    std::cerr << "bench: " << error.what() << '\n';
+  if (!readOptions(count, texts, options)) {
     return 1;
   }
+  benchmark::AddCustomContext("compiler", __VERSION__);
+  benchmark::AddCustomContext("build_type", OSTREVIN_BUILD_TYPE);
+  const Suite suite(options.quick);
+  LiveDesktop live;
+  // In this order: a change of the live desktop lasts.
+  addProcesses(suite, live);
+  addNames(suite, live);
+  addDisplayProfiles(suite, live);
+  addGeometry(suite, live);
+  addProfileLists(suite);
+  addProfileFiles(suite);
+  addText(suite);
+  TableReporter table;
+  benchmark::RunSpecifiedBenchmarks(&table);
+  if (table.over() > 0) {
+    std::cerr << "Rows over their bars: " << table.over() << '\n';
+  }
+  return table.failed() > 0 || (options.strict && table.over() > 0) ? 1 : 0;
 }
 
 }  // namespace

@@ -4,107 +4,97 @@
 #include <valgrind/callgrind.h>
 
 #include <algorithm>
-#include <cstdio>
-#include <stdexcept>
+#include <exception>
 
 namespace bench {
 namespace {
 
 constexpr long kLargestQuickSize = 10;
-constexpr long kLargestCountedSize = 100;
 constexpr Batches kQuickBatches{.rounds = 3, .calls = 4};
 
-/// Rows are printed by this program, all at the end.
-class Silent final : public benchmark::BenchmarkReporter {
- public:
-  bool ReportContext(const Context&) override { return true; }
-  void ReportRuns(const std::vector<Run>& runs) override {
-    for (const Run& run : runs) {
-      if (run.error_occurred) {
-        throw std::runtime_error(run.benchmark_name() + ": " + run.error_message);
-      }
-    }
-  }
+double median(std::vector<double> values) {
+  const auto middle = values.begin() + static_cast<std::ptrdiff_t>(values.size() / 2);
+  std::nth_element(values.begin(), middle, values.end());
+  return *middle;
+}
+
+struct Medians {
+  double plugin = 0;
+  double twin = 0;
+  double ratio = 0;  ///< of the ratios of neighbouring batches
 };
 
-struct Rounds {
+Medians measure(const Pair& pair, Batches batches) {
+  pair.plugin(batches.calls);
+  pair.twin(batches.calls);
   std::vector<double> plugin;
-  std::vector<double> direct;
+  std::vector<double> twin;
   std::vector<double> ratios;
-
-  void add(const Timer& plugin_timer, const Timer& direct_timer, int calls) {
-    // Whoever is second finds warm caches; so both are, in turn.
-    const bool plugin_first = ratios.size() % 2 == 0;
-    double plugin_time = plugin_first ? plugin_timer(calls) : 0;
-    const double direct_time = direct_timer(calls);
-    plugin_time = plugin_first ? plugin_time : plugin_timer(calls);
-    plugin.push_back(plugin_time);
-    direct.push_back(direct_time);
-    ratios.push_back(plugin_time / direct_time);
+  for (int round = 0; round < batches.rounds; ++round) {
+    // The second of a round finds warm caches: each side is second by turns.
+    if (round % 2 == 0) {
+      plugin.push_back(pair.plugin(batches.calls));
+      twin.push_back(pair.twin(batches.calls));
+    } else {
+      twin.push_back(pair.twin(batches.calls));
+      plugin.push_back(pair.plugin(batches.calls));
+    }
+    ratios.push_back(plugin.back() / twin.back());
   }
-};
-
-}  // namespace
-
-std::vector<long> Suite::sizes(std::vector<long> all) const {
-  if (mode_ != Mode::kFull) {
-    const long largest = mode_ == Mode::kQuick ? kLargestQuickSize : kLargestCountedSize;
-    std::erase_if(all, [largest](long size) { return size > largest; });
-  }
-  return all;
+  return {median(plugin), median(twin), median(ratios)};
 }
 
-void Suite::begin(std::string group, long n) {
-  if (mode_ == Mode::kFull) {
-    std::fprintf(stderr, "measuring: %s, %ld\n", group.c_str(), n);
-  }
-  group_ = std::move(group);
-  n_ = n;
-}
-
-void Suite::compareTimers(const Name& name, Timer plugin, Timer direct, Batches batches) {
-  if (mode_ == Mode::kCount) {
-    count(name, plugin, direct, batches.calls);
-  } else {
-    time(name, plugin, direct,
-         isQuick() ? Batches{kQuickBatches.rounds, std::min(kQuickBatches.calls, batches.calls)} : batches);
-  }
-}
-
-void Suite::time(const Name& name, const Timer& plugin, const Timer& direct, Batches batches) {
-  plugin(batches.calls);
-  direct(batches.calls);
-  Rounds rounds;
-  const std::string title = group_ + "/" + name.method + "/" + std::to_string(n_);
-  benchmark::RegisterBenchmark(title.c_str(),
-                               [&](benchmark::State& state) {
-                                 for (auto _ : state) {
-                                   rounds.add(plugin, direct, batches.calls);
-                                   state.SetIterationTime(rounds.plugin.back() / 1e9);
-                                 }
-                               })
-      ->UseManualTime()
-      ->Iterations(batches.rounds);
-  Silent silent;
-  benchmark::RunSpecifiedBenchmarks(&silent, ".");
-  benchmark::ClearRegisteredBenchmarks();
-  results_.rows.push_back({group_, name.method, name.twin, n_, median(rounds.plugin), median(rounds.direct),
-                           median(rounds.ratios), name.bar});
-}
-
-void Suite::count(const Name& name, const Timer& plugin, const Timer& direct, int calls) {
-  const std::string number = std::to_string(results_.rows.size());
+/// Makes a dump of callgrind's named "TITLE/plugin/CALLS" and one named "TITLE/twin/CALLS". See bench/run --count.
+void count(const std::string& title, const Pair& pair) {
+  const int calls = pair.batches.calls;
   const auto series = [&](const std::string& side, const Timer& timer) {
-    const std::string dump = side + " " + number;
+    const std::string dump = title + "/" + side + "/" + std::to_string(calls);
     timer(1);  // look-ups are not counted
     CALLGRIND_ZERO_STATS;
     timer(calls);
     CALLGRIND_DUMP_STATS_AT(dump.c_str());
   };
-  series("plugin", plugin);
-  series("twin", direct);
-  results_.rows.push_back({group_, name.method, name.twin, n_, 0, 0, 0, name.bar});
-  std::printf("%s|%d|%ld|%s|%s\n", number.c_str(), calls, n_, name.method.c_str(), name.twin.c_str());
+  series("plugin", pair.plugin);
+  series("twin", pair.twin);
+}
+
+std::string titleOf(const Row& row) {
+  return row.method + "/" + (row.n > 0 ? std::to_string(row.n) + " " : "") + row.what + "/" + row.twin;
+}
+
+}  // namespace
+
+std::vector<long> Suite::sizes(std::vector<long> all) const {
+  if (quick_) {
+    std::erase_if(all, [](long size) { return size > kLargestQuickSize; });
+  }
+  return all;
+}
+
+void Suite::add(const Row& row, std::function<Pair()> prepare) const {
+  const auto run = [row, prepare, quick = quick_](benchmark::State& state) {
+    Medians medians;
+    try {
+      const Pair pair = prepare();
+      if (RUNNING_ON_VALGRIND != 0) {
+        count(titleOf(row), pair);
+      } else {
+        medians = measure(pair, quick ? Batches{kQuickBatches.rounds, std::min(kQuickBatches.calls, pair.batches.calls)}
+                                      : pair.batches);
+      }
+    } catch (const std::exception& error) {
+      state.SkipWithError(error.what());
+    }
+    for (auto _ : state) {
+      state.SetIterationTime(medians.plugin / 1e9);
+    }
+    state.counters["n"] = static_cast<double>(row.n);
+    state.counters["twin_ns"] = medians.twin;
+    state.counters["ratio"] = medians.ratio;
+    state.counters["bar"] = row.bar;
+  };
+  // One iteration is the whole measurement.
+  benchmark::RegisterBenchmark(titleOf(row).c_str(), run)->Iterations(1)->UseManualTime();
 }
 
 }  // namespace bench

@@ -1,64 +1,87 @@
-// Runs pairs, a call of the plugin and its twin, side by side: in short batches that take turns, so that whatever else
-// the computer does falls on both alike. Google Benchmark drives the rounds. One thread.
+// Rows of the benchmark: a call of the plugin beside its twin, the same work done without the plugin. Both run in short
+// batches that take turns, so that other load on the computer falls on both alike. Google Benchmark runs and reports
+// the rows. One thread.
 #pragma once
 
+#include <chrono>
+#include <functional>
 #include <string>
-#include <utility>
 #include <vector>
 
-#include "results.h"
-#include "timing.h"
+#include "devhost/runtime/autorelease.h"
 
 namespace bench {
+
+/// Nanoseconds that a call of a function takes.
+template <typename Call>
+double nanoseconds(Call&& call) {
+  const auto begin = std::chrono::steady_clock::now();
+  call();
+  return std::chrono::duration<double, std::nano>(std::chrono::steady_clock::now() - begin).count();
+}
+
+/// Makes a number of calls and returns the nanoseconds for one.
+using Timer = std::function<double(int calls)>;
+
+/// Times a batch as a whole, within one autorelease pool, as a turn of a host's event loop is.
+template <typename Call>
+Timer timerOf(Call call) {
+  return [call](int calls) mutable {
+    const devhost::AutoreleasePool pool;
+    return nanoseconds([&] {
+             for (int i = 0; i < calls; ++i) {
+               call();
+             }
+           }) /
+           calls;
+  };
+}
+
+/// Keeps the compiler from leaving out what makes the value.
+template <typename T>
+void keep(const T& value) {
+  asm volatile("" : : "r,m"(value) : "memory");
+}
 
 struct Batches {
   int rounds = 401;
   int calls = 100;  ///< in each batch
 };
 
-/// What a pair is called, and the greatest ratio that it should have; 0: none is set.
-struct Name {
+/// The texts name the row: METHOD/N WHAT/TWIN. None of them contains a "/".
+struct Row {
   std::string method;
+  long n = 0;        ///< how many of `what` there are; 0: not in the name
+  std::string what;  ///< such as "live displays" or "files"
   std::string twin;
-  double bar = 0;
+  double bar = 0;  ///< the greatest ratio that the row should have; 0: none
 };
+
+struct Pair {
+  Timer plugin;
+  Timer twin;
+  Batches batches;
+};
+
+template <typename Plugin, typename Twin>
+Pair pairOf(Plugin plugin, Twin twin, Batches batches = {}) {
+  return {timerOf(std::move(plugin)), timerOf(std::move(twin)), batches};
+}
 
 class Suite {
  public:
-  enum class Mode {
-    kFull,
-    kQuick,  ///< few rounds, for a try whether everything works
-    kCount,  ///< no times: each pair is a series for callgrind
-  };
-  explicit Suite(Mode mode) : mode_(mode) {}
+  /// A quick suite has few rounds and small sizes; its times mean nothing.
+  explicit Suite(bool quick) : quick_(quick) {}
 
-  Mode mode() const { return mode_; }
-  bool isQuick() const { return mode_ != Mode::kFull; }
-  /// The sizes to measure with; a quick run leaves the large ones out.
+  /// The sizes to measure with.
   std::vector<long> sizes(std::vector<long> all) const;
 
-  /// The rows that follow belong to this group, and are about `n` of what it counts.
-  void begin(std::string group, long n);
-
-  /// A row for two functions, called in batches of equal size.
-  template <typename Plugin, typename Direct>
-  void compare(const Name& name, Plugin plugin, Direct direct, Batches batches = {}) {
-    compareTimers(name, timerOf(std::move(plugin)), timerOf(std::move(direct)), batches);
-  }
-  /// The same for two that take their times themselves.
-  void compareTimers(const Name& name, Timer plugin, Timer direct, Batches batches);
-
-  void note(std::string text) { results_.notes.push_back(std::move(text)); }
-  Results& results() { return results_; }
+  /// Registers a row. `prepare` is called when the row's turn comes: it sets up what the row needs, in particular the
+  /// desktop in use, and checks that both sides do their work. What it throws is reported as the row's failure.
+  void add(const Row& row, std::function<Pair()> prepare) const;
 
  private:
-  void time(const Name& name, const Timer& plugin, const Timer& direct, Batches batches);
-  void count(const Name& name, const Timer& plugin, const Timer& direct, int calls);
-
-  Mode mode_;
-  std::string group_;
-  long n_ = 0;
-  Results results_;
+  bool quick_;
 };
 
 }  // namespace bench

@@ -1,7 +1,7 @@
-// Conversions between UTF-8 and UTF-16 of a mebibyte of mixed text, and the same by iconv.
+// Conversions of a mebibyte of mixed text between UTF-8 and UTF-16, beside iconv.
 #include <iconv.h>
 
-#include <cstdlib>
+#include <stdexcept>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -40,54 +40,46 @@ const std::wstring& utf16Text() {
   return text;
 }
 
-/// Converts `from` into `to`, which is as large as the result can become. Ends the program when iconv refuses.
+/// Converts `from` into `to`, which is as large as the result can become.
 void convert(iconv_t converter, std::string_view from, std::vector<char>& to) {
   char* in = const_cast<char*>(from.data());  // iconv only reads it
   std::size_t in_left = from.size();
   char* out = to.data();
   std::size_t out_left = to.size();
   if (iconv(converter, &in, &in_left, &out, &out_left) == static_cast<std::size_t>(-1)) {
-    std::abort();
+    throw std::runtime_error("iconv failed");
   }
   keep(to.data());
 }
 
-constexpr double kBar = 1;
 constexpr Batches kBatches{.rounds = 101, .calls = 1};
 
-void compareFromUtf8(Suite& suite) {
-  auto* const converter = iconv_open("UTF-16LE", "UTF-8");
-  suite.compare(
-      {"UTF-8 to UTF-16", "iconv", kBar}, [] { keep(Utils::utf8_to_utf16(utf8Text())); },
-      [=] {
-        std::vector<char> units(utf8Text().size() * 2);
-        convert(converter, utf8Text(), units);
-      },
-      kBatches);
-  iconv_close(converter);
+Pair fromUtf8() {
+  return pairOf([] { keep(Utils::utf8_to_utf16(utf8Text())); },
+                [converter = iconv_open("UTF-16LE", "UTF-8")] {
+                  std::vector<char> units(utf8Text().size() * 2);
+                  convert(converter, utf8Text(), units);
+                },
+                kBatches);
 }
 
-void compareToUtf8(Suite& suite) {
+Pair toUtf8() {
   const std::wstring& wide = utf16Text();
-  const std::u16string units(wide.begin(), wide.end());
-  const std::string_view bytes(reinterpret_cast<const char*>(units.data()), units.size() * sizeof(char16_t));
-  auto* const converter = iconv_open("UTF-8", "UTF-16LE");
-  suite.compare(
-      {"UTF-16 to UTF-8", "iconv", kBar}, [] { keep(Utils::utf16_to_utf8(utf16Text())); },
-      [=] {
+  return pairOf(
+      [] { keep(Utils::utf16_to_utf8(utf16Text())); },
+      [converter = iconv_open("UTF-8", "UTF-16LE"), units = std::u16string(wide.begin(), wide.end())] {
         std::vector<char> utf8(units.size() * 3);
-        convert(converter, bytes, utf8);
+        convert(converter, {reinterpret_cast<const char*>(units.data()), units.size() * sizeof(char16_t)}, utf8);
       },
       kBatches);
-  iconv_close(converter);
 }
 
 }  // namespace
 
-void measureText(Suite& suite) {
-  suite.begin("Text, MiB", 1);
-  compareFromUtf8(suite);
-  compareToUtf8(suite);
+void addText(const Suite& suite) {
+  constexpr double kBar = 1;
+  suite.add({"UTF-8 to UTF-16", 1, "MiB", "iconv", kBar}, fromUtf8);
+  suite.add({"UTF-16 to UTF-8", 1, "MiB", "iconv", kBar}, toUtf8);
 }
 
 }  // namespace bench

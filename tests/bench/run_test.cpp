@@ -1,4 +1,4 @@
-// The whole benchmark command, in its quick form. Its times mean nothing there, and none is looked at.
+// The benchmark command in its quick form, whose times mean nothing: none is looked at.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -8,6 +8,7 @@
 #include <set>
 #include <sstream>
 #include <string>
+#include <vector>
 
 #include "support/process.h"
 #include "support/temporary_folder.h"
@@ -15,57 +16,132 @@
 namespace {
 
 using nlohmann::json;
-using test_support::run;
 using test_support::runSuccessfully;
 using ::testing::Contains;
+using ::testing::Each;
+using ::testing::EndsWith;
 using ::testing::HasSubstr;
 using ::testing::IsSupersetOf;
+using ::testing::Not;
+using ::testing::SizeIs;
 using ::testing::StartsWith;
 
 /// Takes seconds on an idle computer.
 constexpr std::chrono::minutes kLimit(5);
 
-TEST(BenchRun, GivesAWellFormedDocument) {
-  const json document = json::parse(runSuccessfully({OSTREVIN_BENCH, "--quick", "--json"}, {}, {}, kLimit));
+std::string contentsOf(const std::string& path) {
+  std::ostringstream text;
+  text << std::ifstream(path).rdbuf();
+  return text.str();
+}
+
+std::vector<std::string> linesOf(const std::string& text) {
+  std::istringstream stream(text);
+  std::vector<std::string> lines;
+  for (std::string line; std::getline(stream, line);) {
+    lines.push_back(line);
+  }
+  return lines;
+}
+
+/// The names, METHOD/WITH/TWIN, of the rows of a Markdown table, its head left out.
+std::vector<std::string> rowNames(const std::string& markdown) {
+  std::vector<std::string> names;
+  for (const std::string& line : linesOf(markdown)) {
+    if (!line.starts_with("| ") || line.starts_with("| Method ") || line.starts_with("| ---")) {
+      continue;
+    }
+    std::istringstream cells(line.substr(1));
+    std::string name;
+    for (std::string cell; std::count(name.begin(), name.end(), '/') < 3 && std::getline(cells, cell, '|');) {
+      name += cell.substr(1, cell.find_last_not_of(' ')) + "/";
+    }
+    names.push_back(name);
+  }
+  return names;
+}
+
+TEST(BenchRun, ReportsEveryMethodWithItsTwin) {
+  const support::TemporaryFolder folder;
+  const std::string table =
+      runSuccessfully({OSTREVIN_BENCH, "--quick", "--benchmark_out=" + folder.path("results.json")}, {}, {}, kLimit);
+  const std::vector<std::string> lines = linesOf(table);
+  const json rows = json::parse(contentsOf(folder.path("results.json"))).at("benchmarks");
+  ASSERT_THAT(lines, SizeIs(rows.size() + 2));
   std::set<std::string> methods;
-  for (const json& row : document.at("rows")) {
-    const std::string method = row.at("method");
-    methods.insert(method);
-    EXPECT_FALSE(row.at("twin").get<std::string>().empty()) << method;
-    EXPECT_GT(row.at("n"), 0) << method;
-    EXPECT_GT(row.at("plugin_ns"), 0) << method;
-    EXPECT_GT(row.at("twin_ns"), 0) << method;
-    EXPECT_GT(row.at("ratio"), 0) << method;
-    EXPECT_EQ(row.at("over"), !row.at("bar").is_null() && row.at("ratio") > row.at("bar")) << method;
+  for (std::size_t i = 0; i < rows.size(); ++i) {
+    const json& row = rows[i];
+    const std::string name = row.at("name");
+    methods.insert(name.substr(0, name.find('/')));
+    EXPECT_GT(row.at("real_time"), 0) << name;
+    EXPECT_GT(row.at("twin_ns"), 0) << name;
+    EXPECT_GT(row.at("ratio"), 0) << name;
+    const bool is_over = row.at("bar") > 0 && row.at("ratio") > row.at("bar");
+    EXPECT_EQ(lines[i + 2].find(" over |") != std::string::npos, is_over) << name;
   }
   EXPECT_THAT(methods, IsSupersetOf({"GetIndex", "GetRect", "GetCGRect", "GetScale", "DisplayIDForWindow", "GetName",
                                      "GetProfilePath", "SetProfile", "ListProfilesForDisplay", "first listing",
-                                     "listing again", "ICCTagExists", "QV02Read", "UTF-8 to UTF-16",
-                                     "ostrevin-host profiles", "dlopen and REALPluginMain"}));
-  EXPECT_THAT(document.at("instructions"), testing::SizeIs(testing::Gt(20)));
-  for (const json& row : document.at("instructions")) {
-    EXPECT_GT(row.at("plugin"), 0) << row;
-    EXPECT_GT(row.at("twin"), 0) << row;
-  }
-  EXPECT_THAT(document.at("start"), testing::SizeIs(11));
-  EXPECT_THAT(document.at("machine"), Contains(StartsWith("Processor: ")));
+                                     "listing again", "ICCTagExists", "QV02Read", "UTF-8 to UTF-16", "ostrevin-host",
+                                     "dlopen and REALPluginMain"}));
 }
 
-TEST(BenchRun, PutsTablesIntoADocumentAndAPlotBesideIt) {
+TEST(BenchRun, FailsWithStrictForARowOverItsBar) {
+  const std::vector<std::string> command{OSTREVIN_BENCH, "--quick", "--benchmark_filter=GetName/3 live.*ready key"};
+  EXPECT_THAT(runSuccessfully(command), HasSubstr("1.50 over |"));
+  EXPECT_EQ(test_support::run({command[0], command[1], command[2], "--strict"}).exit_status, 1);
+}
+
+TEST(BenchRun, FailsForAnUnknownOption) { EXPECT_EQ(test_support::run({OSTREVIN_BENCH, "--unknown"}).exit_status, 1); }
+
+TEST(BenchRun, FailsForARowThatCannotBeMeasured) {
+  const auto result =
+      test_support::run({OSTREVIN_BENCH, "--quick", "--benchmark_filter=ICCTagExists"}, {"TMPDIR=/nowhere"});
+  EXPECT_EQ(result.exit_status, 1);
+  EXPECT_THAT(result.errors, HasSubstr("ICCTagExists/10 tags/lcms2: open, look for the tag, close: "));
+}
+
+TEST(BenchRun, RenewsTheRowsThatADocumentHasAndDrawsThePlotBesideIt) {
   const support::TemporaryFolder folder;
-  const std::string document = folder.write("a.md", "<!-- measured -->\n<!-- end -->\n");
-  const std::string printed = runSuccessfully({OSTREVIN_BENCH, "--quick", "--doc", document}, {}, {}, kLimit);
-  EXPECT_THAT(printed, HasSubstr("\nMethod "));
-  EXPECT_THAT(printed, HasSubstr("\nGetIndex "));
-  std::ostringstream written;
-  written << std::ifstream(document).rdbuf();
-  EXPECT_THAT(written.str(), HasSubstr("| Method | Twin | N | Plugin | Twin's | Ratio | Bar |"));
-  std::ostringstream plot;
-  plot << std::ifstream(folder.path("a.svg")).rdbuf();
-  EXPECT_THAT(plot.str(), StartsWith("<svg "));
+  const std::string document = folder.write("a.md",
+                                            "before\n"
+                                            "| Method | With | Twin | Plugin | Twin's | Ratio | Bar |\n"
+                                            "| --- | --- | --- | --: | --: | --: | --- |\n"
+                                            "| GetScale | 3 scripted displays | the same framework calls | old |\n"
+                                            "behind\n");
+  runSuccessfully({OSTREVIN_BENCH_RUN, "--doc", document, "--quick", "--benchmark_filter=scripted|files|10 devices"},
+                  {"OSTREVIN_BENCH=" OSTREVIN_BENCH}, {}, kLimit);
+  const std::vector<std::string> lines = linesOf(contentsOf(document));
+  ASSERT_THAT(lines, SizeIs(5));
+  EXPECT_EQ(lines[0], "before");
+  EXPECT_THAT(lines[3], StartsWith("| GetScale | 3 scripted displays | the same framework calls | "));
+  EXPECT_THAT(lines[3], Not(HasSubstr("old")));
+  EXPECT_EQ(lines[4], "behind");
+  const std::string plot = contentsOf(folder.path("a.svg"));
+  for (const char* const label : {"GetIndex", "GetName", "first listing", "GetProfilePath"}) {
+    EXPECT_THAT(plot, HasSubstr(std::string(label) + "</tspan></text>")) << label;
+  }
 }
 
-TEST(BenchRun, RefusesAnUnknownOption) { EXPECT_NE(run({OSTREVIN_BENCH, "--unknown"}).exit_status, 0); }
+TEST(BenchRun, LeavesADocumentWithARowThatWasNotMeasuredAsItWas) {
+  const support::TemporaryFolder folder;
+  const std::string document = folder.write("a.md", "| GetScale | no displays | nothing | old |\n");
+  const auto result =
+      test_support::run({OSTREVIN_BENCH_RUN, "--doc", document, "--quick", "--benchmark_filter=GetScale/3 scripted"},
+                        {"OSTREVIN_BENCH=" OSTREVIN_BENCH});
+  EXPECT_EQ(result.exit_status, 1);
+  EXPECT_THAT(result.errors, HasSubstr("not measured: GetScale/no displays/nothing"));
+  EXPECT_THAT(contentsOf(document), EndsWith("| old |\n"));
+}
+
+TEST(BenchRun, CountsInstructionsUnderCallgrind) {
+  const std::string table =
+      runSuccessfully({OSTREVIN_BENCH_RUN, "--count", "--benchmark_filter=(GetScale|GetRect)/3 scripted"},
+                      {"OSTREVIN_BENCH=" OSTREVIN_BENCH}, {}, kLimit);
+  EXPECT_THAT(rowNames(table), testing::ElementsAre("GetRect/3 scripted displays/the same framework calls/",
+                                                    "GetScale/3 scripted displays/the same framework calls/"));
+  EXPECT_THAT(linesOf(table),
+              Each(testing::ContainsRegex("[|] [1-9][0-9]+ [|] [1-9][0-9]+ [|] -?[0-9]+ [|]$|---|Twin")));
+}
 
 /// The libraries that a library names as needed, but for the loader, which is always there.
 std::set<std::string> neededBy(const std::string& library) {

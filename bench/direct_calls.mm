@@ -1,6 +1,9 @@
-#include "direct_screens.h"
+#include "direct_calls.h"
+
+#include <ColorSync/ColorSync.h>
 
 #import <AppKit/AppKit.h>
+#import <Foundation/Foundation.h>
 
 #include <array>
 #include <cstdlib>
@@ -66,5 +69,30 @@ CGDirectDisplayID directDisplayUnderKeepingBuffer(CGRect rect) {
   uint32_t count = 0;
   return CGGetDisplaysWithRect(rect, 1, display, &count) == kCGErrorSuccess ? *display : 0;
 }
+
+CFStringRef keyOf(CGDirectDisplayID display) {
+  const CFUUIDRef uuid = CGDisplayCreateUUIDFromDisplayID(display);
+  const CFStringRef key = CFUUIDCreateString(kCFAllocatorDefault, uuid);
+  CFRelease(uuid);
+  return key;
+}
+
+CFDictionaryRef makeNames(CGDirectDisplayID display, CFStringRef name) {
+  const CFMutableDictionaryRef names = CFDictionaryCreateMutable(kCFAllocatorDefault, 0, &kCFTypeDictionaryKeyCallBacks,
+                                                                 &kCFTypeDictionaryValueCallBacks);
+  const CFStringRef key = keyOf(display);
+  CFDictionarySetValue(names, key, name);
+  CFRelease(key);
+  return names;
+}
+
+CFStringRef directName(CFDictionaryRef names, CGDirectDisplayID display) {
+  const CFStringRef key = keyOf(display);
+  const auto name = static_cast<CFStringRef>(CFDictionaryGetValue(names, key));
+  CFRelease(key);
+  return name;
+}
+
+const char* directText(CFStringRef text) { return [(NSString*)text UTF8String]; }
 
 }  // namespace bench
