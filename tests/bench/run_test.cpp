@@ -143,6 +143,15 @@ TEST(BenchRun, CountsInstructionsUnderCallgrind) {
               Each(testing::ContainsRegex("[|] [1-9][0-9]+ [|] [1-9][0-9]+ [|] -?[0-9]+ [|]$|---|Twin")));
 }
 
+TEST(PerformanceDocument, HasOnlyRowsThatAreMeasured) {
+  const std::vector<std::string> measured = linesOf(runSuccessfully({OSTREVIN_BENCH, "--benchmark_list_tests"}));
+  const std::vector<std::string> documented = rowNames(contentsOf(OSTREVIN_PERFORMANCE_DOCUMENT));
+  EXPECT_THAT(documented, Not(testing::IsEmpty()));
+  for (const std::string& name : documented) {
+    EXPECT_THAT(measured, Contains(StartsWith(name)));
+  }
+}
+
 /// The libraries that a library names as needed, but for the loader, which is always there.
 std::set<std::string> neededBy(const std::string& library) {
   std::istringstream lines(runSuccessfully({"readelf", "--dynamic", "--wide", library}));
