@@ -1,9 +1,8 @@
-// The block run-time: what the compiler calls when a block is copied or let go of.
+// The block run-time: what the compiler calls to copy and release a block.
 //
-// The system's Foundation exports functions of these names that do not copy what this compiler makes, and which
-// library's functions a process gets depends on the order in which its libraries were loaded. So each library and
-// program of ours has these functions inside it, hidden. Blocks carry all that is needed to copy and free them, so that
-// it does not matter whose functions do it.
+// The system's Foundation exports functions of these names that cannot copy this compiler's blocks, and the load order
+// decides which functions a process gets. So each of our libraries and programs contains these functions, hidden. A
+// block carries all that is needed to copy and free it: any copy of these functions will do.
 //
 // The layouts are those of the compiler's published block ABI. Any thread.
 #include <Block.h>
@@ -87,7 +86,7 @@ Byref* copyByref(Byref* variable) {
   }
   auto* const copy = static_cast<Byref*>(allocate(variable->size));
   std::memcpy(static_cast<void*>(copy), variable, variable->size);
-  // One reference is the block's, the other that of the frame on the stack, which lets go at the end of its scope.
+  // One reference is the block's, the other that of the frame on the stack, which releases it at the end of its scope.
   copy->flags.store((current->flags.load(std::memory_order_relaxed) & ~kReferenceMask) | kOnHeap | 2 * kOneReference,
                     std::memory_order_relaxed);
   copy->forwarding.store(copy, std::memory_order_relaxed);

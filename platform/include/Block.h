@@ -1,4 +1,4 @@
-// The block run-time, for computers that are not Macs (blocks/block_runtime.mm says why it is ours).
+// The block run-time, for computers that are not Macs (blocks/block_runtime.mm gives the reason).
 #pragma once
 
 #ifdef __cplusplus
@@ -7,7 +7,7 @@ extern "C" {
 
 /// A block that outlives the scope that `block` was written in, with a reference for the caller.
 void* _Block_copy(const void* block);
-/// Gives back a reference; the last one frees the block and lets go of what it captured.
+/// Releases a reference; the last one frees the block and releases what it captured.
 void _Block_release(const void* block);
 
 #ifdef __cplusplus

@@ -8,7 +8,7 @@
 #include "display/answer_wait.h"
 #include "faults/library_symbols.h"
 #include "faults/messages.h"
-#include "frameworks/dispatch/dispatch_work.h"
+#include "frameworks/hooks/calls.h"
 #include "support/fresh_plugin.h"
 #include "support/icc_maker.h"
 #include "support/temporary_folder.h"

@@ -10,6 +10,7 @@
 #include "desktop/current.h"
 #include "frameworks/CoreFoundation/uuids.h"
 #include "frameworks/Foundation/autorelease_pool.h"
+#include "frameworks/Foundation/utf8_objects.h"
 #include "frameworks/hooks/answers.h"
 #include "frameworks/hooks/calls.h"
 
@@ -30,7 +31,7 @@ void put(NSMutableDictionary* entry, CFStringRef key, id value) {
 }
 
 NSString* stringOf(const std::optional<std::string>& text) {
-  return text ? [NSString stringWithUTF8String:text->c_str()] : nil;
+  return text ? [platform::newString(*text) autorelease] : nil;
 }
 
 id booleanOf(const std::optional<bool>& value) { return value ? (id)(*value ? kCFBooleanTrue : kCFBooleanFalse) : nil; }

@@ -11,7 +11,7 @@
 #include "frameworks/ColorSync/color_profile.h"
 #include "frameworks/ColorSync/profile_entry.h"
 #include "frameworks/Foundation/autorelease_pool.h"
-#include "frameworks/Foundation/file_url.h"
+#include "frameworks/Foundation/utf8_objects.h"
 #include "frameworks/hooks/answers.h"
 #include "frameworks/hooks/calls.h"
 
@@ -23,9 +23,7 @@ namespace calls = platform::calls;
 namespace {
 
 /// Null for text that is absent or is not UTF-8.
-NSString* newString(const std::optional<std::string>& text) {
-  return text ? [[NSString alloc] initWithBytes:text->data() length:text->size() encoding:NSUTF8StringEncoding] : nil;
-}
+NSString* newString(const std::optional<std::string>& text) { return text ? platform::newString(*text) : nil; }
 
 NSString* newClass(const std::optional<std::string>& profile_class) {
   // Nearly every profile is a display's, and is recognised by the reference alone.

@@ -1,4 +1,4 @@
-// CoreFoundation: what every type can do, and the types' numbers; ColorSync's too.
+// CoreFoundation: what every type can do, and the types' numbers, with ColorSync's.
 #include <ColorSync/ColorSync.h>
 #include <CoreFoundation/CoreFoundation.h>
 
@@ -8,7 +8,6 @@
 #include "frameworks/CoreFoundation/uuids.h"
 #include "frameworks/Foundation/autorelease_pool.h"
 #include "frameworks/hooks/calls.h"
-#include "frameworks/hooks/require.h"
 
 using platform::requireObject;
 using platform::ScopedPool;
@@ -17,7 +16,7 @@ namespace calls = platform::calls;
 
 namespace {
 
-/// The numbers are this library's own; as on the Mac, an object of no CoreFoundation type has the type 1.
+/// The numbers are this library's own; as on the Mac, an object of another kind has the type 1.
 enum : CFTypeID {
   kTypeOfOtherObjects = 1,
   kBooleanType,
@@ -39,7 +38,7 @@ bool isBoolean(id value) {
 }
 
 CFTypeID typeOf(id value) {
-  // Looked up once: a look-up costs more than the question itself.
+  // Looked up once: the look-up costs more than the query.
   static const Class string_class = [NSString class];
   static const Class number_class = [NSNumber class];
   static const Class dictionary_class = [NSDictionary class];
@@ -82,7 +81,7 @@ void CFRelease(CFTypeRef reference) {
     [object(reference) release];
     return;
   }
-  const ScopedPool pool;  // a dealloc may autorelease
+  const ScopedPool pool;  // dealloc may autorelease
   [object(reference) release];
 }
 
@@ -107,7 +106,7 @@ Boolean CFEqual(CFTypeRef first, CFTypeRef second) {
     return true;
   }
   const ScopedPool pool;
-  // To Foundation the number 1 equals the boolean YES; to CoreFoundation they are of two types.
+  // In Foundation the number 1 equals the boolean YES; in CoreFoundation their types differ.
   return isBoolean(object(first)) == isBoolean(object(second)) && [object(first) isEqual:object(second)];
 }
 

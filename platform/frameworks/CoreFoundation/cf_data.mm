@@ -6,7 +6,6 @@
 #include "frameworks/Foundation/autorelease_pool.h"
 #include "frameworks/hooks/answers.h"
 #include "frameworks/hooks/calls.h"
-#include "frameworks/hooks/require.h"
 
 using platform::requireObject;
 using platform::ScopedPool;
@@ -16,9 +15,6 @@ namespace calls = platform::calls;
 extern "C" {
 
 CFDataRef CFDataCreate(CFAllocatorRef, const UInt8* bytes, CFIndex length) {
-  if (const auto answer = platform::retainedAnswer<CFDataRef>(calls::answer(Call::CFDataCreate))) {
-    return *answer;
-  }
   if (length < 0 || (bytes == nullptr && length > 0)) {
     return nullptr;
   }
@@ -37,7 +33,7 @@ CFIndex CFDataGetLength(CFDataRef data) {
 }
 
 const UInt8* CFDataGetBytePtr(CFDataRef data) {
-  if (calls::enter(Call::CFDataGetBytePtr)) {
+  if (calls::shouldFail(Call::CFDataGetBytePtr)) {
     return nullptr;
   }
   requireObject(data, "CFDataGetBytePtr");

@@ -6,11 +6,10 @@
 #include "frameworks/Foundation/autorelease_pool.h"
 #include "frameworks/hooks/answers.h"
 #include "frameworks/hooks/calls.h"
-#include "frameworks/hooks/require.h"
 
 using platform::requireObject;
 using platform::ScopedPool;
-using platform::stop;
+using platform::fatal;
 using platform::calls::Call;
 namespace calls = platform::calls;
 
@@ -20,7 +19,7 @@ id object(const void* reference) { return static_cast<id>(const_cast<void*>(refe
 
 const void* retainObject(CFAllocatorRef, const void* value) { return CFRetain(value); }
 void releaseObject(CFAllocatorRef, const void* value) { CFRelease(value); }
-/// The caller releases, as of a call-back named copyDescription.
+/// The caller releases, as the callback's name copyDescription requires.
 CFStringRef describeObject(const void* value) {
   // NOLINTNEXTLINE(clang-analyzer-osx.cocoa.RetainCount)
   return reinterpret_cast<CFStringRef>([[object(value) description] copy]);
@@ -32,7 +31,7 @@ CFHashCode hashObject(const void* value) { return [object(value) hash]; }
 void requireObjectCallBacks(const CFDictionaryKeyCallBacks* keys, const CFDictionaryValueCallBacks* values,
                             const char* function) {
   if (keys != &kCFTypeDictionaryKeyCallBacks || values != &kCFTypeDictionaryValueCallBacks) {
-    stop(function, "only dictionaries of objects are supported");
+    fatal(function, "only dictionaries of objects are supported");
   }
 }
 
@@ -83,7 +82,7 @@ CFMutableDictionaryRef CFDictionaryCreateMutable(CFAllocatorRef, CFIndex capacit
 }
 
 void CFDictionarySetValue(CFMutableDictionaryRef dictionary, const void* key, const void* value) {
-  if (calls::enter(Call::CFDictionarySetValue)) {
+  if (calls::shouldFail(Call::CFDictionarySetValue)) {
     return;
   }
   requireObject(dictionary, "CFDictionarySetValue");
@@ -116,7 +115,7 @@ Boolean CFDictionaryGetValueIfPresent(CFDictionaryRef dictionary, const void* ke
   if (answer.fail) {
     return false;
   }
-  if (answer.number || answer.object != nullptr) {  // with a number, present is what is not there
+  if (answer.number || answer.object != nullptr) {  // with a number: present, and null
     *value = answer.object;
     return true;
   }

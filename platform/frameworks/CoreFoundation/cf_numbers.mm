@@ -9,7 +9,6 @@
 #include "frameworks/Foundation/autorelease_pool.h"
 #include "frameworks/hooks/answers.h"
 #include "frameworks/hooks/calls.h"
-#include "frameworks/hooks/require.h"
 
 using platform::requireObject;
 using platform::ScopedPool;
@@ -18,7 +17,7 @@ namespace calls = platform::calls;
 
 namespace {
 
-/// A number as 64 bits, and whether they say all that there is to say.
+/// A number as 64 bits, and whether that is its exact value.
 struct Bits {
   std::int64_t value = 0;
   bool exact = true;
@@ -58,9 +57,6 @@ Bits bitsOf(NSNumber* number) {
 extern "C" {
 
 CFNumberRef CFNumberCreate(CFAllocatorRef, CFNumberType type, const void* value) {
-  if (const auto answer = platform::retainedAnswer<CFNumberRef>(calls::answer(Call::CFNumberCreate))) {
-    return *answer;
-  }
   requireObject(value, "CFNumberCreate");
   const ScopedPool pool;
   switch (type) {

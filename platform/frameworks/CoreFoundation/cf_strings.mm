@@ -1,4 +1,4 @@
-// CoreFoundation: strings. UTF-8 is the only encoding that these functions know; another one fails.
+// CoreFoundation: strings. UTF-8 is the only encoding; another one fails.
 #include <CoreFoundation/CoreFoundation.h>
 
 #import <Foundation/Foundation.h>
@@ -12,7 +12,6 @@
 #include "frameworks/Foundation/autorelease_pool.h"
 #include "frameworks/hooks/answers.h"
 #include "frameworks/hooks/calls.h"
-#include "frameworks/hooks/require.h"
 
 using platform::requireObject;
 using platform::ScopedPool;
@@ -21,15 +20,15 @@ namespace calls = platform::calls;
 
 namespace {
 
-/// Kept for the life of the process, like the strings in it.
+/// Never freed, like the strings in it.
 struct ConstantStrings {
   std::mutex mutex;
   std::unordered_map<std::string, CFStringRef> by_text;
 };
 
 ConstantStrings& constantStrings() {
-  static auto* const kept = new ConstantStrings;
-  return *kept;
+  static auto* const only = new ConstantStrings;
+  return *only;
 }
 
 constexpr CFIndex kUtf8BytesPerUnit = 3;
@@ -55,9 +54,6 @@ CFStringRef __CFStringMakeConstantString(const char* text) {
 
 CFStringRef CFStringCreateWithBytes(CFAllocatorRef, const UInt8* bytes, CFIndex length, CFStringEncoding encoding,
                                     Boolean) {
-  if (const auto answer = platform::retainedAnswer<CFStringRef>(calls::answer(Call::CFStringCreateWithBytes))) {
-    return *answer;
-  }
   if (length < 0 || (bytes == nullptr && length > 0) || encoding != kCFStringEncodingUTF8) {
     return nullptr;
   }
@@ -91,14 +87,14 @@ CFIndex CFStringGetMaximumSizeForEncoding(CFIndex length, CFStringEncoding encod
 }
 
 Boolean CFStringGetCString(CFStringRef string, char* buffer, CFIndex bufferSize, CFStringEncoding encoding) {
-  if (calls::enter(Call::CFStringGetCString)) {
+  if (calls::shouldFail(Call::CFStringGetCString)) {
     return false;
   }
   requireObject(string, "CFStringGetCString");
   if (buffer == nullptr || bufferSize <= 0 || encoding != kCFStringEncodingUTF8) {
     return false;
   }
-  // A UTF-8 text of as many bytes as the string has UTF-16 units is ASCII, with which nothing can go wrong.
+  // Fast path: UTF-8 of as many bytes as the string has UTF-16 units is ASCII, which is complete and correct.
   const NSUInteger length = [(NSString*)string length];
   if (length < static_cast<NSUInteger>(bufferSize) &&
       [(NSString*)string getCString:buffer

@@ -4,10 +4,9 @@
 #import <Foundation/Foundation.h>
 
 #include "frameworks/Foundation/autorelease_pool.h"
-#include "frameworks/Foundation/file_url.h"
+#include "frameworks/Foundation/utf8_objects.h"
 #include "frameworks/hooks/answers.h"
 #include "frameworks/hooks/calls.h"
-#include "frameworks/hooks/require.h"
 
 using platform::requireObject;
 using platform::ScopedPool;
@@ -18,9 +17,6 @@ extern "C" {
 
 CFURLRef CFURLCreateWithFileSystemPath(CFAllocatorRef, CFStringRef filePath, CFURLPathStyle pathStyle,
                                        Boolean isDirectory) {
-  if (const auto answer = platform::retainedAnswer<CFURLRef>(calls::answer(Call::CFURLCreateWithFileSystemPath))) {
-    return *answer;
-  }
   requireObject(filePath, "CFURLCreateWithFileSystemPath");
   if (pathStyle != kCFURLPOSIXPathStyle) {
     return nullptr;
@@ -42,9 +38,6 @@ CFStringRef CFURLCopyFileSystemPath(CFURLRef url, CFURLPathStyle pathStyle) {
 }
 
 CFStringRef CFURLGetString(CFURLRef url) {
-  if (const auto answer = platform::borrowedAnswer<CFStringRef>(calls::answer(Call::CFURLGetString))) {
-    return *answer;
-  }
   requireObject(url, "CFURLGetString");
   return reinterpret_cast<CFStringRef>([(NSURL*)url relativeString]);  // the URL's own
 }

@@ -13,7 +13,6 @@
 #include "frameworks/Foundation/autorelease_pool.h"
 #include "frameworks/hooks/answers.h"
 #include "frameworks/hooks/calls.h"
-#include "frameworks/hooks/require.h"
 
 using platform::requireObject;
 using platform::ScopedPool;
@@ -30,16 +29,16 @@ namespace calls = platform::calls;
 
 namespace {
 
-/// Guards the table and every UUID's count of references: the last release and a new creation of the same value may
-/// meet. Kept for the life of the process.
+/// Guards the table and every UUID's reference count, because the last release may race with a new creation of the same
+/// value. Never freed.
 struct Table {
   std::mutex mutex;
   std::map<Uuid, PlatformUUID*> objects;
 };
 
 Table& table() {
-  static auto* const kept = new Table;
-  return *kept;
+  static auto* const only = new Table;
+  return *only;
 }
 
 constexpr std::size_t kTextLength = 36;
@@ -171,9 +170,6 @@ bool isUuid(id value) { return [value isKindOfClass:[PlatformUUID class]]; }
 extern "C" {
 
 CFUUIDRef CFUUIDCreateFromUUIDBytes(CFAllocatorRef, CFUUIDBytes bytes) {
-  if (const auto answer = platform::retainedAnswer<CFUUIDRef>(calls::answer(Call::CFUUIDCreateFromUUIDBytes))) {
-    return *answer;
-  }
   Uuid value{};
   static_assert(sizeof value == sizeof bytes);
   std::memcpy(value.data(), &bytes, sizeof bytes);
@@ -181,9 +177,6 @@ CFUUIDRef CFUUIDCreateFromUUIDBytes(CFAllocatorRef, CFUUIDBytes bytes) {
 }
 
 CFUUIDRef CFUUIDCreateFromString(CFAllocatorRef, CFStringRef text) {
-  if (const auto answer = platform::retainedAnswer<CFUUIDRef>(calls::answer(Call::CFUUIDCreateFromString))) {
-    return *answer;
-  }
   requireObject(text, "CFUUIDCreateFromString");
   const std::optional<Uuid> bytes = parse((NSString*)text);
   return bytes ? platform::makeUuid(*bytes) : nullptr;

@@ -1,4 +1,4 @@
-// UUID objects, for the frameworks among themselves: these functions are neither counted nor made to fail.
+// UUID objects, shared by the frameworks. Neither counted nor made to fail.
 #pragma once
 
 #include <CoreFoundation/CoreFoundation.h>

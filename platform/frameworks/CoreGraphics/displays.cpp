@@ -69,7 +69,7 @@ CGError list(const Answer& answer, uint32_t capacity, CGDirectDisplayID* numbers
   return static_cast<CGError>(answer.late_error.value_or(kCGErrorSuccess));
 }
 
-/// What CoreGraphics answers for the vendor, model and serial number of a display that is not there.
+/// CoreGraphics' vendor, model and serial number of an unknown display.
 constexpr uint32_t kNoNumber = 0xFFFFFFFF;
 
 uint32_t number(Call call, CGDirectDisplayID display, uint32_t Display::*member) {

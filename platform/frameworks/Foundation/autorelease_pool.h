@@ -1,16 +1,16 @@
-// Autorelease pools, as far as C++ code needs them.
+// Autorelease pools for C++ code.
 //
-// Foundation here complains on stderr, once per object, when something is autoreleased on a thread that has no pool. So
-// the thread that loads this library gets a pool at the bottom, which is never drained, and every framework function
-// that autoreleases on its way has a pool of its own around that work.
+// This Foundation writes a line to stderr for each object that is autoreleased on a thread without a pool. So the
+// thread that loads this library gets a bottom pool, which is never drained (startup.mm), and every framework function
+// that autoreleases has its own pool around that work.
 #pragma once
 
 #include <CoreFoundation/CoreFoundation.h>
 
 CF_EXTERN_C_BEGIN
 
-/// The Objective-C run-time's entry points of the same names: what is autoreleased on this thread after a push is
-/// released by the pop that is given the push's result. Pops come in the reverse order of pushes, on the same thread.
+/// The Objective-C run-time's entry points of the same names. A pop takes its push's result and releases what was
+/// autoreleased since. Pops come in the reverse order of pushes, on the same thread.
 CF_EXPORT void* objc_autoreleasePoolPush(void);
 CF_EXPORT void objc_autoreleasePoolPop(void* pool);
 

@@ -1,11 +1,10 @@
-// Makes the system's Foundation behave as Apple's does, where the two differ in what the plugin sees.
+// Makes the system's Foundation behave like Apple's, where the plugin sees a difference.
 //
-// The methods are replaced when this library is loaded, for the whole process, before anything that links to it runs.
-// Each function below says what differs; in everything else it does what the method did.
+// Methods are replaced for the whole process when this library is loaded, before anything that links to it runs. Each
+// function below changes what its comment names and nothing else.
 //
-// Left as they are, because nothing here depends on them: a file URL made from a relative path is absolute at once
-// instead of being relative to the current directory, and characters with accents are not decomposed in file URLs,
-// because file names are bytes here and a decomposed name is another name.
+// Two differences stay, because nothing depends on them: a file URL made from a relative path is absolute at once, and
+// accented characters are not decomposed in file URLs, because here a decomposed file name is another name.
 #import <Foundation/Foundation.h>
 
 #include <objc/runtime.h>
@@ -21,7 +20,7 @@ extern "C" const char* GSPathHandling(const char* mode);  // Foundation exports 
 
 namespace {
 
-// --- searching: the empty string is found nowhere; the system's Foundation finds it at the start. containsString: asks
+// --- searching: the empty string is never found; the system's Foundation finds it at the start. containsString: calls
 //     rangeOfString: in both.
 
 constexpr NSRange kNotFound = {NSNotFound, 0};
@@ -41,30 +40,29 @@ struct Originals {
 
 Originals originals;
 
-/// An empty regular expression does match, also on the Mac; a null part is for the original to complain about.
-bool isFoundNowhere(NSString* part, NSStringCompareOptions options) {
+/// An empty regular expression matches, also on the Mac; a null part is left to the original, which raises.
+bool isNeverFound(NSString* part, NSStringCompareOptions options) {
   return part != nil && [part length] == 0 && (options & NSRegularExpressionSearch) == 0;
 }
 
 NSRange rangeOfString(id self, SEL selector, NSString* part) {
-  return isFoundNowhere(part, 0) ? kNotFound : originals.rangeOfString(self, selector, part);
+  return isNeverFound(part, 0) ? kNotFound : originals.rangeOfString(self, selector, part);
 }
 
 NSRange rangeOfStringOptions(id self, SEL selector, NSString* part, NSStringCompareOptions options) {
-  return isFoundNowhere(part, options) ? kNotFound : originals.rangeOfStringOptions(self, selector, part, options);
+  return isNeverFound(part, options) ? kNotFound : originals.rangeOfStringOptions(self, selector, part, options);
 }
 
 template <auto Original>
 NSRange rangeOfStringOptionsRange(id self, SEL selector, NSString* part, NSStringCompareOptions options,
                                   NSRange range) {
-  return isFoundNowhere(part, options) && NSMaxRange(range) <= [self length]
+  return isNeverFound(part, options) && NSMaxRange(range) <= [self length]
              ? kNotFound
              : (originals.*Original)(self, selector, part, options, range);
 }
 
-// --- surrogates that stand alone, as at the end of a part of a string: they make no UTF-8, where the system's
-// Foundation
-//     raises an exception, and a lossy conversion alters them, where it gives up
+// --- lone surrogates, as at the end of a substring: UTF8String returns null and a lossy conversion replaces them; in
+//     the system's Foundation the first raises an exception and the second fails
 
 template <auto Original>
 const char* utf8String(id self, SEL selector) {
@@ -78,7 +76,7 @@ const char* utf8String(id self, SEL selector) {
 bool isHighSurrogate(unichar unit) { return (unit & 0xFC00) == 0xD800; }
 bool isLowSurrogate(unichar unit) { return (unit & 0xFC00) == 0xDC00; }
 
-/// A copy of the text with U+FFFD for each surrogate that stands alone; nil when none does.
+/// A copy of the text with U+FFFD for each lone surrogate; nil when there is none.
 NSString* withoutLoneSurrogates(NSString* text) {
   constexpr unichar kReplacement = 0xFFFD;
   std::vector<unichar> units([text length]);
@@ -107,10 +105,9 @@ NSData* dataUsingEncoding(id self, SEL selector, NSStringEncoding encoding, BOOL
   return [withoutLoneSurrogates(self) dataUsingEncoding:encoding allowLossyConversion:lossy];
 }
 
-// --- file URLs: whether one is a directory's is for the caller to say; when he does not, a trailing slash says so, and
-//     without one the file system. The system's Foundation asks the file system even when the caller says, leaves a
-//     trailing slash where the caller says that there is no directory, drops it from a relative path, and takes "~" for
-//     the root.
+// --- file URLs: the caller decides whether a URL is a directory's; without the caller's word a trailing slash decides,
+//     then the file system. The system's Foundation always looks at the file system, keeps a trailing slash that the
+//     caller excluded, drops it from a relative path, and takes "~" for the root.
 
 /// Nil when the current directory is gone.
 NSString* absolutePath(NSString* path) {
@@ -199,9 +196,9 @@ NSString* path(id self, SEL selector) {
   return [NSString stringWithUTF8String:unescaped.c_str()];
 }
 
-// --- putting them in place
+// --- replacing the methods
 
-/// Puts `replacement` in the place of the method that `type` itself implements, and gives what was there.
+/// Replaces the method that `type` itself implements and returns the original.
 template <typename Function>
 Function replace(Class type, SEL selector, Function replacement) {
   Method method = class_getInstanceMethod(type, selector);
@@ -211,14 +208,14 @@ Function replace(Class type, SEL selector, Function replacement) {
 
 void doNothing(id, SEL) {}
 
-/// The run-time does not tell subclasses that are already in use of a replaced method, but it does of a new one.
-void tellSubclasses(Class type) {
+/// The run-time updates subclasses in use when a method is added, but not when one is replaced.
+void updateSubclasses(Class type) {
   class_addMethod(type, sel_registerName("platformHasReplacedMethods"), reinterpret_cast<IMP>(doNothing), "v16@0:8");
 }
 
 void replaceStringMethods() {
   const Class string = [NSString class];
-  // Classes that have these methods of their own; those that are not here hold no surrogates.
+  // Classes with these methods of their own; others hold no surrogates.
   const Class unicode_string = objc_getClass("GSUnicodeString");
   const Class mutable_string = objc_getClass("GSMutableString");
   const Class immutable_string = objc_getClass("GSImmutableString");
@@ -237,7 +234,7 @@ void replaceStringMethods() {
       replace(string, @selector(dataUsingEncoding:allowLossyConversion:), dataUsingEncoding<&Originals::data>);
   originals.dataOfImmutableString = replace(immutable_string, @selector(dataUsingEncoding:allowLossyConversion:),
                                             dataUsingEncoding<&Originals::dataOfImmutableString>);
-  tellSubclasses(string);
+  updateSubclasses(string);
 }
 
 void replaceUrlMethods() {
@@ -245,20 +242,19 @@ void replaceUrlMethods() {
   replace(url, @selector(initFileURLWithPath:), initFileUrlWithPath);
   replace(url, @selector(initFileURLWithPath:isDirectory:), initFileUrlWithPathIsDirectory);
   originals.path = replace(url, @selector(path), path);
-  tellSubclasses(url);
+  updateSubclasses(url);
 }
 
 void closeDifferences() {
   replaceStringMethods();
   replaceUrlMethods();
-  // "\" is a character like others in a path; the system's Foundation would take it for a separator too.
+  // "\" is an ordinary character in a path; the system's Foundation also takes it for a separator.
   GSPathHandling("unix");
 }
 
 }  // namespace
 
-/// Loaded with this library: by then the selectors that this file uses are registered, which is not so in an
-/// initialiser.
+/// Runs when this library is loaded, after the selectors of this file are registered; an initialiser would run before.
 @interface PlatformFoundationDifferences : NSObject
 @end
 

@@ -1,5 +1,4 @@
-// The version of macOS that the frameworks of this library say they are, for code that asks at run time what it may
-// call.
+// The version of macOS that the frameworks of this library report.
 #pragma once
 
 #include "desktop/model/export.h"
@@ -12,11 +11,10 @@ struct SystemVersion {
   long patch = 0;
 };
 
-/// What they say unless a test has said otherwise.
+/// The version until a test sets another.
 inline constexpr SystemVersion kSystemVersion = {11, 0, 0};
 
-/// Changes the answer of -[NSProcessInfo isOperatingSystemAtLeastVersion:] in this process. Not while it is being
-/// asked.
+/// Sets the version that isOperatingSystemAtLeastVersion: compares with, for this process. Not thread-safe.
 PLATFORM_API void setSystemVersion(SystemVersion version);
 
 }  // namespace platform

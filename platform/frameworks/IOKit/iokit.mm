@@ -9,6 +9,7 @@
 
 #include "desktop/current.h"
 #include "frameworks/Foundation/autorelease_pool.h"
+#include "frameworks/Foundation/utf8_objects.h"
 #include "frameworks/IOKit/io_handles.h"
 #include "frameworks/IOKit/preferred_name.h"
 #include "frameworks/hooks/answers.h"
@@ -27,14 +28,11 @@ constexpr const char* kProviderClassKey = "IOProviderClass";
 constexpr const char* kDisplayConnectClass = "IODisplayConnect";
 
 IoHandles& handles() {
-  static auto* const kept = new IoHandles;
-  return *kept;
+  static auto* const only = new IoHandles;
+  return *only;
 }
 
-NSString* text(std::string_view utf8) {
-  NSString* const made = [[NSString alloc] initWithBytes:utf8.data() length:utf8.size() encoding:NSUTF8StringEncoding];
-  return [made autorelease];
-}
+NSString* text(std::string_view utf8) { return [platform::newString(utf8) autorelease]; }
 
 bool matchesDisplays(NSDictionary* matching) {
   return [[matching objectForKey:text(kProviderClassKey)] isEqual:text(kDisplayConnectClass)];
@@ -54,7 +52,7 @@ NSDictionary* nameDictionary(const ProductNames& names) {
   for (const auto& [language, name] : names) {
     NSString* const key = text(language);
     NSString* const value = text(name);
-    if (key != nil && value != nil) {  // what is no UTF-8 is no name
+    if (key != nil && value != nil) {  // null: invalid UTF-8
       [entries setObject:value forKey:key];
     }
   }

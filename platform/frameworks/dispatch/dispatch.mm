@@ -1,9 +1,8 @@
-// libdispatch: serial queues, each on a thread of its own while it has work. A thread that has run out of work waits a
-// while for another queue before it ends, so that queue after queue costs one thread.
+// libdispatch: serial queues, each on its own thread while it has work. An idle thread waits some seconds for another
+// queue before it ends, so that one queue after another costs one thread.
 //
-// A worker may still be running a block while the process exits, or may never come back from one. So everything that a
-// worker touches is kept for the life of the process: a queue is never freed, nothing here has a destructor that runs
-// at exit, and nobody joins the thread, which is detached.
+// A worker may still run a block while the process exits, or never return from one. So nothing that a worker touches is
+// freed: queues live as long as the process, no destructor runs at exit, and threads are detached.
 #include <dispatch/dispatch.h>
 
 #import <Foundation/Foundation.h>
@@ -20,9 +19,7 @@
 #include <string>
 
 #include "frameworks/Foundation/autorelease_pool.h"
-#include "frameworks/dispatch/dispatch_work.h"
 #include "frameworks/hooks/calls.h"
-#include "frameworks/hooks/require.h"
 
 using platform::requireObject;
 using platform::ScopedPool;
@@ -40,7 +37,7 @@ namespace {
 
 std::atomic<std::size_t> unfinished{0};
 
-/// The next block, or null when there is none: then the queue has no worker any more.
+/// The next block; null when there is none, and then the queue has no worker.
 dispatch_block_t takeBlock(dispatch_queue_s& queue) {
   const std::lock_guard lock(queue.mutex);
   if (queue.blocks.empty()) {
@@ -52,7 +49,7 @@ dispatch_block_t takeBlock(dispatch_queue_s& queue) {
   return block;
 }
 
-/// Names the thread after its queue, as far as the system's 15 characters go.
+/// Names the thread after its queue, within the system's 15 characters.
 void nameThread(const std::string& label) {
   constexpr std::size_t kLongestName = 15;
   if (!label.empty()) {
@@ -60,8 +57,7 @@ void nameThread(const std::string& label) {
   }
 }
 
-/// Where workers without a queue and queues without a worker meet. A queue is only put here when a worker waits for it:
-/// there are never more queues than waiting workers.
+/// Gives queues to idle workers. There are never more queues here than waiting workers.
 class IdleWorkers {
  public:
   /// Gives the queue to a waiting worker; false when none is free.
@@ -75,7 +71,7 @@ class IdleWorkers {
     return true;
   }
 
-  /// Waits for a queue; null when none came in time.
+  /// Waits for a queue; null on timeout.
   dispatch_queue_s* await() {
     constexpr std::chrono::seconds kPatience(5);
     std::unique_lock lock(mutex_);
@@ -98,8 +94,8 @@ class IdleWorkers {
 };
 
 IdleWorkers& idleWorkers() {
-  static auto* const kept = new IdleWorkers;
-  return *kept;
+  static auto* const only = new IdleWorkers;
+  return *only;
 }
 
 void runBlocks(dispatch_queue_s& queue) {
@@ -113,8 +109,8 @@ void runBlocks(dispatch_queue_s& queue) {
 }
 
 void* work(void* argument) {
-  // Said to Foundation on purpose: it otherwise notices the thread on the first autorelease, and clears up after it
-  // only when the thread's own data is being destroyed.
+  // Otherwise Foundation registers the thread at its first autorelease, and frees that only while the thread's data is
+  // being destroyed.
   GSRegisterCurrentThread();
   for (auto* queue = static_cast<dispatch_queue_s*>(argument); queue != nullptr; queue = idleWorkers().await()) {
     runBlocks(*queue);
@@ -144,10 +140,10 @@ std::size_t platform::unfinishedBlocks() { return unfinished.load(); }
 extern "C" {
 
 dispatch_queue_t dispatch_queue_create(const char* label, dispatch_queue_attr_t) noexcept {
-  if (calls::enter(Call::dispatch_queue_create)) {
+  if (calls::shouldFail(Call::dispatch_queue_create)) {
     return nullptr;
   }
-  auto* const queue = new (std::nothrow) dispatch_queue_s;  // kept for the life of the process
+  auto* const queue = new (std::nothrow) dispatch_queue_s;  // never freed
   if (queue == nullptr) {
     return nullptr;
   }
@@ -156,7 +152,7 @@ dispatch_queue_t dispatch_queue_create(const char* label, dispatch_queue_attr_t)
 }
 
 void dispatch_async(dispatch_queue_t queue, dispatch_block_t block) noexcept {
-  if (calls::enter(Call::dispatch_async)) {
+  if (calls::shouldFail(Call::dispatch_async)) {
     return;
   }
   requireObject(queue, "dispatch_async");

@@ -1,4 +1,4 @@
-// What the frameworks do with an answer that a hook gave: objects in place of their own, and edited dictionaries.
+// How a framework call uses its hook's answer: an object instead of its own, an edited dictionary.
 // Any thread.
 #pragma once
 
@@ -10,7 +10,7 @@
 
 namespace platform {
 
-/// What the call answers at once; nothing when it is to do its work. For calls that hand out a borrowed object.
+/// What the call returns at once; nullopt when it does its work. For calls that return a borrowed object.
 template <typename Ref>
 std::optional<Ref> borrowedAnswer(const calls::Answer& answer) {
   if (answer.fail) {
@@ -22,7 +22,7 @@ std::optional<Ref> borrowedAnswer(const calls::Answer& answer) {
   return std::nullopt;
 }
 
-/// The same for calls whose caller releases the result: an object comes with a reference.
+/// The same for calls whose result the caller releases.
 template <typename Ref>
 std::optional<Ref> retainedAnswer(const calls::Answer& answer) {
   if (!answer.fail && answer.object != nullptr) {
@@ -31,18 +31,18 @@ std::optional<Ref> retainedAnswer(const calls::Answer& answer) {
   return borrowedAnswer<Ref>(answer);
 }
 
-/// Has `look` look at the entry, or at what the hook makes of it, and answers what `look` answers.
+/// Passes the entry, or what the hook makes of it, to `look` and returns its result.
 template <typename Look>
 bool showEntry(const calls::Edit* edit, CFDictionaryRef entry, Look look) {
   if (edit == nullptr) {
     return look(entry);
   }
   const CFTypeRef edited = (*edit)(entry);
-  const bool answer = look(static_cast<CFDictionaryRef>(edited));
+  const bool result = look(static_cast<CFDictionaryRef>(edited));
   if (edited != nullptr) {
     CFRelease(edited);
   }
-  return answer;
+  return result;
 }
 
 }  // namespace platform

@@ -1,5 +1,7 @@
 #include "frameworks/hooks/calls.h"
 
+#include <cstdio>
+#include <cstdlib>
 #include <memory>
 #include <mutex>
 
@@ -22,10 +24,10 @@ struct Hooks {
   std::array<HookSlot, kCallCount> slots;
 };
 
-/// Kept for the life of the process: a walk may still be running while the process exits.
+/// Never freed: a walk may still be running while the process exits.
 Hooks& hooks() {
-  static auto* const kept = new Hooks;
-  return *kept;
+  static auto* const only = new Hooks;
+  return *only;
 }
 
 std::size_t index(Call call) { return static_cast<std::size_t>(call); }
@@ -81,3 +83,12 @@ std::optional<Call> find(std::string_view wanted) {
 }
 
 }  // namespace platform::calls
+
+namespace platform {
+
+void fatal(const char* function, const char* reason) {
+  std::fprintf(stderr, "%s: %s\n", function, reason);
+  std::abort();
+}
+
+}  // namespace platform

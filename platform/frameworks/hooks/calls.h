@@ -1,7 +1,7 @@
-// Every framework call passes through here on its way in: it is counted, and a test may make it fail.
+// The entrance of every framework call: it is counted, a test may make it fail, and a null object is fatal.
 //
-// The calls are listed once, in calls.def; a framework function begins with `if (calls::enter(Call::Name)) return
-// FAILURE;`.
+// The calls are listed once, in calls.def; a framework function begins with `if (calls::shouldFail(Call::Name)) return
+// FAILURE;`. Any thread.
 #pragma once
 
 #include <array>
@@ -27,21 +27,21 @@ enum class Call : std::size_t {
 
 inline constexpr std::size_t kCallCount = static_cast<std::size_t>(Call::kCount);
 
-/// Makes something else of a dictionary that a call hands out, or is given. Gets it borrowed; answers an object of any
-/// type with a reference for the caller, or null.
+/// Replaces a dictionary that a call hands out or is given. Borrows the dictionary; returns an object of any type that
+/// the caller releases, or null.
 using Edit = std::function<const void*(const void* dictionary)>;
 
-/// What a hook makes of one call. Of the members that a call has no use for, nothing comes.
+/// What a hook changes about one call. Members that do not apply to the call are ignored.
 struct Answer {
-  bool fail = false;  ///< the call does nothing and answers its failure value: null, an error code, false
-  /// What the call reports in place of the truth: a count, a length, a handle, a display's number, a truth value.
+  bool fail = false;  ///< the call does nothing and returns its failure value: null, an error code, false
+  /// What the call reports instead of the truth: a count, a length, a handle, a display's number, a Boolean.
   std::optional<std::int64_t> number{};
-  std::optional<double> real{};         ///< the same, of a scale factor
-  std::optional<desktop::Rect> rect{};  ///< the same, of a rectangle
-  std::optional<std::int32_t> error{};  ///< the call does nothing and answers this code, which may be that of success
-  std::optional<std::int32_t> late_error{};  ///< the call does its work, and then answers this code all the same
-  const void* object = nullptr;              ///< borrowed; what the call answers, whatever its own type is
-  const Edit* edit = nullptr;  ///< borrowed, for as long as the call may use it; for calls with a dictionary
+  std::optional<double> real{};              ///< the same, for a scale factor
+  std::optional<desktop::Rect> rect{};       ///< the same, for a rectangle
+  std::optional<std::int32_t> error{};       ///< the call does nothing and returns this code, which may mean success
+  std::optional<std::int32_t> late_error{};  ///< the call does its work, then returns this code
+  const void* object = nullptr;              ///< borrowed; the call returns it, of any type
+  const Edit* edit = nullptr;                ///< borrowed for the length of the call; for calls with a dictionary
 };
 
 /// `nth` is 1 for the first call after the hook was set. A hook runs on the calling thread, before the call does its
@@ -62,7 +62,7 @@ extern std::atomic<bool> any_hook;
 Answer askHook(Call call);
 }  // namespace detail
 
-/// Counts the call and gives its answer.
+/// Counts the call and returns what its hook changes.
 inline Answer answer(Call call) {
   detail::counts[static_cast<std::size_t>(call)].fetch_add(1, std::memory_order_relaxed);
   if (!detail::any_hook.load(std::memory_order_acquire)) [[likely]] {
@@ -71,7 +71,24 @@ inline Answer answer(Call call) {
   return detail::askHook(call);
 }
 
-/// True when the call is to fail.
-inline bool enter(Call call) { return answer(call).fail; }
+/// Counts the call.
+inline bool shouldFail(Call call) { return answer(call).fail; }
 
 }  // namespace platform::calls
+
+namespace platform {
+
+/// Writes "FUNCTION: REASON" as one line to stderr and aborts.
+[[noreturn]] void fatal(const char* function, const char* reason);
+
+/// Fatal for null, as on the Mac, so that a test finds a guard that the plugin lacks.
+inline void requireObject(const void* object, const char* function) {
+  if (object == nullptr) [[unlikely]] {
+    fatal(function, "null object");
+  }
+}
+
+/// Blocks that were given to a queue and have not returned yet, for tests that wait for them.
+PLATFORM_API std::size_t unfinishedBlocks();
+
+}  // namespace platform

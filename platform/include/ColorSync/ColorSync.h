@@ -48,9 +48,9 @@ CF_EXPORT CFDataRef ColorSyncProfileCopyTag(ColorSyncProfileRef profile, CFStrin
 
 // --- displays and their UUIDs
 
-/// Null for a number that is no active display; the caller releases.
+/// Null for the number of an inactive display; the caller releases.
 CF_EXPORT CFUUIDRef CGDisplayCreateUUIDFromDisplayID(uint32_t displayID);
-/// 0 for a UUID that is no active display's.
+/// 0 for any UUID but an active display's.
 CF_EXPORT uint32_t CGDisplayGetDisplayIDFromUUID(CFUUIDRef uuid);
 
 CF_EXTERN_C_END

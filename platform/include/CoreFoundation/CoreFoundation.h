@@ -2,9 +2,8 @@
 //
 // Types are toll-free bridged to Foundation objects: a CFStringRef is an NSString*, a CFURLRef an NSURL*, and so on.
 // Any thread may call any function; objects follow Foundation's own rules. Functions named Create or Copy return a
-// reference that the caller releases; functions named Get return a borrowed one. As on the Mac, null is no object: a
-// null argument where an object is needed stops the process, so that a missing guard is found here and not on a
-// customer's Mac.
+// reference that the caller releases; functions named Get return a borrowed one. As on the Mac, a null argument where
+// an object is needed aborts the process, so that a missing guard is found here and not on a customer's Mac.
 #pragma once
 
 #include <stddef.h>
@@ -122,7 +121,7 @@ typedef struct {
   CFDictionaryEqualCallBack equal;
 } CFDictionaryValueCallBacks;
 
-/// The only call-backs that the dictionary functions here accept: keys and values are objects, retained by the
+/// The only callbacks that the dictionary functions here accept: keys and values are objects, retained by the
 /// dictionary.
 CF_EXPORT const CFDictionaryKeyCallBacks kCFTypeDictionaryKeyCallBacks;
 CF_EXPORT const CFDictionaryValueCallBacks kCFTypeDictionaryValueCallBacks;

@@ -25,9 +25,9 @@ CF_EXPORT CGError CGGetActiveDisplayList(uint32_t maxDisplays, CGDirectDisplayID
 /// The same, for the displays whose bounds meet `rect`.
 CF_EXPORT CGError CGGetDisplaysWithRect(CGRect rect, uint32_t maxDisplays, CGDirectDisplayID* displays,
                                         uint32_t* matchingDisplayCount);
-/// The empty rectangle at the origin for a number that is no active display.
+/// The empty rectangle at the origin for any number but an active display's.
 CF_EXPORT CGRect CGDisplayBounds(CGDirectDisplayID display);
-/// EDID's 16-bit packed manufacturer id; all three are 0xFFFFFFFF for a number that is no active display.
+/// EDID's 16-bit packed manufacturer id; all three are 0xFFFFFFFF for any number but an active display's.
 CF_EXPORT uint32_t CGDisplayVendorNumber(CGDirectDisplayID display);
 CF_EXPORT uint32_t CGDisplayModelNumber(CGDirectDisplayID display);
 /// 0 for a display without a serial number.

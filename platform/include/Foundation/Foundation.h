@@ -1,5 +1,5 @@
-// The system's Foundation, with its point, size and rectangle under CoreGraphics' names, as on the Mac, and with what
-// the plugin asks of Foundation beyond it.
+// The system's Foundation, with its point, size and rectangle under CoreGraphics' names, as on the Mac, and with the
+// version query that it lacks.
 #pragma once
 
 #define _NSPoint CGPoint
@@ -17,6 +17,6 @@ typedef struct {
 } NSOperatingSystemVersion;
 
 @interface NSProcessInfo (OperatingSystemVersion)
-/// Whether the frameworks are those of this version of macOS or a later one (frameworks/system_version.h).
+/// True when the frameworks are those of this version of macOS or a later one (frameworks/Foundation/system_version.h).
 - (BOOL)isOperatingSystemAtLeastVersion:(NSOperatingSystemVersion)version;
 @end

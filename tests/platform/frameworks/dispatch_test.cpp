@@ -231,8 +231,8 @@ TEST(AsyncDeath, OnNullStopsTheProcess) {
   EXPECT_DEATH(dispatch_async(nullptr,
                               ^{
                               }),
-               "dispatch_async: null is no object");
-  EXPECT_DEATH(dispatch_async(dispatch_queue_create("Q", nullptr), nullptr), "dispatch_async: null is no object");
+               "dispatch_async: null object");
+  EXPECT_DEATH(dispatch_async(dispatch_queue_create("Q", nullptr), nullptr), "dispatch_async: null object");
 }
 
 /// Exits with status 0 while the workers of several queues are at work: some are waiting for ever, the others run one

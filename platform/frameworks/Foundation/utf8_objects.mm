@@ -1,10 +1,10 @@
-#include "frameworks/Foundation/file_url.h"
+#include "frameworks/Foundation/utf8_objects.h"
 
 #include <algorithm>
 
 #include "frameworks/Foundation/autorelease_pool.h"
 
-/// A URL whose path need not be worked out.
+/// A URL that keeps the path it was made from.
 @interface PlatformFileURL : NSURL {
   NSString* _filePath;
 }
@@ -14,17 +14,13 @@
 
 namespace {
 
-/// True for a path that stands in a URL as it is.
+/// True for an absolute path that needs no escapes in a URL.
 bool isPlain(const std::string& path) {
   const auto plain = [](unsigned char character) {
     return (character >= 'a' && character <= 'z') || (character >= 'A' && character <= 'Z') ||
            (character >= '-' && character <= '9') || character == '_' || character == '~';  // '-' to '9': - . / digits
   };
   return path.starts_with('/') && !path.starts_with("//") && std::all_of(path.begin(), path.end(), plain);
-}
-
-NSString* newString(const std::string& text) {
-  return [[NSString alloc] initWithBytes:text.data() length:text.size() encoding:NSUTF8StringEncoding];
 }
 
 }  // namespace
@@ -64,6 +60,10 @@ NSString* newString(const std::string& text) {
 @end
 
 namespace platform {
+
+NSString* newString(std::string_view utf8) {
+  return [[NSString alloc] initWithBytes:utf8.data() length:utf8.size() encoding:NSUTF8StringEncoding];
+}
 
 NSURL* newFileUrl(const std::string& path) {
   NSString* const text = newString(path);
