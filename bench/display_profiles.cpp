@@ -145,7 +145,7 @@ Pair setProfilePair(uint32_t display) {
 }
 
 void addLiveRows(const Suite& suite, LiveDesktop& live) {
-  /// Every assignment has all devices read again, which takes a call to colord for each.
+  // Every assignment has all devices read again, a call to colord for each.
   constexpr long kMostForAssignment = 100;
   for (const long devices : suite.sizes({3, 10, 100, 1000})) {
     const auto add = [&](const char* method, const char* twin, double bar, std::function<Pair(uint32_t)> pair_of) {

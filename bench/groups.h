@@ -18,8 +18,8 @@ inline constexpr int kGridColumns = 8;
 inline constexpr int kGridWidth = 400;
 inline constexpr int kGridHeight = 225;
 
-/// An X server and a colord of the benchmark's own: three displays with kProfile. The servers start with the
-/// first use and end with the object.
+/// An X server and a colord of the benchmark's own, and three displays with kProfile. The servers start with the first
+/// use and end with the object.
 class LiveDesktop {
  public:
   LiveDesktop();
@@ -27,14 +27,14 @@ class LiveDesktop {
   LiveDesktop(const LiveDesktop&) = delete;
   LiveDesktop& operator=(const LiveDesktop&) = delete;
 
-  /// Makes this the desktop in use, with the three displays or, for good, with another number in a grid.
+  /// Makes this the desktop in use, with the three displays or, permanently, with more in a grid.
   void use(long displays);
 
-  /// For these, the desktop is in use.
+  // To be called after use().
   test_support::PrivateColord& colord();
   /// The CGDirectDisplayID of an output, such as "DUMMY0".
   std::uint32_t display(const std::string& output);
-  /// Has colord hold as many devices, those of the three displays included; there are never fewer again.
+  /// Registers absent displays with colord until it has this many devices, those of the three displays included.
   void growDevices(long count);
 
  private:

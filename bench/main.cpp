@@ -129,7 +129,7 @@ void printHelp() {
       "bench/run --count           count the instructions of calls about scripted displays, by callgrind\n"
       "bench/run --doc [FILE.md]   measure, then renew the rows of docs/performance.md and its plot\n"
       "\n"
-      "Exit status: 0 done, 1 a row failed, or, with --strict, is over its bar.");
+      "Exit status: 0 done; 1 a row failed, no row matches or, with --strict, one is over its bar.");
 }
 
 struct Options {
@@ -171,7 +171,9 @@ int main(int count, char** texts) {
   addProfileFiles(suite);
   addText(suite);
   TableReporter table;
-  benchmark::RunSpecifiedBenchmarks(&table);
+  if (benchmark::RunSpecifiedBenchmarks(&table) == 0) {
+    return 1;  // the filter matches no row, which is reported
+  }
   if (table.over() > 0) {
     std::cerr << "Rows over their bars: " << table.over() << '\n';
   }

@@ -100,6 +100,10 @@ TEST(BenchRun, FailsForARowThatCannotBeMeasured) {
   EXPECT_THAT(result.errors, HasSubstr("ICCTagExists/10 tags/lcms2: open, look for the tag, close: "));
 }
 
+TEST(BenchRun, FailsForAFilterThatMatchesNoRow) {
+  EXPECT_EQ(test_support::run({OSTREVIN_BENCH, "--benchmark_filter=GetNothing"}).exit_status, 1);
+}
+
 TEST(BenchRun, RenewsTheRowsThatADocumentHasAndDrawsThePlotBesideIt) {
   const support::TemporaryFolder folder;
   const std::string document = folder.write("a.md",
