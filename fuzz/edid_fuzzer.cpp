@@ -5,8 +5,8 @@
 #include <span>
 #include <vector>
 
-#include "desktop/model/display_identity.h"
 #include "desktop/model/edid.h"
+#include "desktop/model/uuid.h"
 #include "fuzz/support/finding.h"
 #include "support/icu_text.h"
 

@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <set>
 
-#include "desktop/model/display_identity.h"
 #include "desktop/model/edid.h"
+#include "desktop/model/uuid.h"
 
 namespace platform::desktop {
 namespace {

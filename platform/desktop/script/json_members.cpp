@@ -1,26 +1,10 @@
 #include "desktop/script/json_members.h"
 
 #include <limits>
-#include <string_view>
+
+#include "desktop/model/uuid.h"
 
 namespace platform::desktop::json {
-namespace {
-
-std::optional<unsigned> hexDigit(char character) {
-  if (character >= '0' && character <= '9') {
-    return character - '0';
-  }
-  if (character >= 'A' && character <= 'F') {
-    return character - 'A' + 10;
-  }
-  if (character >= 'a' && character <= 'f') {
-    return character - 'a' + 10;
-  }
-  return std::nullopt;
-}
-
-}  // namespace
-
 const Array& arrayOf(const Value& value, const char* what) {
   if (const auto* const array = std::get_if<Array>(&value.content)) {
     return *array;
@@ -77,26 +61,13 @@ Rect rectOf(const Value& value, const char* what) {
 }
 
 Uuid uuidOf(const Value& value, const char* what) {
-  constexpr std::string_view kShape = "xxxxxxxx-xxxx-xxxx-xxxx-xxxxxxxxxxxx";
   const std::string text = stringOf(value, what);
-  bool valid = text.size() == kShape.size();
-  Uuid uuid{};
-  std::size_t digits = 0;
-  for (std::size_t i = 0; valid && i < text.size(); ++i) {
-    if (kShape[i] == '-') {
-      valid = text[i] == '-';
-      continue;
-    }
-    const auto digit = hexDigit(text[i]);
-    valid = digit.has_value();
-    uuid[digits / 2] = static_cast<std::uint8_t>(uuid[digits / 2] << 4 | digit.value_or(0));
-    ++digits;
+  if (const auto uuid = parseUuid(text)) {
+    return *uuid;
   }
-  if (!valid) {
-    throw Error(value.line,
-                std::string(what) + " must be a UUID of the shape " + std::string(kShape) + ", not " + inQuotes(text));
-  }
-  return uuid;
+  throw Error(
+      value.line,
+      std::string(what) + " must be a UUID of the shape xxxxxxxx-xxxx-xxxx-xxxx-xxxxxxxxxxxx, not " + inQuotes(text));
 }
 
 Members::Members(const Value& value, const char* what)

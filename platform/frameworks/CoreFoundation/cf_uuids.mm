@@ -9,6 +9,7 @@
 #include <optional>
 #include <string>
 
+#include "desktop/model/uuid.h"
 #include "frameworks/CoreFoundation/uuids.h"
 #include "frameworks/Foundation/autorelease_pool.h"
 #include "frameworks/hooks/answers.h"
@@ -41,62 +42,14 @@ Table& table() {
   return *only;
 }
 
-constexpr std::size_t kTextLength = 36;
-
-bool isDashPosition(std::size_t position) {
-  return position == 8 || position == 13 || position == 18 || position == 23;
-}
-
-std::string canonicalText(const Uuid& bytes) {
-  static constexpr char kDigits[] = "0123456789ABCDEF";
-  std::string text;
-  text.reserve(kTextLength);
-  for (const std::uint8_t byte : bytes) {
-    if (isDashPosition(text.size())) {
-      text.push_back('-');
-    }
-    text.push_back(kDigits[byte >> 4]);
-    text.push_back(kDigits[byte & 15]);
+/// The text's ASCII; a "?" for each other UTF-16 code unit.
+std::string asciiOf(NSString* text) {
+  std::string ascii;
+  for (NSUInteger i = 0; i < [text length]; ++i) {
+    const unichar unit = [text characterAtIndex:i];
+    ascii.push_back(unit < 0x80 ? static_cast<char>(unit) : '?');
   }
-  return text;
-}
-
-std::optional<unsigned> digitValue(unichar digit) {
-  if (digit >= '0' && digit <= '9') {
-    return digit - '0';
-  }
-  if (digit >= 'A' && digit <= 'F') {
-    return digit - 'A' + 10U;
-  }
-  if (digit >= 'a' && digit <= 'f') {
-    return digit - 'a' + 10U;
-  }
-  return std::nullopt;
-}
-
-std::optional<Uuid> parse(NSString* text) {
-  if ([text length] != kTextLength) {
-    return std::nullopt;
-  }
-  Uuid bytes{};
-  std::size_t digits = 0;
-  for (std::size_t position = 0; position < kTextLength; ++position) {
-    const unichar character = [text characterAtIndex:position];
-    if (isDashPosition(position)) {
-      if (character != '-') {
-        return std::nullopt;
-      }
-      continue;
-    }
-    const std::optional<unsigned> value = digitValue(character);
-    if (!value) {
-      return std::nullopt;
-    }
-    std::uint8_t& byte = bytes[digits / 2];
-    byte = static_cast<std::uint8_t>(byte * 16 + *value);
-    ++digits;
-  }
-  return bytes;
+  return ascii;
 }
 
 PlatformUUID* object(CFUUIDRef uuid) { return (PlatformUUID*)uuid; }
@@ -142,7 +95,7 @@ PlatformUUID* object(CFUUIDRef uuid) { return (PlatformUUID*)uuid; }
 }
 
 - (NSString*)description {
-  return [NSString stringWithUTF8String:canonicalText(bytes).c_str()];
+  return [NSString stringWithUTF8String:platform::desktop::uuidText(bytes).c_str()];
 }
 
 @end
@@ -178,7 +131,7 @@ CFUUIDRef CFUUIDCreateFromUUIDBytes(CFAllocatorRef, CFUUIDBytes bytes) {
 
 CFUUIDRef CFUUIDCreateFromString(CFAllocatorRef, CFStringRef text) {
   requireObject(text, "CFUUIDCreateFromString");
-  const std::optional<Uuid> bytes = parse((NSString*)text);
+  const std::optional<Uuid> bytes = platform::desktop::parseUuid(asciiOf((NSString*)text));
   return bytes ? platform::makeUuid(*bytes) : nullptr;
 }
 
@@ -195,7 +148,7 @@ CFStringRef CFUUIDCreateString(CFAllocatorRef, CFUUIDRef uuid) {
   }
   requireObject(uuid, "CFUUIDCreateString");
   const ScopedPool pool;
-  NSString* const text = [[NSString alloc] initWithUTF8String:canonicalText(object(uuid)->bytes).c_str()];
+  NSString* const text = [[NSString alloc] initWithUTF8String:platform::desktop::uuidText(object(uuid)->bytes).c_str()];
   return reinterpret_cast<CFStringRef>(text);
 }
 

@@ -4,7 +4,7 @@
 
 #include <set>
 
-#include "desktop/model/display_identity.h"
+#include "desktop/model/uuid.h"
 #include "support/edid_maker.h"
 
 namespace {

@@ -1,4 +1,4 @@
-#include "desktop/model/display_identity.h"
+#include "desktop/model/uuid.h"
 
 #include <glib.h>
 
@@ -19,6 +19,12 @@ constexpr std::size_t kSha1Size = 20;
 struct ChecksumFree {
   void operator()(GChecksum* checksum) const { g_checksum_free(checksum); }
 };
+
+constexpr std::size_t kTextSize = 36;
+
+bool isDashPosition(std::size_t position) {
+  return position == 8 || position == 13 || position == 18 || position == 23;
+}
 
 class NameBasedUuid {
  public:
@@ -51,6 +57,43 @@ class NameBasedUuid {
 };
 
 }  // namespace
+
+std::string uuidText(const Uuid& uuid) {
+  constexpr char kDigits[] = "0123456789ABCDEF";
+  std::string text;
+  text.reserve(kTextSize);
+  for (const std::uint8_t byte : uuid) {
+    if (isDashPosition(text.size())) {
+      text.push_back('-');
+    }
+    text.push_back(kDigits[byte >> 4]);
+    text.push_back(kDigits[byte & 0xF]);
+  }
+  return text;
+}
+
+std::optional<Uuid> parseUuid(std::string_view text) {
+  if (text.size() != kTextSize) {
+    return std::nullopt;
+  }
+  Uuid uuid{};
+  std::size_t digits = 0;
+  for (std::size_t i = 0; i < kTextSize; ++i) {
+    if (isDashPosition(i)) {
+      if (text[i] != '-') {
+        return std::nullopt;
+      }
+      continue;
+    }
+    const int digit = g_ascii_xdigit_value(text[i]);
+    if (digit < 0) {
+      return std::nullopt;
+    }
+    std::uint8_t& byte = uuid[digits++ / 2];
+    byte = static_cast<std::uint8_t>(byte << 4 | digit);
+  }
+  return uuid;
+}
 
 Uuid outputUuid(std::span<const std::uint8_t> edid, std::string_view connector) {
   NameBasedUuid uuid;

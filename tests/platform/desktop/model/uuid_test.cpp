@@ -1,4 +1,4 @@
-#include "desktop/model/display_identity.h"
+#include "desktop/model/uuid.h"
 
 #include <gtest/gtest.h>
 
