@@ -6,7 +6,6 @@
 
 #include "desktop/model/desktop.h"
 #include "desktop/x11/x11_displays.h"
-#include "desktop/x11/x11_round_trips.h"
 #include "live/agreement.h"
 #include "support/xorg_server.h"
 

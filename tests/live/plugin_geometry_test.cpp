@@ -3,7 +3,7 @@
 
 #include <cmath>
 
-#include "desktop/x11/x11_round_trips.h"
+#include "desktop/x11/x11_displays.h"
 #include "live/live_plugin.h"
 
 namespace live_plugin {

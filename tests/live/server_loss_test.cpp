@@ -9,7 +9,7 @@
 #include "desktop/live.h"
 #include "desktop/model/desktop.h"
 #include "desktop/x11/x11_displays.h"
-#include "desktop/x11/x11_round_trips.h"
+#include "desktop/x11/x11_displays.h"
 #include "live/agreement.h"
 #include "support/x_proxy.h"
 #include "support/xorg_server.h"

@@ -1,31 +1,11 @@
 #include "desktop/colord/glib_thread.h"
 
-#include <csignal>
-#include <thread>
+#include "desktop/model/detached_thread.h"
 
 namespace platform::desktop {
-namespace {
-
-/// Starts a thread that the host's signal handlers never run on.
-void startQuietThread(std::function<void()> body) {
-  sigset_t all;
-  sigset_t before;
-  sigfillset(&all);
-  pthread_sigmask(SIG_SETMASK, &all, &before);
-  try {
-    std::thread(std::move(body)).detach();
-  } catch (...) {
-    pthread_sigmask(SIG_SETMASK, &before, nullptr);
-    throw;
-  }
-  pthread_sigmask(SIG_SETMASK, &before, nullptr);
-}
-
-}  // namespace
-
 GlibThread::GlibThread(std::function<void(GMainContext*)> when_idle)
     : when_idle_(std::move(when_idle)), context_(g_main_context_new()) {
-  startQuietThread([this] { run(); });
+  runDetached([this] { run(); });
 }
 
 void GlibThread::post(Operation::Clock::time_point deadline, Work work) {

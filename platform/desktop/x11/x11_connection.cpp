@@ -3,18 +3,14 @@
 #include <algorithm>
 #include <atomic>
 
-#include "desktop/x11/x11_round_trips.h"
-
 namespace platform::desktop {
 namespace {
 
 std::atomic<std::uint64_t> round_trips{0};
 
-constexpr std::uint8_t kBytes = 8;  // the format of a property that is a sequence of bytes
-
 }  // namespace
 
-std::uint64_t x11RoundTrips() { return round_trips; }
+std::uint64_t X11Connection::roundTrips() { return round_trips; }
 
 void X11Connection::countRoundTrip() { ++round_trips; }
 
@@ -56,7 +52,8 @@ std::vector<xcb_atom_t> X11Connection::atoms(const std::vector<std::string>& nam
 
 std::span<const std::uint8_t> propertyBytes(const xcb_get_property_reply_t& property) {
   const auto received = payload(property);
-  return received.first(property.format == kBytes ? std::min<std::size_t>(property.value_len, received.size()) : 0);
+  return received.first(property.format == kByteFormat ? std::min<std::size_t>(property.value_len, received.size())
+                                                       : 0);
 }
 
 }  // namespace platform::desktop

@@ -33,6 +33,12 @@ std::size_t receivedSize(const Reply& reply) {
   return kSmallestReply + std::size_t{reply.length} * 4;
 }
 
+/// The code of an event, which is the same for one that another client sent.
+inline std::uint8_t eventCode(const xcb_generic_event_t& event) {
+  constexpr std::uint8_t kSentEventBit = 0x80;
+  return event.response_type & ~kSentEventBit;
+}
+
 /// The bytes that follow a reply's fixed part.
 template <typename Reply>
 std::span<const std::uint8_t> payload(const Reply& reply) {
@@ -49,6 +55,9 @@ class X11Connection {
   ~X11Connection();
   X11Connection(const X11Connection&) = delete;
   X11Connection& operator=(const X11Connection&) = delete;
+
+  /// The number of replies that this process has asked for, on all connections.
+  static std::uint64_t roundTrips();
 
   /// For requests; owned by this object.
   xcb_connection_t* xcb() const { return connection_; }
@@ -94,7 +103,10 @@ class X11Connection {
   xcb_window_t first_root_ = XCB_WINDOW_NONE;
 };
 
-/// The bytes of a property of format 8; empty for another format.
+/// The format of a property that is a sequence of bytes.
+inline constexpr std::uint8_t kByteFormat = 8;
+
+/// The bytes of a property; empty for one of another format.
 std::span<const std::uint8_t> propertyBytes(const xcb_get_property_reply_t& property);
 
 }  // namespace platform::desktop

@@ -1,88 +1,44 @@
 #include "desktop/x11/x11_displays.h"
 
-#include <condition_variable>
 #include <cstdlib>
 #include <exception>
-#include <thread>
 #include <utility>
 
-#include "desktop/x11/signals_blocked.h"
+#include "desktop/model/detached_thread.h"
 #include "desktop/x11/x11_session.h"
 
 namespace platform::desktop {
-namespace {
 
 using Clock = std::chrono::steady_clock;
-
-}  // namespace
-
-/// One look at the server, on a thread that may outlive whoever asked for it.
-class X11Displays::Reading {
- public:
-  struct Result {
-    std::unique_ptr<X11Session> session;  ///< null: no server
-    std::shared_ptr<const Arrangement> arrangement;
-  };
-
-  explicit Reading(Clock::time_point deadline) : deadline_(deadline) {}
-
-  /// False when no thread can be had.
-  static bool start(const std::shared_ptr<Reading>& reading, std::unique_ptr<X11Session> session,
-                    const std::string& display, std::uint32_t newest_randr_minor) {
-    const SignalsBlocked blocked;
-    try {
-      std::thread([reading, display, newest_randr_minor, session = std::move(session)]() mutable {
-        reading->run(std::move(session), display, newest_randr_minor);
-      }).detach();
-      return true;
-    } catch (const std::exception&) {
-      return false;
-    }
-  }
-
-  /// The result, once; nothing when it is not there by the deadline.
-  std::optional<Result> wait() {
-    std::unique_lock lock(mutex_);
-    finished_.wait_until(lock, deadline_, [this] { return result_.has_value(); });
-    return std::exchange(result_, std::nullopt);
-  }
-
- private:
-  void run(std::unique_ptr<X11Session> session, const std::string& display, std::uint32_t newest_randr_minor) {
-    Result result;
-    try {
-      result.session = session ? std::move(session) : X11Session::open(display, newest_randr_minor);
-      result.arrangement = result.session ? result.session->read() : nullptr;
-      if (!result.arrangement) {
-        result.session.reset();
-      }
-    } catch (const std::exception&) {  // out of memory: as if there were no server
-      result = {};
-    }
-    const std::lock_guard lock(mutex_);
-    result_ = std::move(result);
-    finished_.notify_all();
-  }
-
-  const Clock::time_point deadline_;
-  std::mutex mutex_;
-  std::condition_variable finished_;
-  std::optional<Result> result_;
-};
 
 X11Displays::X11Displays(X11Options options)
     : options_(std::move(options)), none_(std::make_shared<const Arrangement>()), current_(none_) {}
 
 X11Displays::~X11Displays() = default;
 
+/// Waits for the server without a limit.
+X11Displays::Reading X11Displays::read(std::unique_ptr<X11Session> session, const std::string& display,
+                                       std::uint32_t newest_randr_minor) {
+  try {
+    if (!session) {
+      session = X11Session::open(display, newest_randr_minor);
+    }
+    if (const auto read = session ? session->read() : std::nullopt) {
+      return {std::move(session), std::make_shared<const Arrangement>(arrange(read->monitors, read->scale))};
+    }
+  } catch (const std::exception&) {  // out of memory: as if there were no server
+  }
+  return {};
+}
+
 std::shared_ptr<const Arrangement> X11Displays::arrangement() {
   const std::lock_guard lock(mutex_);
-  if (reading_ && !finishReading()) {
+  if (reading_.valid() && !finishReading()) {
     return none_;
   }
   if (needsReading()) {
     startReading();
-    if (reading_ && !finishReading()) {
+    if (reading_.valid() && !finishReading()) {
       return none_;
     }
   }
@@ -107,27 +63,31 @@ bool X11Displays::needsReading() {
 }
 
 void X11Displays::startReading() {
-  const auto reading = std::make_shared<Reading>(Clock::now() + options_.time_limit);
-  if (Reading::start(reading, std::move(session_), display_, options_.newest_randr_minor)) {
-    reading_ = reading;
-    return;
+  deadline_ = Clock::now() + options_.time_limit;
+  try {
+    reading_ = runDetached([session = std::move(session_), display = display_,
+                            newest_randr_minor = options_.newest_randr_minor]() mutable {
+      return read(std::move(session), display, newest_randr_minor);
+    });
+  } catch (const std::exception&) {
+    current_ = none_;
+    next_attempt_ = Clock::now() + options_.pause_after_failure;
   }
-  current_ = none_;
-  next_attempt_ = Clock::now() + options_.pause_after_failure;
 }
 
 bool X11Displays::finishReading() {
-  auto result = reading_->wait();
-  if (!result) {
+  if (reading_.wait_until(deadline_) != std::future_status::ready) {
     return false;
   }
-  reading_.reset();
-  session_ = std::move(result->session);
-  current_ = session_ ? result->arrangement : none_;
+  Reading result = reading_.get();
+  session_ = std::move(result.session);
+  current_ = session_ ? result.arrangement : none_;
   if (!session_) {
     next_attempt_ = Clock::now() + options_.pause_after_failure;
   }
   return true;
 }
+
+std::uint64_t x11RoundTrips() { return X11Connection::roundTrips(); }
 
 }  // namespace platform::desktop

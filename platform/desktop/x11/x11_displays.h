@@ -11,6 +11,7 @@
 
 #include <chrono>
 #include <cstdint>
+#include <future>
 #include <memory>
 #include <mutex>
 #include <optional>
@@ -39,8 +40,14 @@ class PLATFORM_API X11Displays {
   std::shared_ptr<const Arrangement> arrangement();
 
  private:
-  class Reading;
+  /// What one look at the server gives.
+  struct Reading {
+    std::unique_ptr<X11Session> session;  ///< null: no server
+    std::shared_ptr<const Arrangement> arrangement;
+  };
 
+  static Reading read(std::unique_ptr<X11Session> session, const std::string& display,
+                      std::uint32_t newest_randr_minor);
   bool needsReading();
   void startReading();
   bool finishReading();
@@ -49,10 +56,15 @@ class PLATFORM_API X11Displays {
   const std::shared_ptr<const Arrangement> none_;
   std::mutex mutex_;  ///< for everything below
   std::shared_ptr<const Arrangement> current_;
-  std::unique_ptr<X11Session> session_;  ///< null without a server, and while `reading_` has it
-  std::shared_ptr<Reading> reading_;
-  std::string display_;  ///< the server to look for
+  std::unique_ptr<X11Session> session_;             ///< null without a server, and while `reading_` has it
+  std::future<Reading> reading_;                    ///< valid while a thread looks at the server
+  std::chrono::steady_clock::time_point deadline_;  ///< until which calls wait for `reading_`
+  std::string display_;                             ///< the server to look for
   std::chrono::steady_clock::time_point next_attempt_;
 };
+
+/// The number of requests with a reply that this process has made to X servers, failed ones included. It does not grow
+/// while nothing changes on the server.
+PLATFORM_API std::uint64_t x11RoundTrips();
 
 }  // namespace platform::desktop

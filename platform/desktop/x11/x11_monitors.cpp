@@ -13,10 +13,7 @@ constexpr std::uint32_t kHasCurrentResources = 3;
 constexpr std::uint32_t kHasPrimaryOutput = 3;
 constexpr std::uint32_t kHasMonitors = 5;
 
-constexpr std::uint8_t kSentEventBit = 0x80;
 constexpr std::uint32_t kLargestEdidWords = 256 * 128 / 4;  // an EDID counts at most 255 extension blocks
-
-std::uint8_t kindOf(const xcb_generic_event_t& event) { return event.response_type & ~kSentEventBit; }
 
 std::string textOf(std::span<const std::uint8_t> bytes, std::size_t size) {
   return {reinterpret_cast<const char*>(bytes.data()), std::min(size, bytes.size())};
@@ -101,10 +98,10 @@ bool X11Monitors::isChange(const xcb_generic_event_t& event) const {
   if (minor_ == 0) {
     return false;
   }
-  if (kindOf(event) == first_event_ + XCB_RANDR_SCREEN_CHANGE_NOTIFY) {
+  if (eventCode(event) == first_event_ + XCB_RANDR_SCREEN_CHANGE_NOTIFY) {
     return true;
   }
-  if (kindOf(event) != first_event_ + XCB_RANDR_NOTIFY) {
+  if (eventCode(event) != first_event_ + XCB_RANDR_NOTIFY) {
     return false;
   }
   const auto& notify = reinterpret_cast<const xcb_randr_notify_event_t&>(event);
@@ -236,8 +233,7 @@ void X11Monitors::readEdids(std::vector<Monitor>& monitors) {
       continue;
     }
     const auto reply = connection_.reply(xcb_randr_get_output_property_reply, *cookie++);
-    constexpr std::uint8_t kBytes = 8;
-    if (reply && reply->format == kBytes) {
+    if (reply && reply->format == kByteFormat) {
       const auto bytes = payload(*reply);
       const auto edid = bytes.first(std::min<std::size_t>(reply->num_items, bytes.size()));
       monitor.edid.assign(edid.begin(), edid.end());

@@ -2,12 +2,10 @@
 
 #include <utility>
 
-#include "desktop/model/display_layout.h"
-
 namespace platform::desktop {
 namespace {
 
-/// How often a reading is repeated when something changes while it goes on; after that the next call goes on.
+/// A reading during which something changes is repeated, up to this number of readings; hasChanged() then stays true.
 constexpr int kMostReadings = 4;
 
 }  // namespace
@@ -36,7 +34,7 @@ void X11Session::selectRootEvents() {
   }
 }
 
-std::shared_ptr<const Arrangement> X11Session::read() {
+std::optional<X11Reading> X11Session::read() {
   std::optional<std::vector<Monitor>> monitors;
   double scale = 1;
   for (int reading = 0; reading < kMostReadings && (reading == 0 || hasChanged()); ++reading) {
@@ -46,9 +44,9 @@ std::shared_ptr<const Arrangement> X11Session::read() {
     changed_ = !monitors;
   }
   if (isLost()) {
-    return nullptr;
+    return std::nullopt;
   }
-  return std::make_shared<const Arrangement>(arrange(monitors.value_or(std::vector<Monitor>()), scale));
+  return X11Reading{scale, std::move(monitors).value_or(std::vector<Monitor>())};
 }
 
 bool X11Session::hasChanged() {
@@ -59,8 +57,7 @@ bool X11Session::hasChanged() {
 }
 
 bool X11Session::isChange(const xcb_generic_event_t& event) const {
-  constexpr std::uint8_t kSentEventBit = 0x80;
-  if ((event.response_type & ~kSentEventBit) == XCB_CONFIGURE_NOTIFY) {
+  if (eventCode(event) == XCB_CONFIGURE_NOTIFY) {
     return reinterpret_cast<const xcb_configure_notify_event_t&>(event).window == connection_->root();
   }
   return monitors_.isChange(event) || settings_.isChange(event);

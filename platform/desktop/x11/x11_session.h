@@ -3,25 +3,35 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
+#include <vector>
 
-#include "desktop/model/desktop.h"
+#include "desktop/model/display_layout.h"
 #include "desktop/x11/x11_connection.h"
 #include "desktop/x11/x11_monitors.h"
 #include "desktop/x11/x11_settings.h"
 
 namespace platform::desktop {
 
+struct X11Reading {
+  double scale = 1;               ///< pixels per point
+  std::vector<Monitor> monitors;  ///< in the server's order
+};
+
 class X11Session {
  public:
   /// Waits for the server without a limit. Null when there is none.
   static std::unique_ptr<X11Session> open(const std::string& display, std::uint32_t newest_randr_minor);
 
-  /// What the server says at this moment; waits for it without a limit. Null when the connection is lost.
-  std::shared_ptr<const Arrangement> read();
+  /// Waits for the server without a limit. Nothing when the connection is lost.
+  std::optional<X11Reading> read();
 
-  /// Whether anything that read() answered may have changed since. Only looks at what has arrived already: makes no
-  /// request and does not wait.
+  /// Which version 1.x of RandR is used; 0 for none, and then there are no monitors.
+  std::uint32_t randrMinor() const { return monitors_.randrMinor(); }
+
+  /// Whether the result of read() may have changed since. Looks only at events that have arrived: makes no request and
+  /// does not wait.
   bool hasChanged();
 
   bool isLost() const { return connection_->isLost(); }

@@ -6,7 +6,6 @@ namespace platform::desktop {
 namespace {
 
 constexpr std::uint32_t kLargestPropertyWords = 1 << 18;  // 1 MiB
-constexpr std::uint8_t kSentEventBit = 0x80;
 
 std::optional<double> dpiFrom(const xcb_get_property_reply_t& resources) {
   const auto bytes = propertyBytes(resources);
@@ -52,7 +51,7 @@ std::optional<int> X11Settings::readScalingFactor() {
 }
 
 bool X11Settings::isChange(const xcb_generic_event_t& event) const {
-  switch (event.response_type & ~kSentEventBit) {
+  switch (eventCode(event)) {
     case XCB_PROPERTY_NOTIFY: {
       const auto& change = reinterpret_cast<const xcb_property_notify_event_t&>(event);
       return (change.window == connection_.firstRoot() && change.atom == XCB_ATOM_RESOURCE_MANAGER) ||
