@@ -1,5 +1,5 @@
 // The fuzzers' frameworks have no live desktop behind them, and so neither X nor colord: fuzzers describe their own.
-#include "desktop/live.h"
+#include "desktop/current.h"
 #include "desktop/script/scripted.h"
 
 namespace platform::desktop {

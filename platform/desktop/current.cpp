@@ -5,7 +5,6 @@
 #include <mutex>
 #include <stdexcept>
 
-#include "desktop/live.h"
 #include "desktop/script/scripted.h"
 
 namespace platform::desktop {

@@ -12,6 +12,9 @@ namespace platform::desktop {
 /// one. A file that cannot be used gives one line on stderr and a desktop without displays.
 PLATFORM_API std::shared_ptr<Desktop> current();
 
+/// The computer's own desktop: displays from the X server, profiles from colord and from ICC files.
+PLATFORM_API std::shared_ptr<Desktop> makeLiveDesktop();
+
 /// Replaces the current desktop, for tests and tools; null means that the next use chooses again.
 PLATFORM_API void setCurrent(std::shared_ptr<Desktop> desktop);
 

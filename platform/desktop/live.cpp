@@ -1,4 +1,4 @@
-#include "desktop/live.h"
+#include "desktop/current.h"
 
 #include "desktop/colord/colord_devices.h"
 #include "desktop/icc/icc_folders.h"

@@ -9,7 +9,7 @@
 #include <set>
 #include <thread>
 
-#include "desktop/live.h"
+#include "desktop/current.h"
 
 namespace live_tests {
 

@@ -6,9 +6,8 @@
 #include <optional>
 #include <thread>
 
-#include "desktop/live.h"
+#include "desktop/current.h"
 #include "desktop/model/desktop.h"
-#include "desktop/x11/x11_displays.h"
 #include "desktop/x11/x11_displays.h"
 #include "live/agreement.h"
 #include "support/x_proxy.h"

@@ -14,7 +14,6 @@
 
 #include "base/owned_ref.h"
 #include "desktop/current.h"
-#include "desktop/live.h"
 #include "profile/profile_services.h"
 #include "support/temporary_folder.h"
 
