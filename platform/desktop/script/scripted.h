@@ -55,8 +55,8 @@ class PLATFORM_API ScriptedDesktop final : public Desktop {
   std::shared_ptr<State> state_;
 };
 
-/// Reads the description of a desktop from a JSON file (docs/desktop-file.md says its shape). Throws std::runtime_error
-/// with one line, "FILE:LINE: REASON", when the file cannot be read or does not describe a desktop.
+/// Reads the description of a desktop from a JSON file (docs/desktop-file.md). Throws std::runtime_error with one line:
+/// "FILE: REASON" when the file cannot be read, "FILE:LINE: REASON" when it does not describe a desktop.
 PLATFORM_API Script readScript(const std::string& path);
 /// The same for what the file at `path`, which need not exist, would contain; `path` is absolute.
 PLATFORM_API Script readScriptText(std::string_view content, const std::string& path);

@@ -252,21 +252,21 @@ class Reader {
   std::set<std::uint32_t> numbers_;
 };
 
-[[noreturn]] void failToRead() {
+[[noreturn]] void failToRead(const std::string& path) {
   // A pipe or a terminal could keep the process waiting for ever.
-  throw Error(1, errno == 0 ? "not a regular file" : std::strerror(errno));
+  throw std::runtime_error(path + ": " + (errno == 0 ? "not a regular file" : std::strerror(errno)));
 }
 
 /// At most one byte more than a description may have, so that one that is too long is noticed.
 std::string contentOf(const std::string& path) {
   const RegularFile file(path);
   if (!file) {
-    failToRead();
+    failToRead(path);
   }
   std::string content(kMaxBytes + 1, '\0');
   const ssize_t size = file.read(content.data(), content.size());
   if (size < 0) {
-    failToRead();
+    failToRead(path);
   }
   content.resize(static_cast<std::size_t>(size));
   return content;
