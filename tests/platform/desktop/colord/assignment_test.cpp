@@ -1,4 +1,4 @@
-// Assigning profiles against a real colord; whether it happened, colormgr says.
+// Assignments of profiles in a real colord; colormgr is the oracle.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
@@ -22,9 +22,11 @@ constexpr const char* kAdobe = "/usr/share/color/icc/colord/AdobeRGB1998.icc";
 constexpr const char* kApple = "/usr/share/color/icc/colord/AppleRGB.icc";
 
 /// A display that a session daemon has registered as "registered".
-class Assignment : public testing::Test {
+class ColordAssignment : public testing::Test {
  protected:
-  Assignment() { colord_.registerDevice("registered", {{"XRANDR_name", "DP-1"}, {"OutputEdidMd5", md5(firstEdid())}}); }
+  ColordAssignment() {
+    colord_.registerDevice("registered", {{"XRANDR_name", "DP-1"}, {"OutputEdidMd5", md5(firstEdid())}});
+  }
 
   bool assign(const std::string& file) { return devices_.assign(*display_.uuid, file); }
   void expectDefault(const std::string& file) {
@@ -42,18 +44,18 @@ class Assignment : public testing::Test {
   ColordDevices devices_ = devicesFor({display_});
 };
 
-TEST_F(Assignment, OfAFileThatColordKnows) {
+TEST_F(ColordAssignment, AcceptsAFileThatColordHas) {
   EXPECT_TRUE(assign(kAdobe));
   expectDefault(kAdobe);
 }
 
-TEST_F(Assignment, OfAFileAnywhereWhateverItsName) {
+TEST_F(ColordAssignment, AcceptsAFileAnywhereWithAnyName) {
   const auto file = colord_.copyOfProfile("AdobeRGB1998.icc", "Büro 2, links; 100% #1.icc");
   EXPECT_TRUE(assign(file));
   expectDefault(file);
 }
 
-TEST_F(Assignment, OfTwoFilesWithTheSameContents) {
+TEST_F(ColordAssignment, SeparatesFilesWithTheSameContents) {
   const auto first = colord_.copyOfProfile("AppleRGB.icc", "first.icc");
   const auto second = colord_.copyOfProfile("AppleRGB.icc", "second.icc");
   EXPECT_TRUE(assign(first));
@@ -62,7 +64,7 @@ TEST_F(Assignment, OfTwoFilesWithTheSameContents) {
   expectDefault(second);
 }
 
-TEST_F(Assignment, ReplacesTheDefaultAndKeepsTheOthers) {
+TEST_F(ColordAssignment, ReplacesTheDefaultAndKeepsTheOthers) {
   EXPECT_TRUE(assign(kAdobe));
   EXPECT_TRUE(assign(kApple));
   expectDefault(kApple);
@@ -74,7 +76,7 @@ TEST_F(Assignment, ReplacesTheDefaultAndKeepsTheOthers) {
   EXPECT_EQ(walk(devices_).size(), 2U);
 }
 
-TEST_F(Assignment, OfAFileWhoseContentsChangedSince) {
+TEST_F(ColordAssignment, AcceptsAFileWhoseContentsChanged) {
   const auto file = colord_.copyOfProfile("AppleRGB.icc", "calibrated.icc");
   EXPECT_TRUE(assign(file));
   EXPECT_TRUE(assign(kAdobe));
@@ -83,14 +85,14 @@ TEST_F(Assignment, OfAFileWhoseContentsChangedSince) {
   expectDefault(file);
 }
 
-TEST_F(Assignment, OfAGreyDisplayProfile) {
+TEST_F(ColordAssignment, AcceptsAGreyDisplayProfile) {
   writeFile(colord_.directory() / "grey.icc",
             readFile("/usr/share/color/icc/colord/AppleRGB.icc").replace(16, 4, "GRAY"));
   EXPECT_TRUE(assign(colord_.directory() / "grey.icc"));
   expectDefault(colord_.directory() / "grey.icc");
 }
 
-TEST_F(Assignment, OfWhatIsNoReadableDisplayProfileIsRefused) {
+TEST_F(ColordAssignment, RefusesFilesThatAreNotReadableDisplayProfiles) {
   const fs::path directory = colord_.directory();
   const std::string good = readFile(kAdobe);
   writeFile(directory / "empty.icc", "");
@@ -112,17 +114,17 @@ TEST_F(Assignment, OfWhatIsNoReadableDisplayProfileIsRefused) {
   EXPECT_FALSE(assign(""));
   EXPECT_FALSE(assign("AdobeRGB1998.icc"));
   expectDefault(kApple);
-  // Nothing of what was refused is left behind in colord.
+  // Refused files leave nothing in colord.
   EXPECT_THAT(colord_.colormgr({"get-profiles"}), Not(testing::HasSubstr(directory.string())));
 }
 
-TEST_F(Assignment, ToAUuidThatIsNoDisplaysIsRefused) {
+TEST_F(ColordAssignment, RefusesAnUnknownDevice) {
   EXPECT_FALSE(devices_.assign(Uuid{0xFF}, kAdobe));
   EXPECT_FALSE(devicesFor({}).assign(*display_.uuid, kAdobe));
   EXPECT_THAT(walk(devices_), IsEmpty());
 }
 
-TEST_F(Assignment, OfAnUnregisteredDisplayRegistersItAsADaemonWould) {
+TEST_F(ColordAssignment, RegistersAnUnregisteredDisplayLikeASessionDaemon) {
   const Display other = makeDisplay(2, "HDMI-1", secondEdid());
   const ColordDevices devices = devicesFor({display_, other});
   ASSERT_TRUE(devices.assign(*other.uuid, kAdobe));
@@ -142,7 +144,7 @@ TEST_F(Assignment, OfAnUnregisteredDisplayRegistersItAsADaemonWould) {
   EXPECT_EQ(colord_.defaultProfileFile(one("Device ID").at(0)), kAdobe);
 }
 
-TEST_F(Assignment, OfADisplayWithoutEdidRegistersItByItsConnector) {
+TEST_F(ColordAssignment, RegistersADisplayWithoutEdidByItsConnector) {
   const Display other = makeDisplay(2, "VGA-1", {});
   const ColordDevices devices = devicesFor({display_, other});
   ASSERT_TRUE(devices.assign(*other.uuid, kAdobe));
@@ -150,7 +152,7 @@ TEST_F(Assignment, OfADisplayWithoutEdidRegistersItByItsConnector) {
   EXPECT_EQ(colord_.defaultProfileFile("xrandr-VGA-1"), kAdobe);
 }
 
-TEST_F(Assignment, GivesIdenticalMonitorsProfilesOfTheirOwn) {
+TEST_F(ColordAssignment, SeparatesIdenticalUnregisteredMonitors) {
   const Display left = makeDisplay(2, "DP-2", secondEdid());
   const Display right = makeDisplay(3, "DP-3", secondEdid());
   const ColordDevices devices = devicesFor({display_, left, right});
@@ -162,7 +164,7 @@ TEST_F(Assignment, GivesIdenticalMonitorsProfilesOfTheirOwn) {
   EXPECT_EQ(colord_.defaultProfileFile("xrandr-DP-3"), kApple);
 }
 
-TEST_F(Assignment, ToOneOfTwoIdenticalMonitorsLeavesTheOtherAlone) {
+TEST_F(ColordAssignment, SeparatesIdenticalMonitorsWhenOneIsRegistered) {
   const Display twin = makeDisplay(2, "DP-2", firstEdid());
   const ColordDevices devices = devicesFor({display_, twin});
   ASSERT_TRUE(devices.assign(*display_.uuid, kAdobe));

@@ -19,12 +19,12 @@
 
 namespace {
 
-/// So many answers of GIO are what it gives while it still holds the connection of an attempt that was cancelled.
+/// How many more times GIO returns the error of a cancelled attempt whose connection it still holds.
 std::atomic<int> abandoned_attempts = 0;
 
 }  // namespace
 
-/// In place of GIO's, which it calls.
+/// Replaces GIO's function and calls it.
 extern "C" __attribute__((visibility("default"))) GDBusConnection* g_bus_get_finish(GAsyncResult* result,
                                                                                     GError** error) {
   static auto* const original = reinterpret_cast<decltype(&g_bus_get_finish)>(dlsym(RTLD_NEXT, "g_bus_get_finish"));
@@ -48,9 +48,9 @@ using test_support::runSuccessfully;
 using testing::IsEmpty;
 
 constexpr const char* kAdobe = "/usr/share/color/icc/colord/AdobeRGB1998.icc";
-/// What a computer that is busy with other tests may need on top.
+/// The delay on a computer that is busy with other tests.
 constexpr auto kSlack = 2s;
-/// At once, on such a computer.
+/// The same without a wait for colord.
 constexpr auto kSoon = 2s;
 
 template <typename Work>
@@ -60,7 +60,7 @@ std::chrono::steady_clock::duration timed(const Work& work) {
   return std::chrono::steady_clock::now() - begin;
 }
 
-class Failing : public testing::Test {
+class ColordFailure : public testing::Test {
  protected:
   void assignOnce() { ASSERT_TRUE(devices_.assign(*display_.uuid, kAdobe)); }
   void expectEmptyWalk(std::chrono::steady_clock::duration least, std::chrono::steady_clock::duration most) {
@@ -75,7 +75,7 @@ class Failing : public testing::Test {
   ColordDevices devices_ = devicesFor({display_});
 };
 
-TEST(PrivateColord, ThatCannotStartFailsAtOnceWithTheReason) {
+TEST(PrivateColord, ThrowsTheReasonWhenColordCannotStart) {
   PrivateColord colord;
   colord.stop();
   std::filesystem::remove_all(colord.directory() / "state");
@@ -87,7 +87,7 @@ TEST(PrivateColord, ThatCannotStartFailsAtOnceWithTheReason) {
             kSoon);
 }
 
-TEST(WithoutABus, ThereAreNoEntriesAndNoAssignmentsAndNoWait) {
+TEST(ColordWithoutBus, HasNoEntriesAndRefusesAssignmentsAtOnce) {
   setenv("DBUS_SYSTEM_BUS_ADDRESS", "unix:path=/nonexistent/bus", 1);
   const Display display = makeDisplay(1, "DP-1", firstEdid());
   const ColordDevices devices = devicesFor({display});
@@ -95,7 +95,7 @@ TEST(WithoutABus, ThereAreNoEntriesAndNoAssignmentsAndNoWait) {
   EXPECT_LE(timed([&] { EXPECT_FALSE(devices.assign(*display.uuid, kAdobe)); }), kSoon);
 }
 
-TEST_F(Failing, AColordThatIsNotThereGivesNothingUntilItIs) {
+TEST_F(ColordFailure, GivesNoEntriesUntilColordStarts) {
   colord_.stop();
   expectEmptyWalk(0s, kSoon);
   EXPECT_LE(timed([&] { EXPECT_FALSE(devices_.assign(*display_.uuid, kAdobe)); }), kSoon);
@@ -104,7 +104,7 @@ TEST_F(Failing, AColordThatIsNotThereGivesNothingUntilItIs) {
   expectWorking();
 }
 
-TEST_F(Failing, AColordThatGoesAwayAndComesBackIsFoundAgain) {
+TEST_F(ColordFailure, ReconnectsToARestartedColord) {
   assignOnce();
   for (int round = 0; round < 2; ++round) {
     colord_.stop();
@@ -114,15 +114,7 @@ TEST_F(Failing, AColordThatGoesAwayAndComesBackIsFoundAgain) {
   }
 }
 
-TEST_F(Failing, AWalkOverAColordThatHangsEndsAtItsLimit) {
-  assignOnce();
-  colord_.suspend();
-  expectEmptyWalk(kDeviceWalkLimit, kDeviceWalkLimit + kSlack);
-  colord_.resume();
-  expectWorking();
-}
-
-TEST_F(Failing, AnAssignmentToAColordThatHangsEndsAtItsLimit) {
+TEST_F(ColordFailure, LimitsAnAssignmentToAHungColord) {
   assignOnce();
   colord_.suspend();
   const auto took = timed([&] { EXPECT_FALSE(devices_.assign(*display_.uuid, kAdobe)); });
@@ -132,7 +124,7 @@ TEST_F(Failing, AnAssignmentToAColordThatHangsEndsAtItsLimit) {
   assignOnce();
 }
 
-TEST_F(Failing, EveryCallerOfAColordThatHangsWaitsForItsOwnLimitOnly) {
+TEST_F(ColordFailure, LimitsEachOfSeveralWalksOverAHungColord) {
   assignOnce();
   colord_.suspend();
   std::vector<std::thread> threads;
@@ -146,7 +138,7 @@ TEST_F(Failing, EveryCallerOfAColordThatHangsWaitsForItsOwnLimitOnly) {
   expectWorking();
 }
 
-TEST_F(Failing, AColordThatDiesDuringAWalkEndsIt) {
+TEST_F(ColordFailure, EndsAWalkWhenColordDies) {
   assignOnce();
   colord_.suspend();
   test_support::ColordCalls calls;
@@ -158,7 +150,7 @@ TEST_F(Failing, AColordThatDiesDuringAWalkEndsIt) {
   expectWorking();
 }
 
-TEST_F(Failing, ABusThatDiesEndsNeitherTheProcessNorTheUseOfTheNextOne) {
+TEST_F(ColordFailure, SurvivesTheDeathOfTheBus) {
   assignOnce();
   colord_.stopBus();
   expectEmptyWalk(0s, kSoon);
@@ -167,7 +159,7 @@ TEST_F(Failing, ABusThatDiesEndsNeitherTheProcessNorTheUseOfTheNextOne) {
   expectWorking();
 }
 
-TEST_F(Failing, ABusThatDiesDoesNotEndAProcessThatIsOnItForItsOwnEndsEither) {
+TEST_F(ColordFailure, SurvivesTheDeathOfABusThatTheProcessUsesItself) {
   GDBusConnection* own = g_bus_get_sync(G_BUS_TYPE_SYSTEM, nullptr, nullptr);
   ASSERT_NE(own, nullptr);
   if (g_dbus_connection_is_closed(own)) {  // an earlier test's, when several run in one process
@@ -192,7 +184,7 @@ TEST_F(Failing, ABusThatDiesDoesNotEndAProcessThatIsOnItForItsOwnEndsEither) {
   expectWorking();
 }
 
-TEST_F(Failing, ABusThatHangsCostsTheLimitOnly) {
+TEST_F(ColordFailure, LimitsAWalkOverAHungBus) {
   colord_.suspendBus();
   expectEmptyWalk(kDeviceWalkLimit, kDeviceWalkLimit + kSlack);
   colord_.resumeBus();
@@ -200,13 +192,13 @@ TEST_F(Failing, ABusThatHangsCostsTheLimitOnly) {
   expectWorking();
 }
 
-TEST_F(Failing, AConnectionThatIsStillThatOfAnAbandonedAttemptIsAskedForAgain) {
+TEST_F(ColordFailure, RetriesTheConnectionOfACancelledAttempt) {
   abandoned_attempts = 3;
   assignOnce();
   EXPECT_LT(abandoned_attempts, 0);
 }
 
-TEST_F(Failing, AProcessMayEndWhileAWalkWaits) {
+TEST_F(ColordFailure, LetsTheProcessExitDuringAWalk) {
   colord_.suspend();
   EXPECT_LE(timed([] { EXPECT_EQ(runSuccessfully({COLORD_DEVICE_TOOL, "exit-during-walk"}), ""); }), kSoon);
   colord_.resume();

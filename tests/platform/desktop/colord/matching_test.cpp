@@ -34,7 +34,7 @@ std::map<std::string, std::string> properties(const ColordRegistration& registra
   return {registration.properties.begin(), registration.properties.end()};
 }
 
-TEST(MatchDevices, PairsByConnectorAndEdidWhateverTheOrder) {
+TEST(MatchDevices, PairsByConnectorAndEdidInAnyOrder) {
   const std::vector<Display> displays{makeDisplay(1, "DP-1", firstEdid()), makeDisplay(2, "DP-2", secondEdid())};
   const std::vector<ColordDevice> devices{device("b", "DP-2", md5(secondEdid())),
                                           device("a", "DP-1", md5(firstEdid()))};
@@ -51,7 +51,7 @@ TEST(MatchDevices, TakesTheConnectorWhereTheDisplayHasNoEdid) {
               ElementsAre(Optional(0)));
 }
 
-TEST(MatchDevices, LeavesADeviceOfAnotherMonitorAtTheSameConnector) {
+TEST(MatchDevices, IgnoresAnotherMonitorsDeviceAtTheSameConnector) {
   EXPECT_THAT(matchDevices({makeDisplay(1, "DP-1", firstEdid())}, {device("a", "DP-1", md5(secondEdid()))}),
               ElementsAre(Eq(kNone)));
 }
@@ -94,11 +94,11 @@ TEST(MatchDevices, PrefersARegisteredDeviceThenTheOneChangedLast) {
   EXPECT_THAT(matchDevices({display}, {remembered, older, newer}), ElementsAre(Optional(2)));
 }
 
-TEST(MatchDevices, DoesNotTakeAnEmptyConnectorForAName) {
+TEST(MatchDevices, IgnoresEmptyConnectors) {
   EXPECT_THAT(matchDevices({makeDisplay(1, "", {})}, {device("a", "")}), ElementsAre(Eq(kNone)));
 }
 
-TEST(MatchDevices, OfNothingIsNothing) {
+TEST(MatchDevices, ReturnsNothingForNoDisplaysOrDevices) {
   EXPECT_THAT(matchDevices({}, {device("a", "DP-1")}), ElementsAre());
   EXPECT_THAT(matchDevices({makeDisplay(1, "DP-1", firstEdid())}, {}), ElementsAre(Eq(kNone)));
 }
@@ -119,7 +119,7 @@ TEST(RegistrationFor, NamesTheMonitorAsColordDoes) {
   EXPECT_EQ(registration.id, "xrandr" + vendor + "-DELL U2412M-1502");
 }
 
-TEST(RegistrationFor, ADisplayWithoutEdidIsNamedByItsConnector) {
+TEST(RegistrationFor, NamesADisplayWithoutEdidByItsConnector) {
   const auto registration = registrationFor({makeDisplay(1, "DP-1", firstEdid()), makeDisplay(2, "VGA-1", {})}, 1, {});
   EXPECT_EQ(registration.id, "xrandr-VGA-1");
   const auto values = properties(registration);
@@ -128,7 +128,7 @@ TEST(RegistrationFor, ADisplayWithoutEdidIsNamedByItsConnector) {
   EXPECT_EQ(values.at("OutputPriority"), "secondary");
 }
 
-TEST(RegistrationFor, BytesThatAreNoEdidAreOnlyTheirChecksum) {
+TEST(RegistrationFor, UsesOnlyTheChecksumOfAnInvalidEdid) {
   const std::vector<std::uint8_t> junk(128, 0x55);
   const auto registration = registrationFor({makeDisplay(1, "DP-1", junk)}, 0, {});
   EXPECT_EQ(registration.id, "xrandr-DP-1");
@@ -136,20 +136,20 @@ TEST(RegistrationFor, BytesThatAreNoEdidAreOnlyTheirChecksum) {
   EXPECT_EQ(registrationFor({makeDisplay(1, "DP-1", {1, 2, 3})}, 0, {}).id, "xrandr-DP-1");
 }
 
-TEST(RegistrationFor, IdenticalMonitorsAreNamedByTheirConnectors) {
+TEST(RegistrationFor, NamesIdenticalMonitorsByTheirConnectors) {
   const std::vector<Display> displays{makeDisplay(1, "DP-1", firstEdid()), makeDisplay(2, "DP-2", firstEdid())};
   EXPECT_EQ(registrationFor(displays, 0, {}).id, "xrandr-DP-1");
   EXPECT_EQ(registrationFor(displays, 1, {}).id, "xrandr-DP-2");
 }
 
-TEST(RegistrationFor, AnIdThatIsTakenIsNotUsedAgain) {
+TEST(RegistrationFor, AvoidsTakenIds) {
   const std::vector<Display> displays{makeDisplay(1, "DP-1", firstEdid())};
   const std::string usual = registrationFor(displays, 0, {}).id;
   EXPECT_EQ(registrationFor(displays, 0, {device(usual, "DP-7")}).id, "xrandr-DP-1");
   EXPECT_EQ(registrationFor(displays, 0, {device(usual, "DP-7"), device("xrandr-DP-1", "DP-8")}).id, "xrandr-DP-1-2");
 }
 
-TEST(RegistrationFor, ABuiltInPanelIsEmbedded) {
+TEST(RegistrationFor, MarksABuiltInPanelAsEmbedded) {
   EXPECT_EQ(properties(registrationFor({makeDisplay(1, "eDP-1", firstEdid())}, 0, {})).count("Embedded"), 1U);
   EXPECT_EQ(properties(registrationFor({makeDisplay(1, "LVDS1", {})}, 0, {})).count("Embedded"), 1U);
 }

@@ -1,4 +1,4 @@
-// What outlives colord and the process that assigned.
+// Assignments that outlive colord and the process that made them.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -35,7 +35,7 @@ bool comesTrue(const std::function<bool()>& condition) {
   return true;
 }
 
-TEST(ARestartedColord, HasTheAssignmentOfAFileOfItsOwnAtOnce) {
+TEST(ColordRestart, KeepsAnAssignmentOfColordsOwnFile) {
   PrivateColord colord;
   const Display display = makeDisplay(1, "DP-1", firstEdid());
   const ColordDevices devices = devicesFor({display});
@@ -46,7 +46,7 @@ TEST(ARestartedColord, HasTheAssignmentOfAFileOfItsOwnAtOnce) {
   EXPECT_EQ(currentFile(devices, display), kAdobe);
 }
 
-TEST(ARestartedColord, IsToldOfAFileElsewhereByTheProcessThatAssignedIt) {
+TEST(ColordRestart, RestoresAFileElsewhereByTheSameProcess) {
   PrivateColord colord;
   const Display display = makeDisplay(1, "DP-1", firstEdid());
   const ColordDevices devices = devicesFor({display});
@@ -55,12 +55,12 @@ TEST(ARestartedColord, IsToldOfAFileElsewhereByTheProcessThatAssignedIt) {
   ASSERT_TRUE(devices.assign(*display.uuid, file));
   const std::string id = registeredId(colord, "DP-1");
   colord.restart();
-  // No walk: the process does it by itself.
+  // Without a walk.
   EXPECT_TRUE(comesTrue([&] { return colord.defaultProfileFile(id) == file; }));
   EXPECT_EQ(currentFile(devices, display), file);
 }
 
-TEST(ARestartedColord, IsToldOfAFileElsewhereByTheNextProcess) {
+TEST(ColordRestart, RestoresAFileElsewhereByTheNextProcess) {
   PrivateColord colord;
   const auto file = colord.copyOfProfile("AppleRGB.icc", "My display.icc");
   ASSERT_EQ(runSuccessfully({COLORD_DEVICE_TOOL, "assign", "DP-1", file}), "true\n");
@@ -71,7 +71,7 @@ TEST(ARestartedColord, IsToldOfAFileElsewhereByTheNextProcess) {
   EXPECT_EQ(colord.defaultProfileFile(id), file);
 }
 
-TEST(ARestartedColord, GivesADevicesProfileBackWhenItsDaemonRegistersItAgain) {
+TEST(ColordRestart, RestoresTheProfileOfADeviceRegisteredByItsDaemon) {
   PrivateColord colord;
   colord.registerDevice("daemons", {{"XRANDR_name", "DP-1"}});
   const Display display = makeDisplay(1, "DP-1", firstEdid());
@@ -84,7 +84,7 @@ TEST(ARestartedColord, GivesADevicesProfileBackWhenItsDaemonRegistersItAgain) {
   EXPECT_EQ(colord.defaultProfileFile("daemons"), file);
 }
 
-TEST(ARestartedColord, KeepsWhatWasChosenWithAnotherProgramSince) {
+TEST(ColordRestart, KeepsALaterChoiceByAnotherProgram) {
   PrivateColord colord;
   const Display display = makeDisplay(1, "DP-1", firstEdid());
   const ColordDevices devices = devicesFor({display});
@@ -99,7 +99,7 @@ TEST(ARestartedColord, KeepsWhatWasChosenWithAnotherProgramSince) {
   EXPECT_EQ(colord.defaultProfileFile(id), kAdobe);
 }
 
-TEST(ARestartedColord, ForgetsAFileThatIsGone) {
+TEST(ColordRestart, ForgetsADeletedFile) {
   PrivateColord colord;
   const Display display = makeDisplay(1, "DP-1", firstEdid());
   const ColordDevices devices = devicesFor({display});
@@ -111,7 +111,7 @@ TEST(ARestartedColord, ForgetsAFileThatIsGone) {
   EXPECT_EQ(currentFile(devices, display), kAdobe);
 }
 
-TEST(ARestartedColord, KeepsIdenticalMonitorsApart) {
+TEST(ColordRestart, SeparatesIdenticalMonitors) {
   PrivateColord colord;
   const Display left = makeDisplay(1, "DP-1", firstEdid());
   const Display right = makeDisplay(2, "DP-2", firstEdid());

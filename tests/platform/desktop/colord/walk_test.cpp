@@ -1,4 +1,4 @@
-// Walks against a real colord; what is true, colormgr says.
+// Walks over the devices of a real colord; colormgr is the oracle.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -29,7 +29,7 @@ void makeDefault(const PrivateColord& colord, const std::string& device, const s
   colord.colormgr({"device-make-profile-default", device, profileId(colord, file)});
 }
 
-TEST(DeviceWalk, GivesEveryProfileAndTheFirstIsDefaultAndCurrent) {
+TEST(ColordWalk, ListsEveryProfileAndTheFirstAsDefaultAndCurrent) {
   PrivateColord colord;
   colord.registerDevice("xrandr-first", {{"XRANDR_name", "DP-1"}, {"Model", "U2412M"}});
   addProfile(colord, "xrandr-first", kAdobe);
@@ -52,7 +52,7 @@ TEST(DeviceWalk, GivesEveryProfileAndTheFirstIsDefaultAndCurrent) {
   }
 }
 
-TEST(DeviceWalk, GoesDisplayByDisplay) {
+TEST(ColordWalk, FollowsTheOrderOfTheDisplays) {
   PrivateColord colord;
   colord.registerDevice("second", {{"XRANDR_name", "DP-2"}});
   colord.registerDevice("first", {{"XRANDR_name", "DP-1"}});
@@ -64,7 +64,7 @@ TEST(DeviceWalk, GoesDisplayByDisplay) {
   EXPECT_EQ(entries[1].profile_path, kApple);
 }
 
-TEST(DeviceWalk, OfADisplayWithoutADeviceOrADeviceWithoutProfilesIsEmpty) {
+TEST(ColordWalk, IsEmptyWithoutADeviceOrItsProfiles) {
   PrivateColord colord;
   const ColordDevices devices = devicesFor({makeDisplay(1, "DP-1", {})});
   EXPECT_THAT(walk(devices), IsEmpty());
@@ -72,14 +72,14 @@ TEST(DeviceWalk, OfADisplayWithoutADeviceOrADeviceWithoutProfilesIsEmpty) {
   EXPECT_THAT(walk(devices), IsEmpty());
 }
 
-TEST(DeviceWalk, LeavesOutDevicesThatAreNoDisplays) {
+TEST(ColordWalk, SkipsPrinters) {
   PrivateColord colord;
   colord.registerDevice("printer", {{"XRANDR_name", "DP-1"}}, "printer");
   addProfile(colord, "printer", kAdobe);
   EXPECT_THAT(walk(devicesFor({makeDisplay(1, "DP-1", {})})), IsEmpty());
 }
 
-TEST(DeviceWalk, AProfileWithoutAFileHasNoPath) {
+TEST(ColordWalk, GivesNoPathForAProfileWithoutAFile) {
   PrivateColord colord;
   colord.registerDevice("first", {{"XRANDR_name", "DP-1"}});
   colord.colormgr({"create-profile", "no-file", "normal"});
@@ -89,7 +89,7 @@ TEST(DeviceWalk, AProfileWithoutAFileHasNoPath) {
   EXPECT_EQ(entries[0].profile_path, std::nullopt);
 }
 
-TEST(DeviceWalk, DescribesADeviceWithoutModelByVendorThenConnector) {
+TEST(ColordWalk, DescribesADeviceWithoutModelByVendorThenConnector) {
   PrivateColord colord;
   colord.registerDevice("first", {{"XRANDR_name", "DP-1"}, {"Vendor", "Acme"}});
   colord.registerDevice("second", {{"XRANDR_name", "DP-2"}});
@@ -101,7 +101,7 @@ TEST(DeviceWalk, DescribesADeviceWithoutModelByVendorThenConnector) {
   EXPECT_EQ(entries[1].description, "DP-2");
 }
 
-TEST(DeviceWalk, EndsWhenTheVisitorSaysSo) {
+TEST(ColordWalk, EndsWhenTheVisitorReturnsFalse) {
   PrivateColord colord;
   colord.registerDevice("first", {{"XRANDR_name", "DP-1"}});
   addProfile(colord, "first", kAdobe);
@@ -111,7 +111,7 @@ TEST(DeviceWalk, EndsWhenTheVisitorSaysSo) {
   EXPECT_EQ(visits, 1);
 }
 
-TEST(DeviceWalk, VisitsOnTheCallingThread) {
+TEST(ColordWalk, VisitsOnTheCallingThread) {
   PrivateColord colord;
   colord.registerDevice("first", {{"XRANDR_name", "DP-1"}});
   addProfile(colord, "first", kAdobe);
@@ -123,7 +123,7 @@ TEST(DeviceWalk, VisitsOnTheCallingThread) {
   EXPECT_EQ(visited_on, std::this_thread::get_id());
 }
 
-TEST(DeviceWalk, SeesWhatOthersChangedAtOnce) {
+TEST(ColordWalk, ShowsChangesByOthersAtOnce) {
   PrivateColord colord;
   const std::string path = colord.registerDevice("first", {{"XRANDR_name", "DP-1"}});
   addProfile(colord, "first", kAdobe);
@@ -143,7 +143,7 @@ TEST(DeviceWalk, SeesWhatOthersChangedAtOnce) {
   EXPECT_THAT(walk(devices), IsEmpty());
 }
 
-TEST(DeviceWalk, ServesSeveralThreads) {
+TEST(ColordWalk, AllowsSeveralThreads) {
   PrivateColord colord;
   colord.registerDevice("first", {{"XRANDR_name", "DP-1"}});
   addProfile(colord, "first", kAdobe);

@@ -28,7 +28,7 @@ Monitor monitorAt(std::uint32_t output, int x, int y, unsigned width, unsigned h
           .primary = primary};
 }
 
-TEST(Arrange, OfNothingIsNothing) {
+TEST(Arrange, ReturnsNothingForNoMonitors) {
   const auto arrangement = arrange({}, 1);
   EXPECT_TRUE(arrangement.displays.empty());
   EXPECT_TRUE(arrangement.screens.empty());
@@ -59,7 +59,7 @@ TEST(Arrange, MeasuresFramesUpwardsFromTheMainScreensLowerEdge) {
   EXPECT_EQ(arrangement.screens[3].frame, (Rect{1920, -480, 640, 480}));
 }
 
-TEST(Arrange, AnswersPoints) {
+TEST(Arrange, ScalesPixelsToPoints) {
   const auto arrangement =
       arrange({monitorAt(1, 3000, 2000, 2880, 1800, true), monitorAt(2, 119, 2001, 2881, 1801)}, 2);
   EXPECT_EQ(arrangement.displays[0].bounds, (Rect{0, 0, 1440, 900}));
@@ -69,7 +69,7 @@ TEST(Arrange, AnswersPoints) {
   EXPECT_EQ(arrangement.screens[1].backing_scale, 2);
 }
 
-TEST(Arrange, LeavesMonitorsWithoutAnAreaOut) {
+TEST(Arrange, SkipsMonitorsWithoutArea) {
   Monitor flat = monitorAt(1, 0, 0, 1024, 0, true);
   flat.edid = makeEdid();
   const auto arrangement = arrange({flat, monitorAt(2, 50, 60, 800, 600)}, 1);
@@ -78,14 +78,14 @@ TEST(Arrange, LeavesMonitorsWithoutAnAreaOut) {
   EXPECT_TRUE(arrangement.services.empty());
 }
 
-TEST(Arrange, SurvivesTheLargestCoordinates) {
+TEST(Arrange, AcceptsTheLargestCoordinates) {
   const auto arrangement = arrange({monitorAt(1, INT32_MIN, INT32_MIN, UINT32_MAX, UINT32_MAX),
                                     monitorAt(2, INT32_MAX, INT32_MAX, UINT32_MAX, UINT32_MAX)},
                                    1);
   EXPECT_EQ(arrangement.displays[1].bounds, (Rect{4294967295.0, 4294967295.0, 4294967295.0, 4294967295.0}));
 }
 
-TEST(DisplayNumbers, AreTheOutputsAndStayTheSameWhateverElseChanges) {
+TEST(Arrange, NumbersDisplaysByTheirOutputs) {
   const auto before = arrange({monitorAt(7, 0, 0, 640, 480), monitorAt(9, 640, 0, 640, 480)}, 1);
   const auto after = arrange({monitorAt(3, 0, 0, 10, 10), monitorAt(9, 5, 5, 1, 1, true), monitorAt(7, 9, 9, 2, 2)}, 1);
   EXPECT_EQ(before.displays[0].number, 7u);
@@ -94,7 +94,7 @@ TEST(DisplayNumbers, AreTheOutputsAndStayTheSameWhateverElseChanges) {
   EXPECT_EQ(after.displays[2].number, 7u);
 }
 
-TEST(DisplayNumbers, AreNever0AndNeverTheSame) {
+TEST(Arrange, NumbersEveryDisplayDifferentlyAndNever0) {
   std::vector<Monitor> monitors;
   for (int i = 0; i < 8; ++i) {
     monitors.push_back(monitorAt(i < 4 ? 0 : 5, i * 10, 0, 10, 10));
@@ -108,13 +108,13 @@ TEST(DisplayNumbers, AreNever0AndNeverTheSame) {
   EXPECT_EQ(numbers.size(), 8u);
 }
 
-TEST(DisplayNumbers, OfMonitorsWithoutOutputsComeFromTheirNames) {
+TEST(Arrange, NumbersMonitorsWithoutOutputsByTheirNames) {
   Monitor monitor = monitorAt(0, 0, 0, 10, 10);
   monitor.name_atom = 431;
   EXPECT_EQ(arrange({monitor}, 1).displays[0].number, 0x80000000u + 431);
 }
 
-TEST(Identities, AreOfOutputOrName) {
+TEST(Arrange, IdentifiesDisplaysByOutputOrName) {
   Monitor with_output = monitorAt(1, 0, 0, 10, 10);
   with_output.edid = makeEdid();
   Monitor without_output = monitorAt(0, 10, 0, 10, 10);
@@ -123,7 +123,7 @@ TEST(Identities, AreOfOutputOrName) {
   EXPECT_EQ(arrangement.displays[1].uuid, platform::desktop::virtualMonitorUuid("DP-0"));
 }
 
-TEST(Services, HaveTheSameNumbersAsTheirDisplays) {
+TEST(Arrange, GivesServicesTheNumbersOfTheirDisplays) {
   Monitor monitor = monitorAt(1, 0, 0, 10, 10);
   monitor.edid = makeEdid({.vendor = "APP", .product = 5, .serial = 6, .name = "Name"});
   const auto arrangement = arrange({monitor, monitorAt(2, 10, 0, 10, 10)}, 1);

@@ -19,7 +19,7 @@ using test_support::makeEdid;
 /// The namespace of all identities. A change of it would lose every profile that users have assigned.
 const std::string kNamespace("\056\310\217\274\011\014\104\001\236\210\110\234\041\013\071\273", 16);
 
-/// The UUID of version 5 for a name, worked out with sha1sum.
+/// The UUID of version 5 for a name, computed with sha1sum.
 Uuid nameBasedUuid(const std::string& name) {
   const std::string digest = test_support::runSuccessfully({"sha1sum"}, {}, kNamespace + name);
   Uuid uuid{};
@@ -38,7 +38,7 @@ TEST(OutputUuid, IsNameBasedOnConnectorAndEdid) {
   EXPECT_EQ(outputUuid(edid, "DP-1"), nameBasedUuid(std::string("output\0DP-1\0", 12) + text(edid)));
 }
 
-TEST(OutputUuid, WithoutAnEdidIsOfTheConnectorAlone) {
+TEST(OutputUuid, UsesTheConnectorAloneWithoutAValidEdid) {
   const Uuid expected = nameBasedUuid(std::string("output\0DP-1\0", 12));
   EXPECT_EQ(outputUuid({}, "DP-1"), expected);
   EdidBytes broken = makeEdid();
@@ -46,22 +46,20 @@ TEST(OutputUuid, WithoutAnEdidIsOfTheConnectorAlone) {
   EXPECT_EQ(outputUuid(broken, "DP-1"), expected);
 }
 
-TEST(OutputUuid, TellsEqualMonitorsApartByTheirConnectors) {
-  EXPECT_NE(outputUuid(makeEdid(), "DP-1"), outputUuid(makeEdid(), "DP-2"));
-}
+TEST(OutputUuid, DiffersByConnector) { EXPECT_NE(outputUuid(makeEdid(), "DP-1"), outputUuid(makeEdid(), "DP-2")); }
 
-TEST(OutputUuid, TellsMonitorsOfOneModelApartByTheirSerials) {
+TEST(OutputUuid, DiffersBySerialNumber) {
   EXPECT_NE(outputUuid(makeEdid({.serial = 1}), "DP-1"), outputUuid(makeEdid({.serial = 2}), "DP-1"));
 }
 
-TEST(OutputUuid, DoesNotDependOnExtensions) {
+TEST(OutputUuid, IgnoresExtensionBlocks) {
   EdidBytes cut = makeEdid({.extensions = 2});
   const Uuid whole = outputUuid(cut, "DP-1");
   cut.resize(200);
   EXPECT_EQ(outputUuid(cut, "DP-1"), whole);
 }
 
-TEST(VirtualMonitorUuid, IsNameBasedOnTheNameAndNeverAnOutputs) {
+TEST(VirtualMonitorUuid, IsNameBasedAndDiffersFromOutputs) {
   EXPECT_EQ(virtualMonitorUuid("left"), nameBasedUuid(std::string("monitor\0left\0", 13)));
   const std::set<Uuid> uuids{virtualMonitorUuid("left"), virtualMonitorUuid("right"), outputUuid({}, "left"),
                              virtualMonitorUuid("")};

@@ -27,7 +27,7 @@ std::vector<std::string> pathsOf(Desktop& desktop) {
   return paths;
 }
 
-TEST(ScriptedDesktop, VisitsEntriesInOrderAsOftenAsTheScriptSays) {
+TEST(ScriptedDesktop, RepeatsAWalkInOrder) {
   Script script;
   script.device_profiles = {displayProfile(1, "/a", true, true), displayProfile(2, "/b", true, true)};
   ScriptedDesktop desktop(script);
@@ -38,7 +38,7 @@ TEST(ScriptedDesktop, VisitsEntriesInOrderAsOftenAsTheScriptSays) {
   EXPECT_THAT(pathsOf(desktop), IsEmpty());
 }
 
-TEST(ScriptedDesktop, EndsAWalkWhenTheVisitorAnswersFalse) {
+TEST(ScriptedDesktop, EndsAWalkWhenTheVisitorReturnsFalse) {
   Script script;
   script.installed_profiles = {{"mntr", "A", "/a"}, {"mntr", "B", "/b"}};
   script.installed_walk.repeat = 2;
@@ -61,7 +61,7 @@ TEST(ScriptedDesktop, DelaysAWalk) {
   EXPECT_GE(std::chrono::steady_clock::now() - begin, std::chrono::milliseconds(50));
 }
 
-TEST(ScriptedDesktop, LetsAHangingWalkGoOnWhenReleasedAndOutliveTheDesktop) {
+TEST(ScriptedDesktop, ReleasesAHungWalkThatOutlivesTheDesktop) {
   Script script;
   script.device_profiles = {displayProfile(1, "/a", true, true)};
   std::promise<void> begun;
@@ -83,7 +83,7 @@ TEST(ScriptedDesktop, LetsAHangingWalkGoOnWhenReleasedAndOutliveTheDesktop) {
   EXPECT_EQ(visited, 1);
 }
 
-TEST(ScriptedDesktop, MakesAnAssignedFileTheOneDefaultAndCurrentProfile) {
+TEST(ScriptedDesktop, MakesAnAssignedFileTheOnlyDefaultAndCurrentProfile) {
   Script script;
   script.device_profiles = {displayProfile(1, "/other", false, true), displayProfile(1, "/old", true, false),
                             displayProfile(2, "/b", true, true)};
@@ -98,7 +98,7 @@ TEST(ScriptedDesktop, MakesAnAssignedFileTheOneDefaultAndCurrentProfile) {
   EXPECT_THAT(in_use, ElementsAre(false, true, true));
 }
 
-TEST(ScriptedDesktop, AssignsNothingToAnUnknownDeviceOrWhenTheScriptSaysSo) {
+TEST(ScriptedDesktop, RefusesAssignmentsToUnknownDevicesOrByTheScript) {
   Script script;
   script.device_profiles = {displayProfile(1, "/a", true, true)};
   ScriptedDesktop desktop(script);
@@ -108,7 +108,7 @@ TEST(ScriptedDesktop, AssignsNothingToAnUnknownDeviceOrWhenTheScriptSaysSo) {
   EXPECT_THAT(pathsOf(desktop), ElementsAre("/a"));
 }
 
-TEST(ScriptedDesktop, PublishesANewArrangementAndLeavesTheOldOneAlone) {
+TEST(ScriptedDesktop, PublishesAChangeAsANewArrangement) {
   ScriptedDesktop desktop;
   const auto before = desktop.arrangement();
   desktop.change([](Script& edited) { edited.arrangement.displays.resize(1); });

@@ -81,7 +81,7 @@ TEST(WindowScalingFactor, IsAbsentWhenNotAmongTheSettings) {
   EXPECT_EQ(windowScalingFactor(SettingsWriter(1).string(kName, "2").bytes()), std::nullopt);
 }
 
-TEST(WindowScalingFactor, IsBelievedFrom1To16) {
+TEST(WindowScalingFactor, IsAcceptedFrom1To16) {
   for (const int factor : {1, 2, 3, 16}) {
     EXPECT_EQ(windowScalingFactor(SettingsWriter(1).integer(kName, factor).bytes()), factor);
   }
@@ -100,7 +100,7 @@ TEST(WindowScalingFactor, IsAbsentWhenTheSettingsAreTruncated) {
   EXPECT_EQ(windowScalingFactor(settings.bytes()), 2);
 }
 
-TEST(WindowScalingFactor, IsAbsentBehindNonsense) {
+TEST(WindowScalingFactor, IsAbsentBehindInvalidFields) {
   Bytes unknown_order = SettingsWriter(1).integer(kName, 2).bytes();
   unknown_order[0] = 'l';
   EXPECT_EQ(windowScalingFactor(unknown_order), std::nullopt);
@@ -112,7 +112,7 @@ TEST(WindowScalingFactor, IsAbsentBehindNonsense) {
   EXPECT_EQ(windowScalingFactor(huge_string), std::nullopt);
 }
 
-TEST(WindowScalingFactor, OfDamagedBytesIsAbsentOrBelievable) {
+TEST(WindowScalingFactor, IsAbsentOrInRangeForDamagedBytes) {
   SettingsWriter settings(3);
   settings.string("Net/ThemeName", "Any").color("Some/Color").integer(kName, 2);
   std::minstd_rand random(3);
@@ -126,7 +126,7 @@ TEST(WindowScalingFactor, OfDamagedBytesIsAbsentOrBelievable) {
   }
 }
 
-TEST(XftDpi, IsReadByTheRulesOfResources) {
+TEST(XftDpi, FollowsTheRulesOfXResources) {
   EXPECT_EQ(xftDpi("Xft.dpi: 192\n"), 192);
   EXPECT_EQ(xftDpi("Xft.dpi:\t144.5"), 144.5);
   EXPECT_EQ(xftDpi("! Xft.dpi: 96\nXft.antialias: 1\nXft.dpi : 120 \nXft.hinting: 1\n"), 120);
@@ -135,7 +135,7 @@ TEST(XftDpi, IsReadByTheRulesOfResources) {
   EXPECT_EQ(xftDpi("Xft.dpi: 96\nXft.dpi: 192\n"), 192);
 }
 
-TEST(XftDpi, IsAbsentWhenThereIsNoSuchPositiveNumber) {
+TEST(XftDpi, IsAbsentWithoutAPositiveNumber) {
   for (const char* const resources :
        {"", "\n\n", "Xft.dpi:", "Xft.dpi: \n", "Xft.dpi: high\n", "Xft.dpi: 96dpi\n", "Xft.dpi: 0\n", "Xft.dpi: -96\n",
         "Xft.dpi: nan\n", "Xft.dpi: inf\n", "Xft.dpi: 1e999\n", "Xft.dpis: 96\n", "dpi: 96\n", "Xft.dpi 96\n"}) {
@@ -143,11 +143,11 @@ TEST(XftDpi, IsAbsentWhenThereIsNoSuchPositiveNumber) {
   }
 }
 
-TEST(XftDpi, IsNotReadBehindAZeroByte) {
+TEST(XftDpi, IgnoresTextBehindAZeroByte) {
   EXPECT_EQ(xftDpi(std::string_view("a: b\n\0Xft.dpi: 192\n", 19)), std::nullopt);
 }
 
-TEST(XftDpi, DoesNotComeFromAFileThatTheResourcesName) {
+TEST(XftDpi, IgnoresIncludeDirectives) {
   const test_support::TemporaryDirectory directory;
   const std::string file = (directory.path() / "resources").string();
   test_support::runSuccessfully({"tee", file}, {}, "Xft.dpi: 192\n");
@@ -156,7 +156,7 @@ TEST(XftDpi, DoesNotComeFromAFileThatTheResourcesName) {
   }
 }
 
-TEST(XftDpi, OfRandomTextNeverCrashes) {
+TEST(XftDpi, IsAbsentOrPositiveForRandomText) {
   constexpr std::string_view kPieces[] = {"Xft", ".",  "*",  "dpi", ":", " ", "\t",
                                           "192", "\n", "\\", "#",   "!", "?", "\xFF"};
   std::minstd_rand random(5);
@@ -170,7 +170,7 @@ TEST(XftDpi, OfRandomTextNeverCrashes) {
   }
 }
 
-TEST(BackingScale, IsTheWindowScalingFactorWhenThereIsOne) {
+TEST(BackingScale, IsTheWindowScalingFactorIfSet) {
   EXPECT_EQ(backingScale(2, std::nullopt), 2);
   EXPECT_EQ(backingScale(1, 192), 1);
 }
@@ -184,7 +184,7 @@ TEST(BackingScale, IsTheResolutionOver96RoundedToAHalf) {
   }
 }
 
-TEST(BackingScale, IsOneWithoutABelievableSetting) {
+TEST(BackingScale, IsOneWithoutAValidSetting) {
   EXPECT_EQ(backingScale(std::nullopt, std::nullopt), 1);
   EXPECT_EQ(backingScale(std::nullopt, 1537), 1);
   EXPECT_EQ(backingScale(std::nullopt, 1e300), 1);
