@@ -1,5 +1,5 @@
-// The description of a desktop, in JSON (docs/desktop-file.md): what is accepted is a desktop that can be used, and
-// what is refused is refused in one line with the line's number.
+// The desktop file (docs/desktop-file.md): an accepted one gives a usable desktop, and a rejected one an error of one
+// line with the line's number.
 #include <algorithm>
 #include <charconv>
 #include <cmath>
@@ -12,6 +12,7 @@
 
 #include "desktop/script/scripted.h"
 #include "fuzz/support/finding.h"
+#include "fuzz/support/memory_file.h"
 
 namespace {
 
@@ -19,8 +20,6 @@ using fuzz::require;
 using platform::desktop::Arrangement;
 using platform::desktop::Rect;
 using platform::desktop::Script;
-
-constexpr const char* kPath = "/folder/desktop.json";
 
 bool isFinite(const Rect& rect) {
   return std::isfinite(rect.x) && std::isfinite(rect.y) && std::isfinite(rect.width) && std::isfinite(rect.height);
@@ -60,8 +59,8 @@ void use(Script script) {
   require(visited == installed_profiles, "a walk visits every installed profile");
 }
 
-void checkRefusal(const std::string& text, const std::string& message) {
-  const std::string prefix = std::string(kPath) + ":";
+void checkRefusal(const std::string& path, const std::string& text, const std::string& message) {
+  const std::string prefix = path + ":";
   require(message.starts_with(prefix), "a refusal names the file");
   require(std::all_of(message.begin(), message.end(), [](char c) { return c >= ' ' && c <= '~'; }),
           "a refusal is one line of printable characters");
@@ -73,12 +72,14 @@ void checkRefusal(const std::string& text, const std::string& message) {
           "a refusal names a line of the file");
 }
 
-/// Nothing when the text is refused, as it is to be refused.
+/// Nothing when the text is refused in the documented way.
 std::optional<Script> read(const std::string& text) {
+  static const fuzz::MemoryFile file;
+  file.write(text);
   try {
-    return platform::desktop::readScriptText(text, kPath);
+    return platform::desktop::readScript(file.path());
   } catch (const std::runtime_error& error) {
-    checkRefusal(text, error.what());
+    checkRefusal(file.path(), text, error.what());
     return std::nullopt;
   }
 }

@@ -6,7 +6,6 @@
 #include <memory>
 #include <mutex>
 #include <string>
-#include <string_view>
 #include <vector>
 
 #include "desktop/model/desktop.h"
@@ -58,7 +57,5 @@ class PLATFORM_API ScriptedDesktop final : public Desktop {
 /// Reads the description of a desktop from a JSON file (docs/desktop-file.md). Throws std::runtime_error with one line:
 /// "FILE: REASON" when the file cannot be read, "FILE:LINE: REASON" when it does not describe a desktop.
 PLATFORM_API Script readScript(const std::string& path);
-/// The same for what the file at `path`, which need not exist, would contain; `path` is absolute.
-PLATFORM_API Script readScriptText(std::string_view content, const std::string& path);
 
 }  // namespace platform::desktop

@@ -272,32 +272,17 @@ std::string contentOf(const std::string& path) {
   return content;
 }
 
-/// What `read` gives; an Error becomes one that names the file.
-template <typename Read>
-Script readNaming(const std::string& path, const Read& read) {
-  try {
-    return read();
-  } catch (const Error& error) {
-    throw std::runtime_error(path + ":" + std::to_string(error.line()) + ": " + error.what());
-  }
-}
-
-Script readContent(std::string_view content, const std::filesystem::path& folder) {
-  const Value root = parse(content);
-  return Reader(folder).read(root);
-}
-
 }  // namespace
 
 Script readScript(const std::string& path) {
-  return readNaming(path, [&] {
-    std::error_code ignored;  // without a working folder, relative paths stay as they are
-    return readContent(contentOf(path), std::filesystem::absolute(path, ignored).parent_path());
-  });
-}
-
-Script readScriptText(std::string_view content, const std::string& path) {
-  return readNaming(path, [&] { return readContent(content, std::filesystem::path(path).parent_path()); });
+  const std::string content = contentOf(path);
+  std::error_code ignored;  // without a working folder, relative paths stay as they are
+  const auto folder = std::filesystem::absolute(path, ignored).parent_path();
+  try {
+    return Reader(folder).read(parse(content));
+  } catch (const Error& error) {
+    throw std::runtime_error(path + ":" + std::to_string(error.line()) + ": " + error.what());
+  }
 }
 
 }  // namespace platform::desktop
