@@ -4,7 +4,6 @@
 
 #include "desktop/current.h"
 #include "desktop/diagnosis/diagnosis.h"
-#include "desktop/model/edid.h"
 #include "devhost/language/value.h"
 #include "devhost/tool/displays.h"
 #include "devhost/tool/doctor/doctor.h"
@@ -75,7 +74,7 @@ Finding aboutXServer(const desktop::XServerReport& x) {
     case XServerState::kNoRandr:
       return missing(kXServer, server + " has no RandR 1.2, without which displays cannot be told apart",
                      "start it without \"-extension RANDR\"");
-    case XServerState::kAnswers:
+    case XServerState::kReady:
       break;
   }
   if (x.arrangement.displays.empty()) {
@@ -97,7 +96,7 @@ Finding aboutColord(const desktop::ColordReport& colord) {
                      "apt-get install colord, or if it is installed: systemctl start colord");
     case ColordState::kSilent:
       return missing(kColord, "colord does not start or does not answer", "systemctl restart colord");
-    case ColordState::kAnswers:
+    case ColordState::kReady:
       break;
   }
   return good(kColord, "answers, and knows " + counted(colord.devices.size(), "display device", "display devices"));
@@ -136,12 +135,13 @@ std::string hexadecimal(std::uint32_t number) {
   return text;
 }
 
-Finding aboutEdid(const desktop::XServerReport& x, const desktop::Display& display) {
+Finding aboutEdid(const desktop::XServerReport& x, std::size_t index) {
+  const desktop::Display& display = x.arrangement.displays[index];
   if (display.connector.empty()) {
     return note(kEdid, "a part of the screen without an output, which has no EDID and no name");
   }
   const std::string remedy = kEdidFile + display.connector + ":edid/FILE.bin";
-  const auto edid = desktop::decodeEdid(display.edid);
+  const auto& edid = x.edids[index];
   if (!edid) {
     const bool has_bytes = std::any_of(x.monitors.begin(), x.monitors.end(), [&](const desktop::Monitor& monitor) {
       return monitor.connector == display.connector && !monitor.edid.empty();
@@ -164,7 +164,7 @@ Finding aboutFile(const std::string& path, const std::string& remedy) {
 
 void addColord(std::vector<Finding>& findings, const desktop::ColordReport& colord, std::size_t index,
                std::uint32_t number) {
-  if (colord.state != ColordState::kAnswers) {
+  if (colord.state != ColordState::kReady) {
     return;  // said once for all displays
   }
   const auto match = colord.matches[index];
@@ -202,7 +202,7 @@ Diagnosis examineLive(const Plugin& plugin) {
                                                numberText(bounds.width) + " x " + numberText(bounds.height) + " at " +
                                                numberText(bounds.x) + ", " + numberText(bounds.y) +
                                                (i == 0 ? ", main" : "")));
-    about.findings.push_back(aboutEdid(x, displays[i]));
+    about.findings.push_back(aboutEdid(x, i));
     addColord(about.findings, colord, i, about.number);
     diagnosis.displays.push_back(std::move(about));
   }

@@ -8,17 +8,16 @@
 namespace platform::desktop {
 namespace {
 
-constexpr const char* kColordName = "org.freedesktop.ColorManager";
 constexpr const char* kColordPath = "/org/freedesktop/ColorManager";
-/// A reading during which something changed is begun anew this many times; then it is taken as it is.
+/// A reading during which something changes is repeated, up to this number of readings; the last one is returned.
 constexpr int kMostReadings = 3;
 constexpr std::chrono::milliseconds kRetryPause{2};
 
-/// Where colord looks for profiles itself.
+/// Where colord finds profiles by itself.
 constexpr const char* kColordDirectories[] = {"/usr/share/color/icc/", "/usr/local/share/color/icc/",
                                               "/var/lib/color/icc/", "/var/lib/colord/icc/"};
 
-bool colordFindsItself(const std::string& file) {
+bool isInColordDirectory(const std::string& file) {
   for (const char* directory : kColordDirectories) {
     if (file.starts_with(directory)) {
       return true;
@@ -27,7 +26,7 @@ bool colordFindsItself(const std::string& file) {
   return false;
 }
 
-/// The same for the same path, whatever the file holds at the moment.
+/// Depends on the path alone, not on the contents.
 std::string profileIdFor(const std::string& file) {
   const std::unique_ptr<char, decltype(&g_free)> digits(g_compute_checksum_for_string(G_CHECKSUM_MD5, file.c_str(), -1),
                                                         g_free);
@@ -51,9 +50,9 @@ bool hasDefault(const Operation& operation, const char* device_path, const std::
   return profile && profile_path == cd_profile_get_object_path(profile.get());
 }
 
-/// colord's database keeps every property that a device is created with but this one, without which a restarted colord
-/// does not list it among the displays.
-bool keepKind(const Operation& operation, CdDevice* device) {
+/// Sets the kind of a new device, which colord's database would otherwise lose: it stores every other property that a
+/// device is created with. Without the kind, a restarted colord does not list the device among the displays.
+bool persistKind(const Operation& operation, CdDevice* device) {
   const char* const display = cd_device_kind_to_string(CD_DEVICE_KIND_DISPLAY);
   const auto set =
       operation.start([&](auto... rest) { cd_device_set_property(device, CD_DEVICE_PROPERTY_KIND, display, rest...); });
@@ -77,6 +76,26 @@ bool makeDefault(const Operation& operation, CdDevice* device, CdProfile* profil
 
 }  // namespace
 
+ObjectRef<GDBusConnection> systemBus(const Operation& operation) {
+  for (;;) {
+    const auto got = operation.start([](auto... rest) { g_bus_get(G_BUS_TYPE_SYSTEM, rest...); });
+    ErrorSlot error;
+    if (operation.wait(got) == nullptr) {
+      return nullptr;
+    }
+    ObjectRef<GDBusConnection> connection(g_bus_get_finish(got->result.get(), error.place()));
+    if (connection) {
+      // GIO's default ends the process when the bus goes away.
+      g_dbus_connection_set_exit_on_close(connection.get(), FALSE);
+    }
+    // GIO returns the same connection while anything holds it, even a failed one. This operation has not been
+    // cancelled, so the error belongs to an earlier one, whose thread still holds the connection.
+    if (connection || !error.is(G_IO_ERROR, G_IO_ERROR_CANCELLED) || !operation.pause(kRetryPause)) {
+      return connection;
+    }
+  }
+}
+
 bool ColordClient::connect(const Operation& operation) {
   if (connection_ && g_dbus_connection_is_closed(connection_.get())) {
     disconnect();
@@ -98,29 +117,11 @@ bool ColordClient::connect(const Operation& operation) {
   return true;
 }
 
-ObjectRef<GDBusConnection> ColordClient::sharedConnection(const Operation& operation) {
-  for (;;) {
-    const auto got = operation.start([](auto... rest) { g_bus_get(G_BUS_TYPE_SYSTEM, rest...); });
-    ErrorSlot error;
-    if (operation.wait(got) == nullptr) {
-      return nullptr;
-    }
-    ObjectRef<GDBusConnection> connection(g_bus_get_finish(got->result.get(), error.place()));
-    // GIO hands out one and the same connection while anybody holds it, a failed one too. This operation has not been
-    // cancelled, so the error is of an earlier one that was, and whose thread has not let go of the connection yet.
-    if (connection || !error.is(G_IO_ERROR, G_IO_ERROR_CANCELLED) || !operation.pause(kRetryPause)) {
-      return connection;
-    }
-  }
-}
-
 bool ColordClient::connectToBus(const Operation& operation) {
-  ObjectRef<GDBusConnection> connection = sharedConnection(operation);
+  ObjectRef<GDBusConnection> connection = systemBus(operation);
   if (!connection || g_dbus_connection_is_closed(connection.get())) {
     return false;
   }
-  // GIO's default is to end the process when the bus goes away.
-  g_dbus_connection_set_exit_on_close(connection.get(), FALSE);
   connection_ = std::move(connection);
   signal_watch_ = g_dbus_connection_signal_subscribe(connection_.get(), kColordName, nullptr, nullptr, nullptr, nullptr,
                                                      G_DBUS_SIGNAL_FLAGS_NONE, announced, this, nullptr);
@@ -138,7 +139,7 @@ void ColordClient::disconnect() {
   owner_reported_ = false;
   restored_owner_.clear();
   changed_ = true;
-  // Events under way may still hold the closed connection, and GIO hands out the same one while anybody does.
+  // Pending events may still hold the closed connection, which GIO returns while anything does.
   while (g_main_context_iteration(g_main_context_get_thread_default(), FALSE)) {
   }
 }
@@ -182,10 +183,10 @@ void ColordClient::restoreProfiles(const Operation& operation) {
 }
 
 ColordClient::Devices ColordClient::devices(const Operation& operation) {
-  Devices devices = readOrKeep(operation);
+  Devices devices = read(operation);
   if (!devices && !operation.expired()) {
-    // The first call after the bus or colord went away is how that comes to light.
-    devices = readOrKeep(operation);
+    // The first call after the bus or colord went away fails, and the second one connects again.
+    devices = read(operation);
   }
   return devices;
 }
@@ -201,7 +202,7 @@ std::shared_ptr<GPtrArray> ColordClient::listDevices(const Operation& operation)
   return devices == nullptr ? nullptr : std::shared_ptr<GPtrArray>(devices, g_ptr_array_unref);
 }
 
-bool ColordClient::answers(const Operation& operation) {
+bool ColordClient::ping(const Operation& operation) {
   const auto asked = operation.start([&](auto... rest) {
     g_dbus_connection_call(connection_.get(), kColordName, kColordPath, "org.freedesktop.DBus.Properties", "Get",
                            g_variant_new("(ss)", kColordName, "DaemonVersion"), nullptr, G_DBUS_CALL_FLAGS_NONE,
@@ -219,12 +220,12 @@ bool ColordClient::answers(const Operation& operation) {
   return true;
 }
 
-ColordClient::Devices ColordClient::readOrKeep(const Operation& operation) {
+ColordClient::Devices ColordClient::read(const Operation& operation) {
   if (!connect(operation)) {
     return nullptr;
   }
   if (known_ && !changed_ && owner_ == restored_owner_) {
-    if (!answers(operation)) {
+    if (!ping(operation)) {
       return nullptr;
     }
     if (!changed_) {
@@ -262,12 +263,12 @@ ObjectRef<CdDevice> ColordClient::registerDevice(const Operation& operation, con
   }
   ObjectRef<CdDevice> device(cd_client_create_device_finish(client_.get(), created->result.get(), error.place()));
   if (device) {
-    return connectDevice(operation, device.get()) && keepKind(operation, device.get()) ? std::move(device) : nullptr;
+    return connectDevice(operation, device.get()) && persistKind(operation, device.get()) ? std::move(device) : nullptr;
   }
   if (!error.is(CD_CLIENT_ERROR, CD_CLIENT_ERROR_ALREADY_EXISTS)) {
     return nullptr;
   }
-  // A session daemon was faster.
+  // A session daemon has registered the device meanwhile.
   const auto found = operation.start([&](auto... rest) { cd_client_find_device(client_.get(), id, rest...); });
   if (operation.wait(found) == nullptr) {
     return nullptr;
@@ -288,9 +289,9 @@ ObjectRef<CdProfile> ColordClient::findProfile(const Operation& operation, const
 
 ObjectRef<CdProfile> ColordClient::createProfile(const Operation& operation, const AssignedProfile& profile) {
   const auto properties = newTable();
-  // libcolord opens the file and passes it on, so colord need not be allowed to read it.
+  // libcolord opens the file and passes the descriptor, so colord needs no permission to read it.
   put(properties.get(), CD_PROFILE_PROPERTY_FILENAME, profile.file);
-  // Until colord stops; it does not keep profiles on disk.
+  // Lasts until colord stops, because colord does not store profiles on disk.
   const auto created = operation.start([&](auto... rest) {
     cd_client_create_profile(client_.get(), profile.id.c_str(), CD_OBJECT_SCOPE_NORMAL, properties.get(), rest...);
   });
@@ -309,7 +310,7 @@ ObjectRef<CdProfile> ColordClient::registerProfile(const Operation& operation, c
   if (!profile || !connectProfile(operation, profile.get())) {
     return nullptr;
   }
-  if (!colordFindsItself(file) && cd_profile_get_id(profile.get()) != nullptr) {
+  if (!isInColordDirectory(file) && cd_profile_get_id(profile.get()) != nullptr) {
     rememberAssignedProfile({cd_profile_get_id(profile.get()), file});
   }
   return profile;

@@ -1,11 +1,11 @@
-// ColordClient: what this process says to colord, through libcolord on the system bus.
+// ColordClient: this process's calls to colord, through libcolord on the system bus.
 //
-// Every member function is for one thread, the one whose default main context the object was made for; each takes the
-// operation that limits it. libcolord's own synchronous functions are not used: they run the process's default main
-// context, which is not ours, and wait without limit.
+// All member functions run on the thread whose default main context the object was made for, within the operation that
+// each is given. libcolord's synchronous functions are not used: they run the process's default main context, which
+// belongs to the host, and wait without a limit.
 //
-// Devices are read once and kept until colord says that something changed. Each reading begins with one call to colord;
-// its answer comes after every change that colord announced before it, so what is kept is never older than the call.
+// Devices are cached until colord announces a change. Each reading begins with one call to colord. Its reply arrives
+// after every change announced before it, so the cache is never older than the call.
 #pragma once
 
 #include <colord.h>
@@ -21,6 +21,12 @@
 
 namespace platform::desktop {
 
+/// colord's name on the system bus.
+inline constexpr const char* kColordName = "org.freedesktop.ColorManager";
+
+/// The process's connection to the system bus, shared with libcolord; null when there is none.
+ObjectRef<GDBusConnection> systemBus(const Operation& operation);
+
 class ColordClient {
  public:
   using Devices = std::shared_ptr<const std::vector<ColordDevice>>;
@@ -29,33 +35,30 @@ class ColordClient {
   ColordClient(const ColordClient&) = delete;
   ColordClient& operator=(const ColordClient&) = delete;
 
-  /// The display devices that this user may see; null when colord did not answer. Starts colord where the bus can.
+  /// The display devices that this user may see; null when colord does not reply. The bus starts colord if it can.
   Devices devices(const Operation& operation);
 
-  /// Makes the file the default profile of the display's device, which is registered first where there is none. False
-  /// when colord refused or did not answer; what was done until then stays.
+  /// Makes the file the default profile of the display's device, and registers the device first if it is unknown. False
+  /// when colord refuses or does not reply; a part of the work may then have been done.
   bool assign(const Operation& operation, const std::vector<Display>& displays, std::size_t display,
               const std::string& file);
 
-  /// True once after colord has been started again: restoreProfiles() is due.
+  /// True once after each restart of colord: restoreProfiles() is due.
   bool takeRestart();
-  /// Makes the assigned profiles known to a colord that has forgotten them; colord itself then gives them back to their
-  /// devices.
+  /// Registers the assigned profiles with a restarted colord, which then returns them to their devices.
   void restoreProfiles(const Operation& operation);
 
  private:
   bool connect(const Operation& operation);
   bool connectToBus(const Operation& operation);
-  /// The process's one connection to the system bus, which libcolord uses too; null when there is none.
-  static ObjectRef<GDBusConnection> sharedConnection(const Operation& operation);
   void disconnect();
   static void announced(GDBusConnection*, const gchar*, const gchar*, const gchar*, const gchar*, GVariant*, gpointer);
   static void appeared(GDBusConnection*, const gchar* name, const gchar* owner, gpointer self);
   static void vanished(GDBusConnection*, const gchar* name, gpointer self);
 
-  Devices readOrKeep(const Operation& operation);
-  /// Asks colord for its version: the least that it can be asked for, whatever the number of its devices.
-  bool answers(const Operation& operation);
+  Devices read(const Operation& operation);
+  /// Asks for colord's version, a call whose cost does not depend on the number of devices.
+  bool ping(const Operation& operation);
   std::shared_ptr<GPtrArray> listDevices(const Operation& operation);
   ObjectRef<CdDevice> registerDevice(const Operation& operation, const ColordRegistration& registration);
   ObjectRef<CdProfile> findProfile(const Operation& operation, const std::string& file);
@@ -68,8 +71,8 @@ class ColordClient {
   ObjectRef<CdClient> client_;
   bool owner_reported_ = false;
   std::string owner_;           ///< colord's unique name on the bus; empty while it does not run
-  bool restarted_ = false;      ///< since takeRestart() was asked last
-  std::string restored_owner_;  ///< the colord that knows the assigned profiles
+  bool restarted_ = false;      ///< since the last takeRestart()
+  std::string restored_owner_;  ///< the unique name of the colord with which the assigned profiles are registered
   bool changed_ = true;         ///< since `known_` was read
   Devices known_;
 };

@@ -12,7 +12,7 @@
 namespace platform::desktop {
 namespace {
 
-/// The process's conversation with colord.
+/// The client of colord, and the thread that it runs on.
 class Session {
  public:
   Session() : thread_(*new GlibThread([this](GMainContext* context) { whenIdle(context); })) {}
@@ -45,19 +45,19 @@ class Session {
   GlibThread& thread_;
 };
 
-/// Kept for the life of the process: a walk may still be running while the process exits.
+/// Never freed: a walk may still be running while the process exits.
 Session& session() {
-  static auto* const kept = new Session;
-  return *kept;
+  static auto* const session = new Session;
+  return *session;
 }
 
-/// What `ask` answers about the session, or `otherwise` when there cannot be one: it needs a thread.
-template <typename Answer>
-Answer askSession(Answer otherwise, const std::function<Answer(Session&)>& ask) {
+/// The result of `use`, or `failure` without a session, which needs a thread.
+template <typename Result>
+Result withSession(Result failure, const std::function<Result(Session&)>& use) {
   try {
-    return ask(session());
+    return use(session());
   } catch (const std::exception&) {
-    return otherwise;
+    return failure;
   }
 }
 
@@ -72,7 +72,7 @@ std::optional<std::string> orAbsent(std::string value) {
   return value.empty() ? std::nullopt : std::optional(std::move(value));
 }
 
-/// False when the visitor ended the walk.
+/// False when the visitor ends the walk.
 bool visitProfiles(const Display& display, const ColordDevice& device, const DeviceProfileVisitor& visit) {
   for (std::size_t i = 0; i < device.profiles.size(); ++i) {
     DeviceProfile entry;
@@ -95,7 +95,7 @@ ColordDevices::ColordDevices(ArrangementSource arrangement) : arrangement_(std::
 
 void ColordDevices::visit(const DeviceProfileVisitor& visit) const {
   const auto arrangement = arrangement_();
-  const auto devices = askSession<ColordClient::Devices>(nullptr, [](Session& session) { return session.devices(); });
+  const auto devices = withSession<ColordClient::Devices>(nullptr, [](Session& session) { return session.devices(); });
   if (!devices) {
     return;
   }
@@ -116,7 +116,7 @@ bool ColordDevices::assign(const Uuid& device, const std::string& profile_path) 
     return false;
   }
   const auto index = static_cast<std::size_t>(display - displays.begin());
-  return askSession<bool>(false, [&](Session& session) { return session.assign(arrangement, index, profile_path); });
+  return withSession<bool>(false, [&](Session& session) { return session.assign(arrangement, index, profile_path); });
 }
 
 }  // namespace platform::desktop

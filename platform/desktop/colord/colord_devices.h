@@ -1,10 +1,10 @@
 // The live desktop's device profiles: colord's display devices, each matched to a display of the arrangement.
 //
-// Every profile of a device is an entry; its first one is the default and the one in use. A display that has no device
-// in colord has no entries, and a device whose monitor is not in the arrangement gives none.
+// Each profile of a device is one device profile; the first is the default and the current one. A display without a
+// device in colord has none, and a device whose monitor is not in the arrangement gives none.
 //
-// colord is asked on a thread of its own, one for the process, so a colord that hangs, dies or is not there costs a
-// caller no more than the limits below. The connection is made on first use and again whenever it was lost.
+// One thread of the process talks to colord, so a colord that hangs or dies delays a caller at most by the limits
+// below. It connects on first use, and again after a loss.
 #pragma once
 
 #include <chrono>
@@ -17,9 +17,9 @@
 
 namespace platform::desktop {
 
-/// The longest that visit() waits for colord before its first entry; without an answer there are no entries.
+/// How long visit() waits for colord before it visits the first device profile; then it visits none.
 inline constexpr std::chrono::milliseconds kDeviceWalkLimit{5000};
-/// The longest that assign() takes altogether.
+/// How long assign() takes at most.
 inline constexpr std::chrono::milliseconds kAssignmentLimit{5000};
 
 /// Returns the present displays.
@@ -31,18 +31,18 @@ class PLATFORM_API ColordDevices {
   /// `arrangement` is called once in each visit() and assign(), on the caller's thread.
   explicit ColordDevices(ArrangementSource arrangement);
 
-  /// Visits the entries display by display, in the arrangement's order. An entry's description is the device's model,
-  /// else its vendor, else the connector; a profile without a file gives an entry without a path.
+  /// Visits the device profiles display by display, in the arrangement's order. A description is the device's model,
+  /// else its vendor, else the connector; a profile without a file has no path.
   void visit(const DeviceProfileVisitor& visit) const;
 
-  /// Makes the file the default profile of the display with this UUID. The file may lie anywhere, but must be a
-  /// readable display profile; colord may refuse, too: who may change devices is a matter of its polkit rules, by
-  /// default the user of the active session, and root.
+  /// Makes the file the default profile of the display with this UUID. The file may be anywhere, and must be a readable
+  /// display profile. colord's polkit rules decide who may change devices: by default root, and the user of the active
+  /// session.
   ///
-  /// A display that no session daemon has registered is registered first, with what a daemon would say about it, and
-  /// kept in colord's database. The assignment lasts: colord remembers it, and a file outside colord's own directories
-  /// is made known to a restarted colord again, at once while this process runs and has used colord, else by the next
-  /// one that does. True when colord reports the file as the device's default afterwards.
+  /// A display that no session daemon has registered is registered first, with the properties that a daemon would give,
+  /// and stored in colord's database. The assignment lasts: colord stores it, and a file outside colord's directories
+  /// is registered with a restarted colord, at once by a process that has used colord, else by the next one that does.
+  /// True when colord reports the file as the device's default afterwards.
   bool assign(const Uuid& device, const std::string& profile_path) const;
 
  private:

@@ -11,9 +11,7 @@
 namespace platform::desktop {
 namespace {
 
-std::string text(const char* value) { return value == nullptr ? std::string() : std::string(value); }
-
-/// Null when the bytes are no EDID.
+/// Null for an invalid EDID.
 ObjectRef<CdEdid> parseEdid(const std::vector<std::uint8_t>& bytes) {
   if (bytes.empty()) {
     return nullptr;
@@ -30,15 +28,15 @@ std::string checksumOf(const std::vector<std::uint8_t>& bytes) {
   }
   const std::unique_ptr<char, decltype(&g_free)> digits(
       g_compute_checksum_for_data(G_CHECKSUM_MD5, bytes.data(), bytes.size()), g_free);
-  return text(digits.get());
+  return textOf(digits.get());
 }
 
-/// What tells a display's monitor from others, read from its EDID once.
+/// The identity of a display's monitor, from its EDID.
 struct Monitor {
   explicit Monitor(const std::vector<std::uint8_t>& bytes) : md5(checksumOf(bytes)) {
     if (const ObjectRef<CdEdid> edid = parseEdid(bytes)) {
-      model = text(cd_edid_get_monitor_name(edid.get()));
-      serial = text(cd_edid_get_serial_number(edid.get()));
+      model = textOf(cd_edid_get_monitor_name(edid.get()));
+      serial = textOf(cd_edid_get_serial_number(edid.get()));
     }
   }
 
@@ -80,8 +78,7 @@ std::vector<Candidate> candidates(const std::vector<Display>& displays, const st
   return found;
 }
 
-/// The names that tell one monitor from another, as colord itself puts them together; just "xrandr" when there are
-/// none.
+/// The monitor's names, joined as colord joins them; just "xrandr" without names.
 std::string monitorId(CdEdid* edid) {
   std::string id = "xrandr";
   if (edid == nullptr) {
@@ -96,7 +93,7 @@ std::string monitorId(CdEdid* edid) {
   return id;
 }
 
-bool sharesItsEdid(const std::vector<Display>& displays, std::size_t display) {
+bool sharesEdid(const std::vector<Display>& displays, std::size_t display) {
   return std::count_if(displays.begin(), displays.end(),
                        [&](const Display& other) { return other.edid == displays[display].edid; }) > 1;
 }
@@ -107,7 +104,7 @@ std::string chooseId(const std::vector<Display>& displays, std::size_t display, 
     return std::any_of(devices.begin(), devices.end(), [&](const ColordDevice& device) { return device.id == id; });
   };
   std::string monitor = monitorId(edid);
-  if (monitor != "xrandr" && !sharesItsEdid(displays, display) && !taken(monitor)) {
+  if (monitor != "xrandr" && !sharesEdid(displays, display) && !taken(monitor)) {
     return monitor;
   }
   const std::string by_connector = "xrandr-" + displays[display].connector;
@@ -160,9 +157,9 @@ ColordRegistration registrationFor(const std::vector<Display>& displays, std::si
   add(CD_DEVICE_PROPERTY_MODE, cd_device_mode_to_string(CD_DEVICE_MODE_PHYSICAL));
   add(CD_DEVICE_PROPERTY_COLORSPACE, cd_colorspace_to_string(CD_COLORSPACE_RGB));
   if (edid) {
-    add(CD_DEVICE_PROPERTY_VENDOR, text(cd_edid_get_vendor_name(edid.get())));
-    add(CD_DEVICE_PROPERTY_MODEL, text(cd_edid_get_monitor_name(edid.get())));
-    add(CD_DEVICE_PROPERTY_SERIAL, text(cd_edid_get_serial_number(edid.get())));
+    add(CD_DEVICE_PROPERTY_VENDOR, textOf(cd_edid_get_vendor_name(edid.get())));
+    add(CD_DEVICE_PROPERTY_MODEL, textOf(cd_edid_get_monitor_name(edid.get())));
+    add(CD_DEVICE_PROPERTY_SERIAL, textOf(cd_edid_get_serial_number(edid.get())));
   }
   if (isBuiltIn(registered.connector)) {
     add(CD_DEVICE_PROPERTY_EMBEDDED, "True");

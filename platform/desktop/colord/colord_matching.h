@@ -1,6 +1,5 @@
-// Which display device of colord belongs to which display, and what a display's device is registered with.
-//
-// Pure functions of their arguments; any thread may call them.
+// Which display device of colord belongs to which display, and what a display's device is registered with. Pure
+// functions; any thread may call.
 #pragma once
 
 #include <cstddef>
@@ -13,23 +12,21 @@
 
 namespace platform::desktop {
 
-/// For each display of the arrangement the index of its device, or nullopt. A device belongs to one display at most.
+/// The index of each display's device, or nullopt. A device belongs to one display at most.
 ///
-/// Colour session daemons register a device with the connector's name and, the newer ones, with the EDID's checksum. In
-/// order of preference a display's device is the one that has
+/// Session daemons register a device with the connector's name; newer ones add the EDID's checksum. In order of
+/// preference, a display's device is the one with
 ///   1. its connector and its EDID,
 ///   2. its connector, where one of the two has no EDID to compare,
 ///   3. its EDID, at another connector: the monitor was plugged in elsewhere,
 ///   4. its model and serial number, where the device has no checksum.
-/// A device with the display's connector and another monitor's EDID is that other monitor's. Between equals, a device
-/// that is registered for a monitor that is there comes before one that colord only remembers, then the one changed
-/// last.
+/// A device with the display's connector and another monitor's EDID belongs to that other monitor. Between equals, a
+/// device of a connected monitor precedes one from colord's database, then the one changed last wins.
 PLATFORM_API std::vector<std::optional<std::size_t>> matchDevices(const std::vector<Display>& displays,
                                                                   const std::vector<ColordDevice>& devices);
 
-/// What a session daemon would register the display with: "xrandr" and the EDID's vendor, name and serial number as the
-/// id, or the connector where the EDID does not tell the display from another one. `devices` are those registered
-/// already.
+/// The registration that a session daemon would make: the id is "xrandr" with the EDID's vendor, name and serial
+/// number, or with the connector where the EDID does not identify the display. `devices` are the registered ones.
 PLATFORM_API ColordRegistration registrationFor(const std::vector<Display>& displays, std::size_t display,
                                                 const std::vector<ColordDevice>& devices);
 

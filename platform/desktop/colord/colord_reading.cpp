@@ -7,8 +7,6 @@
 namespace platform::desktop {
 namespace {
 
-std::string text(const char* value) { return value == nullptr ? std::string() : std::string(value); }
-
 std::shared_ptr<PendingCall> startConnecting(const Operation& operation, CdDevice* device) {
   return operation.start([=](auto... rest) { cd_device_connect(device, rest...); });
 }
@@ -27,7 +25,7 @@ bool finishConnecting(const Operation& operation, CdProfile* profile, const std:
   return operation.wait(call) != nullptr && cd_profile_connect_finish(profile, call->result.get(), error.place());
 }
 
-/// Owns its objects; those that could not be connected are left out.
+/// Leaves out the objects that cannot be connected.
 template <typename Object>
 std::vector<ObjectRef<Object>> connectAll(const Operation& operation, std::vector<ObjectRef<Object>> objects) {
   std::vector<std::shared_ptr<PendingCall>> calls;
@@ -49,7 +47,7 @@ std::vector<ObjectRef<CdDevice>> distinctDevices(GPtrArray* list) {
   std::set<std::string> paths;
   for (guint i = 0; i < list->len; ++i) {
     auto* const device = static_cast<CdDevice*>(g_ptr_array_index(list, i));
-    if (paths.insert(text(cd_device_get_object_path(device))).second) {
+    if (paths.insert(textOf(cd_device_get_object_path(device))).second) {
       devices.push_back(retained(device));
     }
   }
@@ -61,7 +59,7 @@ std::vector<std::string> profilePaths(CdDevice* device) {
   const std::unique_ptr<GPtrArray, decltype(&g_ptr_array_unref)> profiles(cd_device_get_profiles(device),
                                                                           g_ptr_array_unref);
   for (guint i = 0; profiles && i < profiles->len; ++i) {
-    paths.push_back(text(cd_profile_get_object_path(static_cast<CdProfile*>(g_ptr_array_index(profiles.get(), i)))));
+    paths.push_back(textOf(cd_profile_get_object_path(static_cast<CdProfile*>(g_ptr_array_index(profiles.get(), i)))));
   }
   return paths;
 }
@@ -82,20 +80,20 @@ std::map<std::string, std::string> readFilenames(const Operation& operation,
   }
   std::map<std::string, std::string> filenames;
   for (const auto& profile : connectAll(operation, std::move(profiles))) {
-    filenames.emplace(cd_profile_get_object_path(profile.get()), text(cd_profile_get_filename(profile.get())));
+    filenames.emplace(cd_profile_get_object_path(profile.get()), textOf(cd_profile_get_filename(profile.get())));
   }
   return filenames;
 }
 
 ColordDevice describe(CdDevice* device, const std::map<std::string, std::string>& filenames) {
   ColordDevice described;
-  described.object_path = text(cd_device_get_object_path(device));
-  described.id = text(cd_device_get_id(device));
-  described.vendor = text(cd_device_get_vendor(device));
-  described.model = text(cd_device_get_model(device));
-  described.serial = text(cd_device_get_serial(device));
-  described.connector = text(cd_device_get_metadata_item(device, CD_DEVICE_METADATA_XRANDR_NAME));
-  described.edid_md5 = text(cd_device_get_metadata_item(device, CD_DEVICE_METADATA_OUTPUT_EDID_MD5));
+  described.object_path = textOf(cd_device_get_object_path(device));
+  described.id = textOf(cd_device_get_id(device));
+  described.vendor = textOf(cd_device_get_vendor(device));
+  described.model = textOf(cd_device_get_model(device));
+  described.serial = textOf(cd_device_get_serial(device));
+  described.connector = textOf(cd_device_get_metadata_item(device, CD_DEVICE_METADATA_XRANDR_NAME));
+  described.edid_md5 = textOf(cd_device_get_metadata_item(device, CD_DEVICE_METADATA_OUTPUT_EDID_MD5));
   described.physical = cd_device_get_mode(device) == CD_DEVICE_MODE_PHYSICAL;
   described.modified = cd_device_get_modified(device);
   for (const std::string& path : profilePaths(device)) {
@@ -109,8 +107,8 @@ ColordDevice describe(CdDevice* device, const std::map<std::string, std::string>
 
 }  // namespace
 
-// libcolord leaks a call that connects what is connected already, and with it the connection to the bus, which GIO then
-// never replaces.
+// Objects that are connected already are not connected twice: libcolord would leak the second call, and with it the
+// connection to the bus, which GIO then never replaces.
 
 bool connectDevice(const Operation& operation, CdDevice* device) {
   return cd_device_get_connected(device) || finishConnecting(operation, device, startConnecting(operation, device));

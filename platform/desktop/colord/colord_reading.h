@@ -1,5 +1,5 @@
-// Reading colord's devices and profiles through libcolord, in as few turns as it allows: what does not depend on one
-// another is asked for together. For the thread that the operation belongs to.
+// Reading colord's devices and profiles through libcolord; independent calls run at the same time. For the operation's
+// thread.
 #pragma once
 
 #include <colord.h>
@@ -12,12 +12,12 @@
 
 namespace platform::desktop {
 
-/// Reads the object's properties, unless that was done before; false when colord does not have it or did not answer.
+/// Reads the object's properties, unless they have been read; false when colord has no such object or does not reply.
 bool connectDevice(const Operation& operation, CdDevice* device);
 bool connectProfile(const Operation& operation, CdProfile* profile);
 
-/// `list` holds CdDevice objects, one an object path or more. A device that goes away meanwhile is left out. Null when
-/// the operation expired.
+/// `list` holds CdDevice objects, some perhaps twice. A device that disappears meanwhile is left out. Null when the
+/// operation expires.
 std::shared_ptr<const std::vector<ColordDevice>> readDevices(const Operation& operation, GPtrArray* list);
 
 }  // namespace platform::desktop

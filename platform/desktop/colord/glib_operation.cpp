@@ -34,7 +34,7 @@ void Operation::complete(GObject*, GAsyncResult* result, gpointer data) {
 
 std::shared_ptr<PendingCall> Operation::start(const Start& start) const {
   auto call = std::make_shared<PendingCall>();
-  // The call's own share: it may end long after everybody stopped waiting for it.
+  // The call's own share, because it may end long after the operation.
   auto* const share = new std::shared_ptr<PendingCall>(call);
   start(cancellable_.get(), complete, share);
   return call;

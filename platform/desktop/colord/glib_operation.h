@@ -1,7 +1,7 @@
 // Operation: a sequence of asynchronous GLib calls with one time limit, written as if they were synchronous.
 //
-// An operation belongs to the thread that owns its main context. While it waits it runs that context, so everything
-// else that the context serves goes on meanwhile.
+// An operation belongs to the thread that owns its main context. While it waits, it runs that context, and with it
+// everything else that the context serves.
 #pragma once
 
 #include <chrono>
@@ -12,7 +12,7 @@
 
 namespace platform::desktop {
 
-/// An asynchronous call under way. It may be let go of before it ends.
+/// An asynchronous call. It may be dropped before it ends.
 struct PendingCall {
   ObjectRef<GAsyncResult> result;  ///< null until the call has ended
 };
@@ -20,17 +20,17 @@ struct PendingCall {
 class Operation {
  public:
   using Clock = std::chrono::steady_clock;
-  /// Makes one asynchronous call with the three arguments that every such call ends in.
+  /// Starts one asynchronous call with the three arguments that every such call ends in.
   using Start = std::function<void(GCancellable*, GAsyncReadyCallback, gpointer)>;
 
   /// `context` is the calling thread's own default context and outlives the operation.
   Operation(GMainContext* context, Clock::time_point deadline);
-  /// Cancels every call that is still under way.
+  /// Cancels every pending call.
   ~Operation();
   Operation(const Operation&) = delete;
   Operation& operator=(const Operation&) = delete;
 
-  /// True from the deadline on; every call under way is cancelled then, and no further one is waited for.
+  /// True from the deadline on. Pending calls are cancelled then, and later ones are not waited for.
   bool expired() const;
 
   std::shared_ptr<PendingCall> start(const Start& start) const;

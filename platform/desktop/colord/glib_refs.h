@@ -1,9 +1,10 @@
-// Owners for GLib's references, and a place for a call's error.
+// Owners for GLib's references, and for a call's error.
 #pragma once
 
 #include <gio/gio.h>
 
 #include <memory>
+#include <string>
 
 namespace platform::desktop {
 
@@ -20,7 +21,10 @@ ObjectRef<T> retained(T* object) {
   return ObjectRef<T>(object == nullptr ? nullptr : static_cast<T*>(g_object_ref(object)));
 }
 
-/// Where a call that takes a GError** puts its error.
+/// The text of a GLib string, empty for null.
+inline std::string textOf(const char* value) { return value == nullptr ? std::string() : std::string(value); }
+
+/// Owns the error of a call that takes a GError**.
 class ErrorSlot {
  public:
   ErrorSlot() = default;
@@ -28,7 +32,7 @@ class ErrorSlot {
   ErrorSlot& operator=(const ErrorSlot&) = delete;
   ~ErrorSlot() { g_clear_error(&error_); }
 
-  /// For the next call; forgets the error of the last one.
+  /// For the next call; clears the last error.
   GError** place() {
     g_clear_error(&error_);
     return &error_;

@@ -30,8 +30,8 @@ void GlibThread::run() {
   g_main_context_push_thread_default(context_);
   for (;;) {
     when_idle_(context_);
-    // Nothing may run the context between the look at the queue and the wait: that would swallow the wake-up of a
-    // request that arrives in between.
+    // The context must not run between next() and the wait: that would consume the wake-up of a request that arrives in
+    // between.
     if (const auto request = next()) {
       request->work(Operation(context_, request->deadline));
     } else {

@@ -1,7 +1,7 @@
-// GlibThread: a thread with a GLib main context of its own, for calls that must not keep their caller waiting for ever.
+// GlibThread: a thread with its own GLib main context, for calls with a time limit.
 //
-// Whatever a GLib library does (a call that hangs, a signal that arrives, a connection that closes) happens on this
-// thread and on this context, whichever thread asked, and never on the host's.
+// All work of a GLib library (a call that hangs, a signal that arrives, a connection that closes) happens on this
+// thread and context, and never on the host's.
 #pragma once
 
 #include <deque>
@@ -16,7 +16,7 @@
 
 namespace platform::desktop {
 
-/// Any thread may call call(), several at once; the work is done one piece after another. An instance is never
+/// Any thread may call call(), several at once; the thread does one piece of work after another. An instance is never
 /// destroyed: its thread runs until the process ends.
 class GlibThread {
  public:
@@ -25,8 +25,8 @@ class GlibThread {
   GlibThread(const GlibThread&) = delete;
   GlibThread& operator=(const GlibThread&) = delete;
 
-  /// Has `work` done on the thread, and returns its result, or nullopt when there is none after `limit`. The work may
-  /// go on after that, so it must hold what it uses; work whose time is over before its turn comes is not begun.
+  /// Runs `work` on the thread and returns its result, or nullopt after `limit`. The work may still run then, so it
+  /// must own what it uses; expired work is not started.
   template <typename Result>
   std::optional<Result> call(std::chrono::milliseconds limit, std::function<Result(const Operation&)> work) {
     const auto deadline = Operation::Clock::now() + limit;

@@ -1,8 +1,7 @@
-// What the sources of the live desktop answer, each by itself, for whoever wants to know why something is missing. Only
-// asks: changes nothing but what every use of the live desktop does (colord is started where the bus can do that, and
-// told of the profiles that were assigned before).
+// The state of each source of the live desktop, for reports about what is missing. Changes nothing but what every use
+// of the live desktop changes: the bus starts colord if it can, and colord gets the profiles that were assigned before.
 //
-// Each function may be called from any thread, and answers within its time limit.
+// Any thread may call; each function returns within its time limit.
 #pragma once
 
 #include <chrono>
@@ -14,6 +13,7 @@
 #include "desktop/colord/colord_model.h"
 #include "desktop/model/desktop.h"
 #include "desktop/model/display_layout.h"
+#include "desktop/model/edid.h"
 #include "desktop/model/export.h"
 
 namespace platform::desktop {
@@ -22,19 +22,20 @@ namespace platform::desktop {
 
 enum class XServerState {
   kNotNamed,  ///< DISPLAY is not set
-  kRefused,   ///< there is none, or it lets nobody in
-  kSilent,    ///< it does not answer within the limit
-  kNoRandr,   ///< it answers, and has no RandR that serves
-  kAnswers,
+  kRefused,   ///< no server there, or no access to it
+  kSilent,    ///< no reply within the limit
+  kNoRandr,   ///< no RandR 1.2
+  kReady,
 };
 
 struct XServerReport {
   XServerState state = XServerState::kNotNamed;
-  std::string display;            ///< what DISPLAY says
-  std::uint32_t randr_minor = 0;  ///< of version 1
-  double scale = 1;               ///< pixels per point, as the desktop's settings say
-  std::vector<Monitor> monitors;  ///< in the server's order
-  Arrangement arrangement;        ///< what is made of them
+  std::string display;                     ///< the value of DISPLAY
+  std::uint32_t randr_minor = 0;           ///< of version 1
+  double scale = 1;                        ///< pixels per point
+  std::vector<Monitor> monitors;           ///< in the server's order
+  Arrangement arrangement;                 ///< of the monitors
+  std::vector<std::optional<Edid>> edids;  ///< of each display; nothing for an invalid one
 };
 
 inline constexpr std::chrono::milliseconds kXServerLimit{3000};
@@ -44,16 +45,16 @@ PLATFORM_API XServerReport askXServer();
 // --- colord
 
 enum class ColordState {
-  kNoBus,         ///< the system bus cannot be reached, or does not answer
-  kNotInstalled,  ///< nobody on the bus is colord, and the bus cannot start it
-  kSilent,        ///< it cannot be started, or does not answer
-  kAnswers,
+  kNoBus,         ///< no connection to the system bus, or no reply from it
+  kNotInstalled,  ///< colord is not on the bus, and the bus cannot start it
+  kSilent,        ///< it does not start, or does not reply
+  kReady,
 };
 
 struct ColordReport {
   ColordState state = ColordState::kNoBus;
   std::vector<ColordDevice> devices;
-  std::vector<std::optional<std::size_t>> matches;  ///< for each display the index of its device
+  std::vector<std::optional<std::size_t>> matches;  ///< the index of each display's device
 };
 
 inline constexpr std::chrono::milliseconds kColordLimit{5000};
@@ -64,15 +65,15 @@ PLATFORM_API ColordReport askColord(const std::vector<Display>& displays);
 
 enum class ProfileFault {
   kNone,
-  kMissing,      ///< there is no such file
-  kUnreadable,   ///< this user may not read it, or it cannot be read
+  kMissing,      ///< no such file
+  kUnreadable,   ///< no permission, or a read error
   kNotRegular,   ///< a directory, a device, a pipe, a socket
-  kTooLarge,     ///< larger than any profile; it is not read
-  kNotAProfile,  ///< its contents are no ICC profile
-  kIncomplete,   ///< shorter than its header says
+  kTooLarge,     ///< larger than any profile; not read
+  kNotAProfile,  ///< not an ICC profile
+  kIncomplete,   ///< shorter than its header states
 };
 
-/// What is wrong with a profile file. Never waits for a pipe or a device.
+/// Never waits for a pipe or a device.
 PLATFORM_API ProfileFault faultOfProfile(const std::string& path);
 
 struct ProfileFolder {

@@ -1,5 +1,3 @@
-#include <gio/gio.h>
-
 #include <atomic>
 #include <memory>
 
@@ -11,9 +9,7 @@
 namespace platform::desktop {
 namespace {
 
-constexpr const char* kColordName = "org.freedesktop.ColorManager";
-
-struct Answer {
+struct Result {
   ColordState state = ColordState::kNoBus;
   ColordClient::Devices devices;
 };
@@ -22,20 +18,7 @@ struct VariantUnref {
   void operator()(GVariant* variant) const { g_variant_unref(variant); }
 };
 
-ObjectRef<GDBusConnection> systemBus(const Operation& operation) {
-  const auto got = operation.start([](auto... rest) { g_bus_get(G_BUS_TYPE_SYSTEM, rest...); });
-  ErrorSlot error;
-  if (operation.wait(got) == nullptr) {
-    return nullptr;
-  }
-  ObjectRef<GDBusConnection> bus(g_bus_get_finish(got->result.get(), error.place()));
-  if (bus) {
-    g_dbus_connection_set_exit_on_close(bus.get(), FALSE);
-  }
-  return bus;
-}
-
-/// Whether colord is among the names that the bus lists; nothing when the bus does not answer.
+/// Whether the bus lists colord's name; nothing when the bus does not reply.
 std::optional<bool> listsColord(const Operation& operation, GDBusConnection* bus, const char* list) {
   const auto called = operation.start([&](GCancellable* cancellable, GAsyncReadyCallback ready, gpointer data) {
     g_dbus_connection_call(bus, "org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus", list, nullptr,
@@ -55,25 +38,25 @@ std::optional<bool> listsColord(const Operation& operation, GDBusConnection* bus
   return g_strv_contains(texts.get(), kColordName) != FALSE;
 }
 
-Answer ask(const Operation& operation, ColordClient& client, std::atomic<bool>& bus_answers) {
-  Answer answer;
+Result ask(const Operation& operation, ColordClient& client, std::atomic<bool>& bus_replies) {
+  Result result;
   const auto bus = systemBus(operation);
   const std::optional<bool> runs = bus ? listsColord(operation, bus.get(), "ListNames") : std::nullopt;
   const std::optional<bool> starts = runs ? listsColord(operation, bus.get(), "ListActivatableNames") : std::nullopt;
   if (!starts) {
-    return answer;
+    return result;
   }
-  bus_answers = true;
+  bus_replies = true;
   if (!*runs && !*starts) {
-    answer.state = ColordState::kNotInstalled;
-    return answer;
+    result.state = ColordState::kNotInstalled;
+    return result;
   }
-  answer.devices = client.devices(operation);
-  answer.state = answer.devices ? ColordState::kAnswers : ColordState::kSilent;
-  return answer;
+  result.devices = client.devices(operation);
+  result.state = result.devices ? ColordState::kReady : ColordState::kSilent;
+  return result;
 }
 
-/// A conversation with colord beside that of the desktop.
+/// A client beside that of the desktop.
 struct Session {
   ColordClient client;
   GlibThread& thread = *new GlibThread([](GMainContext*) {});
@@ -82,19 +65,19 @@ struct Session {
 }  // namespace
 
 ColordReport askColord(const std::vector<Display>& displays) {
-  // Kept for the life of the process, as its thread is.
+  // Never freed, because its thread runs until the process ends.
   static auto* const session = new Session;
-  // Where time runs out although the bus has answered, it is colord that is silent.
-  const auto bus_answers = std::make_shared<std::atomic<bool>>(false);
-  const auto answer = session->thread.call<Answer>(kColordLimit, [bus_answers](const Operation& operation) {
-    return ask(operation, session->client, *bus_answers);
+  // Tells a silent colord from a silent bus when time runs out.
+  const auto bus_replies = std::make_shared<std::atomic<bool>>(false);
+  const auto result = session->thread.call<Result>(kColordLimit, [bus_replies](const Operation& operation) {
+    return ask(operation, session->client, *bus_replies);
   });
-  if (!answer) {
-    return {.state = *bus_answers ? ColordState::kSilent : ColordState::kNoBus};
+  if (!result) {
+    return {.state = *bus_replies ? ColordState::kSilent : ColordState::kNoBus};
   }
-  ColordReport report{.state = answer->state};
-  if (answer->devices) {
-    report.devices = *answer->devices;
+  ColordReport report{.state = result->state};
+  if (result->devices) {
+    report.devices = *result->devices;
     report.matches = matchDevices(displays, report.devices);
   }
   return report;

@@ -20,7 +20,10 @@ XServerReport ask(const std::string& display) {
   report.scale = read->scale;
   report.monitors = std::move(read->monitors);
   report.arrangement = arrange(report.monitors, report.scale);
-  report.state = report.randr_minor == 0 ? XServerState::kNoRandr : XServerState::kAnswers;
+  for (const Display& each : report.arrangement.displays) {
+    report.edids.push_back(decodeEdid(each.edid));
+  }
+  report.state = report.randr_minor == 0 ? XServerState::kNoRandr : XServerState::kReady;
   return report;
 }
 
@@ -31,9 +34,9 @@ XServerReport askXServer() {
   if (display == nullptr || *display == '\0') {
     return {};
   }
-  auto answer = runDetached([name = std::string(display)] { return ask(name); });
-  return answer.wait_for(kXServerLimit) == std::future_status::ready
-             ? answer.get()
+  auto report = runDetached([name = std::string(display)] { return ask(name); });
+  return report.wait_for(kXServerLimit) == std::future_status::ready
+             ? report.get()
              : XServerReport{.state = XServerState::kSilent, .display = display};
 }
 
