@@ -15,10 +15,10 @@ struct Choice {
   std::shared_ptr<Desktop> desktop;
 };
 
-/// Kept for the life of the process: a walk may still be running while the process exits.
+/// Never freed: a walk may still be running while the process exits.
 Choice& choice() {
-  static auto* const kept = new Choice;
-  return *kept;
+  static auto* const choice = new Choice;
+  return *choice;
 }
 
 std::shared_ptr<Desktop> choose() {

@@ -1,4 +1,4 @@
-// The desktop that the frameworks answer from in this process.
+// The desktop behind the frameworks in this process. Any thread may call.
 #pragma once
 
 #include <memory>
@@ -8,14 +8,14 @@
 
 namespace platform::desktop {
 
-/// Chosen on first use and kept: the scripted desktop that the file named by OSTREVIN_DESKTOP describes, or the live
-/// one. A file that cannot be used gives one line on stderr and a desktop without displays.
+/// Chosen on first use: the scripted desktop of the file named by OSTREVIN_DESKTOP, else the live one. An unusable file
+/// gives one line on stderr and a desktop without displays.
 PLATFORM_API std::shared_ptr<Desktop> current();
 
 /// The computer's own desktop: displays from the X server, profiles from colord and from ICC files.
 PLATFORM_API std::shared_ptr<Desktop> makeLiveDesktop();
 
-/// Replaces the current desktop, for tests and tools; null means that the next use chooses again.
+/// Replaces the current desktop, for tests and tools; with null, the next use chooses as on first use.
 PLATFORM_API void setCurrent(std::shared_ptr<Desktop> desktop);
 
 }  // namespace platform::desktop

@@ -10,8 +10,8 @@ namespace {
 constexpr std::size_t kMaxQuoted = 60;
 constexpr std::size_t kMaxReason = 200;
 
-/// The line of the last character read that is no white space: the parser looks one character past a number, and that
-/// character may be the end of the line.
+/// The line of the last character that is not white space: the parser reads one character past a number, which may be
+/// the end of the line.
 struct Position {
   std::size_t current_line = 1;
   std::size_t token_line = 1;
@@ -25,7 +25,7 @@ struct Position {
   }
 };
 
-/// Tells a Position of every character that the parser takes.
+/// Reports every character that the parser takes to a Position.
 class CountingIterator {
  public:
   using iterator_category = std::input_iterator_tag;
@@ -86,7 +86,7 @@ class Builder {
   bool number_unsigned(std::uint64_t value) { return add(value); }
   bool number_float(double value, const std::string&) { return add(value); }
   bool string(std::string& value) { return add(std::move(value)); }
-  bool binary(nlohmann::json::binary_t&) { return false; }  // there is none in text
+  bool binary(nlohmann::json::binary_t&) { return false; }  // not in text
 
   bool start_object(std::size_t) { return open(Object{}); }
   bool end_object() { return close(); }

@@ -1,7 +1,6 @@
-// JSON text as a tree that remembers on which line every part of it stands, so that a complaint can name the line.
+// JSON text as a tree in which every part has its line, for error messages. Any thread may call.
 //
-// Size of the text, depth of nesting and members of an object are bounded; a key may occur once in an object. Any
-// thread may call.
+// Size of the text, depth of nesting and members of an object are limited; a key may occur once in an object.
 #pragma once
 
 #include <cstddef>
@@ -18,7 +17,7 @@ inline constexpr std::size_t kMaxBytes = std::size_t{1} << 20;
 inline constexpr std::size_t kMaxDepth = 16;
 inline constexpr std::size_t kMaxMembers = 256;  ///< of one object
 
-/// What is wrong with the text, in one line of printable ASCII, and on which line (from 1).
+/// The reason in one line of printable ASCII, and the line of the text, from 1.
 class Error : public std::runtime_error {
  public:
   Error(std::size_t line, const std::string& reason) : std::runtime_error(reason), line_(line) {}
@@ -33,8 +32,8 @@ struct Member;
 using Array = std::vector<Value>;
 using Object = std::vector<Member>;  ///< in the order of the text
 
-/// A value; `line` is where it begins. A number is a std::uint64_t when it is written without sign, point and exponent,
-/// a std::int64_t when it is so but for a minus sign, and otherwise the nearest double; numbers are always finite.
+/// A value, and the line on which it begins. A number is a std::uint64_t when written without sign, point and exponent,
+/// a std::int64_t when only with a minus sign, else the nearest double; always finite.
 struct Value {
   std::size_t line = 1;
   std::variant<std::monostate, bool, std::uint64_t, std::int64_t, double, std::string, Array, Object> content;
@@ -51,7 +50,7 @@ struct Member {
 /// Throws Error.
 Value parse(std::string_view text);
 
-/// The text in double quotes, shortened when it is long, everything but printable ASCII escaped.
+/// The text in double quotes, shortened when long, with all but printable ASCII escaped.
 std::string inQuotes(std::string_view text);
 
 }  // namespace platform::desktop::json

@@ -1,6 +1,4 @@
-// Reads values of given kinds out of a JSON tree, and complains with the line of whatever is of another kind.
-//
-// `what` is how the complaint calls the value. Any thread may call.
+// Typed access to a JSON tree; errors have the line of the value, and call it `what`. Any thread may call.
 #pragma once
 
 #include <cstdint>
@@ -26,25 +24,25 @@ Rect rectOf(const Value& value, const char* what);
 /// The 36 characters of a UUID's text, in either case.
 Uuid uuidOf(const Value& value, const char* what);
 
-/// The members of one object. Every key that is asked for is known; finish() complains about the others.
+/// The members of one object. finish() rejects the keys that have not been looked up.
 class Members {
  public:
-  /// Throws Error when the value is no object. The value must outlive this.
+  /// Throws Error when the value is not an object. The value must outlive this.
   Members(const Value& value, const char* what);
 
-  /// Null when the key is not there; a value that is null counts as one.
+  /// Null when the key is missing; a null value is returned.
   const Value* findOrNull(const char* key);
-  /// Null when the key is not there or its value is null.
+  /// Null when the key is missing or its value is null.
   const Value* find(const char* key);
-  /// Throws Error when the key is not there or its value is null.
+  /// Throws Error when the key is missing or its value is null.
   const Value& need(const char* key);
 
-  // Nothing when the key is not there or its value is null.
+  // Nothing when the key is missing or its value is null.
   std::optional<bool> boolean(const char* key);
   std::optional<std::string> string(const char* key);
   std::optional<std::uint32_t> uint32(const char* key);
 
-  /// Throws Error when there is a key that was not asked for.
+  /// Throws Error for a key that has not been looked up.
   void finish() const;
 
  private:

@@ -15,7 +15,7 @@ struct ScriptedDesktop::State {
 
 namespace {
 
-/// What a walk does before its first entry.
+/// Waits as the script demands.
 template <typename State>
 void beginWalk(State& state, const WalkBehaviour& behaviour) {
   if (behaviour.before) {
@@ -41,7 +41,7 @@ void visitEntries(const std::vector<Entry>& entries, unsigned repeat, const Visi
   }
 }
 
-/// One whole walk. A walk that outlives the desktop keeps what it needs.
+/// A walk may outlive the desktop, so it owns the state.
 template <typename State, typename Entry, typename Visitor>
 void walk(const std::shared_ptr<State> state, const std::vector<Entry> Script::*list, const WalkBehaviour Script::*kind,
           const Visitor& visit) {

@@ -1,4 +1,4 @@
-// A desktop that is described instead of found: by a JSON file, or by a test, piece by piece.
+// A desktop that a JSON file or a test describes.
 #pragma once
 
 #include <chrono>
@@ -13,16 +13,15 @@
 
 namespace platform::desktop {
 
-/// What a walk does besides visiting the entries, and how often it visits them all.
+/// How a walk behaves.
 struct WalkBehaviour {
-  std::function<void()> before;        ///< runs on the walking thread; may block, which is a walk that hangs
-  std::chrono::milliseconds delay{0};  ///< waits this long first
+  std::function<void()> before;        ///< runs on the walking thread; may block, to simulate a hung walk
+  std::chrono::milliseconds delay{0};  ///< before the first entry
   bool hang = false;                   ///< waits until releaseWalks() is called
-  unsigned repeat = 1;                 ///< visits the entries this many times
-  std::function<void()> after;         ///< runs on the walking thread when the walk is over
+  unsigned repeat = 1;                 ///< how many times all entries are visited
+  std::function<void()> after;         ///< runs on the walking thread after the walk
 };
 
-/// Everything that a scripted desktop answers.
 struct Script {
   Arrangement arrangement;
   std::vector<DeviceProfile> device_profiles;
@@ -37,16 +36,16 @@ class PLATFORM_API ScriptedDesktop final : public Desktop {
  public:
   explicit ScriptedDesktop(Script script = {});
 
-  /// Changes the script; what is being walked at the moment is not affected.
+  /// Changes the script; walks that have begun are not affected.
   void change(const std::function<void(Script&)>& edit);
-  /// Lets every walk that hangs go on, now and later.
+  /// Ends the waiting of all hung walks, present and future.
   void releaseWalks();
 
   std::shared_ptr<const Arrangement> arrangement() override;
   void visitDeviceProfiles(const DeviceProfileVisitor& visit) override;
   void visitInstalledProfiles(const InstalledProfileVisitor& visit) override;
-  /// Makes the file the device's one default and current entry, in place of its first default entry if it has one; its
-  /// other entries are no longer default or current.
+  /// Makes the file the device's only default and current entry, in place of its first default entry, else of its first
+  /// one.
   bool setDeviceProfile(const Uuid& device, const std::string& profile_path) override;
 
  private:

@@ -1,4 +1,4 @@
-// Reads the description of a desktop from a JSON file; docs/desktop-file.md says its shape.
+// Reads the description of a desktop from a JSON file; see docs/desktop-file.md.
 #include <cerrno>
 #include <cstring>
 #include <filesystem>
@@ -15,10 +15,10 @@ namespace {
 
 using namespace json;  // NOLINT(google-build-using-namespace): this file is that namespace's one user
 
-constexpr const char* kNameLanguage = "en";  // of the product name that a display's "name" becomes
+constexpr const char* kNameLanguage = "en";  // of a display's "name"
 constexpr std::uint64_t kMaxDelayMilliseconds = 24ULL * 60 * 60 * 1000;
 
-/// UUID of a display that is given none: its number, in a UUID of the kind that is made up at will (version 4).
+/// The UUID of a display without one in the file: its number in a version 4 UUID.
 Uuid uuidFromNumber(std::uint32_t number) {
   Uuid uuid{};
   uuid[6] = 0x40;
@@ -253,11 +253,11 @@ class Reader {
 };
 
 [[noreturn]] void failToRead(const std::string& path) {
-  // A pipe or a terminal could keep the process waiting for ever.
+  // A pipe or a terminal could block the process.
   throw std::runtime_error(path + ": " + (errno == 0 ? "not a regular file" : std::strerror(errno)));
 }
 
-/// At most one byte more than a description may have, so that one that is too long is noticed.
+/// At most one byte more than the limit, so that parse() notices a file that is too long.
 std::string contentOf(const std::string& path) {
   const RegularFile file(path);
   if (!file) {

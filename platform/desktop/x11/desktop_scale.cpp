@@ -15,7 +15,7 @@ namespace {
 constexpr double kDpiOfScale1 = 96;
 constexpr std::string_view kScalingFactorName = "Gdk/WindowScalingFactor";
 
-/// Reads the fields of an XSETTINGS property one after another; whatever would lie beyond the end is absent.
+/// Reads the fields of an XSETTINGS property in order; fields beyond the end are absent.
 class SettingsReader {
  public:
   explicit SettingsReader(std::span<const std::uint8_t> bytes) : rest_(bytes) {}
@@ -44,7 +44,7 @@ class SettingsReader {
     return field;
   }
 
-  /// `size` bytes of text and what fills it up to a multiple of four.
+  /// `size` bytes of text, and the padding to a multiple of four.
   std::optional<std::string_view> paddedText(std::size_t size) {
     const auto text = bytes(size);
     if (!text || !bytes((4 - size % 4) % 4)) {
@@ -85,22 +85,22 @@ std::optional<Setting> readSetting(SettingsReader& reader) {
     return std::nullopt;
   }
   setting.name = *name;
-  bool whole = false;
+  bool complete = false;
   switch (static_cast<SettingType>(*type)) {
     case SettingType::kInteger:
       if (const auto value = reader.number(4)) {
         setting.integer = static_cast<std::int32_t>(*value);
-        whole = true;
+        complete = true;
       }
       break;
     case SettingType::kString:
-      whole = skipString(reader);
+      complete = skipString(reader);
       break;
     case SettingType::kColor:
-      whole = reader.bytes(kColorSize).has_value();
+      complete = reader.bytes(kColorSize).has_value();
       break;
   }
-  return whole ? std::optional(setting) : std::nullopt;
+  return complete ? std::optional(setting) : std::nullopt;
 }
 
 struct DatabaseFree {
@@ -110,7 +110,7 @@ struct CFree {
   void operator()(void* memory) const { std::free(memory); }
 };
 
-/// The lines before the first zero byte, but no directives: a client's property must not make this process open files.
+/// The lines before the first zero byte, without directives: a client's property must not make this process open files.
 std::string withoutDirectives(std::string_view resources) {
   resources = resources.substr(0, resources.find('\0'));
   std::string kept;
@@ -142,7 +142,7 @@ std::optional<double> parseDpi(std::string_view text) {
 }  // namespace
 
 std::optional<int> windowScalingFactor(std::span<const std::uint8_t> settings) {
-  constexpr std::uint32_t kBigEndian = 1;  // 0 is the other order, and there is no third
+  constexpr std::uint32_t kBigEndian = 1;  // 0 is little-endian
   SettingsReader reader(settings);
   const auto byte_order = reader.number(1);
   const auto padding = reader.bytes(3);
@@ -158,8 +158,8 @@ std::optional<int> windowScalingFactor(std::span<const std::uint8_t> settings) {
       return std::nullopt;
     }
     if (setting->name == kScalingFactorName) {
-      const bool believed = setting->integer && *setting->integer >= 1 && *setting->integer <= kLargestScale;
-      return believed ? std::optional<int>(*setting->integer) : std::nullopt;
+      const bool valid = setting->integer && *setting->integer >= 1 && *setting->integer <= kLargestScale;
+      return valid ? std::optional<int>(*setting->integer) : std::nullopt;
     }
   }
   return std::nullopt;

@@ -1,4 +1,4 @@
-// The desktop's own scale setting, from where X11 desktops keep it. Any thread may call.
+// The scale settings of X11 desktops. Any thread may call.
 #pragma once
 
 #include <cstdint>
@@ -10,21 +10,21 @@
 
 namespace platform::desktop {
 
-/// A setting outside (0, 16] is a mistake, and not believed.
+/// Larger settings are ignored as mistakes.
 inline constexpr double kLargestScale = 16;
 
 /// The integer setting "Gdk/WindowScalingFactor" in the contents of an XSETTINGS manager's property _XSETTINGS_SETTINGS
 /// (freedesktop.org, XSETTINGS protocol 0.5, "Format of the _XSETTINGS_SETTINGS property"), in either byte order.
-/// Nothing when it is not there, is not an integer from 1 to 16, or lies behind bytes that make no sense.
+/// Nothing when it is missing, is not an integer from 1 to 16, or follows invalid bytes.
 PLATFORM_API std::optional<int> windowScalingFactor(std::span<const std::uint8_t> settings);
 
 /// The resource "Xft.dpi" in the text of the property RESOURCE_MANAGER, by the rules of X resources ("*dpi: 144"
-/// counts). Directives, such as one to include a file, are ignored. Nothing when it is not there or is no positive
+/// counts). Directives, such as one to include a file, are ignored. Nothing when it is missing or not a positive
 /// decimal number.
 PLATFORM_API std::optional<double> xftDpi(std::string_view resources);
 
-/// Pixels per point, for all screens alike: the window scaling factor when there is one; otherwise the resolution over
-/// 96, rounded to the nearest half (a quarter is rounded up), at least 1; otherwise 1.
+/// Pixels per point of all screens: the window scaling factor; else the resolution over 96, rounded to the nearest half
+/// (a quarter is rounded up), at least 1; else 1.
 PLATFORM_API double backingScale(std::optional<int> window_scaling_factor, std::optional<double> dpi);
 
 }  // namespace platform::desktop

@@ -44,8 +44,8 @@ std::vector<xcb_atom_t> X11Connection::atoms(const std::vector<std::string>& nam
   }
   std::vector<xcb_atom_t> atoms;
   for (const xcb_intern_atom_cookie_t cookie : cookies) {
-    const auto answer = reply(xcb_intern_atom_reply, cookie);
-    atoms.push_back(answer ? answer->atom : xcb_atom_t{XCB_ATOM_NONE});
+    const auto atom = reply(xcb_intern_atom_reply, cookie);
+    atoms.push_back(atom ? atom->atom : xcb_atom_t{XCB_ATOM_NONE});
   }
   return atoms;
 }

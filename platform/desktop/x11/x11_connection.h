@@ -1,7 +1,7 @@
-// A connection to an X server, over xcb: a server that goes away is an answer here, never the end of the process.
+// A connection to an X server, over xcb. The loss of the server is a state, and never ends the process.
 //
-// One thread at a time may use a connection. Opening one, and every reply(), wait for the server without a limit; so
-// they belong on a thread of their own (see x11_displays.h), which also keeps a SIGPIPE away from the host's threads.
+// One thread at a time may use a connection. open() and reply() wait for the server without a limit, so they run on
+// detached threads only (detached_thread.h).
 #pragma once
 
 #include <xcb/xcb.h>
@@ -25,8 +25,7 @@ struct FreeMemory {
 template <typename T>
 using Received = std::unique_ptr<T, FreeMemory>;
 
-/// How many bytes of a reply have been received. Its iterators, and xcb itself, trust the counts in it; this is the
-/// truth.
+/// The number of bytes of a reply that have arrived. xcb's iterators trust the counts in the reply instead.
 template <typename Reply>
 std::size_t receivedSize(const Reply& reply) {
   constexpr std::size_t kSmallestReply = 32;
@@ -48,8 +47,7 @@ std::span<const std::uint8_t> payload(const Reply& reply) {
 
 class X11Connection {
  public:
-  /// Connects to the server and screen that a display name such as ":0" stands for. Null when there is none, or when it
-  /// does not let us in.
+  /// Connects to the server and screen of a display name such as ":0". Null when there is none, or without access.
   static std::unique_ptr<X11Connection> open(const std::string& display);
 
   ~X11Connection();
@@ -61,16 +59,16 @@ class X11Connection {
 
   /// For requests; owned by this object.
   xcb_connection_t* xcb() const { return connection_; }
-  /// Whether the connection is of no more use; everything then fails without harm.
+  /// Once true, every call fails.
   bool isLost() const { return xcb_connection_has_error(connection_) != 0; }
 
   int screenNumber() const { return screen_number_; }
   xcb_window_t root() const { return root_; }
-  /// The root window of the server's first screen, where the resource manager's property is.
+  /// The root window of the server's first screen, which has the resource manager's property.
   xcb_window_t firstRoot() const { return first_root_; }
 
-  /// Waits for the answer to a request: `get` is the request's reply function. Null when the request failed, or when
-  /// the answer is too short to be one.
+  /// Waits for the reply to a request; `get` is the request's reply function. Null for an error, and for a reply
+  /// shorter than its fixed part.
   template <typename Reply, typename Cookie>
   Received<Reply> reply(Reply* (*get)(xcb_connection_t*, Cookie, xcb_generic_error_t**), Cookie cookie) {
     countRoundTrip();
@@ -80,16 +78,16 @@ class X11Connection {
     return result && receivedSize(*result) >= sizeof(Reply) ? std::move(result) : nullptr;
   }
 
-  /// The atoms of these names, in their order, in one round trip; XCB_ATOM_NONE for one that the server did not give.
+  /// The atoms of these names, in their order, in one round trip; XCB_ATOM_NONE for a failure.
   std::vector<xcb_atom_t> atoms(const std::vector<std::string>& names);
 
-  /// What the server says about an extension; owned by the connection, null when that is lost.
+  /// Owned by the connection; null when that is lost.
   const xcb_query_extension_reply_t* extension(xcb_extension_t& extension) {
     countRoundTrip();
     return xcb_get_extension_data(connection_, &extension);
   }
 
-  /// The next event or error that has arrived; null when there is none. Reads, but never waits and never writes.
+  /// The next event or error that has arrived, or null. Neither waits nor writes.
   Received<xcb_generic_event_t> nextEvent() { return Received<xcb_generic_event_t>(xcb_poll_for_event(connection_)); }
 
  private:

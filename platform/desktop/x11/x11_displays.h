@@ -1,12 +1,12 @@
-// The live displays of an X server: an arrangement that is kept until the server reports a change. Any thread may call.
+// The live displays of an X server: an arrangement that is cached until the server reports a change. Any thread may
+// call.
 //
-// A call while nothing changes takes what has arrived from the server, and asks for nothing. Whatever has to wait for
-// the server runs on a thread of its own, at most one at a time, and a call waits for that at most for the time limit.
-// While a server hangs there are no displays and later calls do not wait again; once it goes on, what it answered
-// counts.
+// While nothing changes, a call makes no request. Readings run on a detached thread, one at a time, and a call waits
+// for one at most for the time limit. While a server hangs there are no displays, and later calls do not wait; a late
+// reply is used.
 //
-// Without a server, or after one was lost, a call looks for the server again, but not before the pause after the last
-// failure is over; until one is found there are no displays.
+// Without a server, or after its loss, there are no displays. A call then tries to connect, but not within the pause
+// after a failure.
 #pragma once
 
 #include <chrono>
@@ -23,7 +23,7 @@
 namespace platform::desktop {
 
 struct X11Options {
-  std::optional<std::string> display;    ///< absent: what DISPLAY says whenever a server is looked for
+  std::optional<std::string> display;    ///< absent: the value of DISPLAY at each attempt
   std::uint32_t newest_randr_minor = 5;  ///< the newest version 1.x of RandR to use
   std::chrono::milliseconds time_limit{2000};
   std::chrono::milliseconds pause_after_failure{200};
@@ -40,7 +40,6 @@ class PLATFORM_API X11Displays {
   std::shared_ptr<const Arrangement> arrangement();
 
  private:
-  /// What one look at the server gives.
   struct Reading {
     std::unique_ptr<X11Session> session;  ///< null: no server
     std::shared_ptr<const Arrangement> arrangement;
@@ -56,10 +55,10 @@ class PLATFORM_API X11Displays {
   const std::shared_ptr<const Arrangement> none_;
   std::mutex mutex_;  ///< for everything below
   std::shared_ptr<const Arrangement> current_;
-  std::unique_ptr<X11Session> session_;             ///< null without a server, and while `reading_` has it
+  std::unique_ptr<X11Session> session_;             ///< null without a server, and while the detached thread has it
   std::future<Reading> reading_;                    ///< valid while a thread looks at the server
   std::chrono::steady_clock::time_point deadline_;  ///< until which calls wait for `reading_`
-  std::string display_;                             ///< the server to look for
+  std::string display_;                             ///< the server to connect to
   std::chrono::steady_clock::time_point next_attempt_;
 };
 

@@ -7,7 +7,7 @@
 namespace platform::desktop {
 namespace {
 
-// The minor versions of RandR 1 from which on there are the things named here.
+// The minor versions of RandR 1 that introduced these.
 constexpr std::uint32_t kHasOutputs = 2;
 constexpr std::uint32_t kHasCurrentResources = 3;
 constexpr std::uint32_t kHasPrimaryOutput = 3;
@@ -19,7 +19,7 @@ std::string textOf(std::span<const std::uint8_t> bytes, std::size_t size) {
   return {reinterpret_cast<const char*>(bytes.data()), std::min(size, bytes.size())};
 }
 
-/// The monitors in a reply, as far as it really reaches.
+/// The monitors in a reply, as far as its bytes have arrived.
 std::vector<Monitor> parseMonitors(const xcb_randr_get_monitors_reply_t& reply) {
   std::vector<Monitor> monitors;
   auto rest = payload(reply);
@@ -88,7 +88,7 @@ X11Monitors::X11Monitors(X11Connection& connection, std::uint32_t newest_minor) 
 }
 
 void X11Monitors::selectEvents() {
-  // A change of a monitor that somebody defined is told as a change of the root window only; see X11Session.
+  // A change of a user-defined monitor is reported as a change of the root window only; see X11Session.
   constexpr std::uint16_t kEvents = XCB_RANDR_NOTIFY_MASK_SCREEN_CHANGE | XCB_RANDR_NOTIFY_MASK_CRTC_CHANGE |
                                     XCB_RANDR_NOTIFY_MASK_OUTPUT_CHANGE | XCB_RANDR_NOTIFY_MASK_OUTPUT_PROPERTY;
   xcb_randr_select_input(connection_.xcb(), connection_.root(), kEvents);
@@ -208,7 +208,7 @@ std::optional<std::vector<xcb_randr_crtc_t>> X11Monitors::describeOutputs(std::v
     }
     const auto reply = connection_.reply(xcb_randr_get_output_info_reply, *cookie++);
     if (!reply || reply->status != XCB_RANDR_SET_CONFIG_SUCCESS) {
-      complete = false;  // the other answers are still to be fetched
+      complete = false;  // the other replies must still be fetched
       continue;
     }
     monitor.connector = parseOutputName(*reply);

@@ -16,18 +16,17 @@ namespace platform::desktop {
 
 class X11Monitors {
  public:
-  /// Asks the server to report changes from now on. `newest_minor` is the newest version 1.x to use.
+  /// Selects the events of changes. `newest_minor` is the newest version 1.x to use.
   X11Monitors(X11Connection& connection, std::uint32_t newest_minor);
 
-  /// The active monitors, in the server's order: the monitors of RandR 1.5, or the outputs with a CRTC on a server that
-  /// does not have them. None on a server without RandR 1.2. Nothing when something changed while it was being read, or
-  /// when the connection is lost.
+  /// The active monitors, in the server's order: those of RandR 1.5, or the outputs with a CRTC on an older server.
+  /// None without RandR 1.2. Nothing when something changes meanwhile, or when the connection is lost.
   std::optional<std::vector<Monitor>> read();
 
-  /// Which version 1.x of RandR is used; 0 when there is none that serves.
+  /// The version 1.x of RandR in use; 0 without RandR 1.2.
   std::uint32_t randrMinor() const { return minor_; }
 
-  /// Whether the event says that what read() answers may have changed.
+  /// Whether the result of read() may have changed.
   bool isChange(const xcb_generic_event_t& event) const;
 
  private:
@@ -38,13 +37,13 @@ class X11Monitors {
   std::optional<std::vector<xcb_randr_output_t>> listOutputs();
   xcb_randr_output_t primaryOutput();
   bool nameMonitors(std::vector<Monitor>& monitors);
-  /// Fills in what the monitors' outputs say about themselves; answers each output's CRTC.
+  /// Fills in the names of the monitors' outputs; returns each output's CRTC.
   std::optional<std::vector<xcb_randr_crtc_t>> describeOutputs(std::vector<Monitor>& monitors);
   void readEdids(std::vector<Monitor>& monitors);
   bool placeOutputs(std::vector<Monitor>& outputs, const std::vector<xcb_randr_crtc_t>& crtcs);
 
   X11Connection& connection_;
-  std::uint32_t minor_ = 0;  ///< of version 1; 0 when there is no RandR that serves
+  std::uint32_t minor_ = 0;  ///< of version 1; 0 without RandR 1.2
   std::uint8_t first_event_ = 0;
   xcb_atom_t edid_atom_ = XCB_ATOM_NONE;
   std::map<xcb_atom_t, std::string> names_;  ///< an atom never changes its name

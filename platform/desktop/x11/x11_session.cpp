@@ -25,8 +25,7 @@ X11Session::X11Session(std::unique_ptr<X11Connection> connection, std::uint32_t 
 }
 
 void X11Session::selectRootEvents() {
-  // Structure: monitors that somebody defines, and settings managers that announce themselves. Properties: the
-  // resources.
+  // Structure: user-defined monitors, and announcements of settings managers. Properties: the resources.
   const std::uint32_t events = XCB_EVENT_MASK_STRUCTURE_NOTIFY | XCB_EVENT_MASK_PROPERTY_CHANGE;
   xcb_change_window_attributes(connection_->xcb(), connection_->root(), XCB_CW_EVENT_MASK, &events);
   if (connection_->firstRoot() != connection_->root()) {

@@ -1,4 +1,4 @@
-// Everything that is read from one connection to an X server. One thread at a time.
+// All readings of one connection to an X server. One thread at a time.
 #pragma once
 
 #include <cstdint>
@@ -27,7 +27,7 @@ class X11Session {
   /// Waits for the server without a limit. Nothing when the connection is lost.
   std::optional<X11Reading> read();
 
-  /// Which version 1.x of RandR is used; 0 for none, and then there are no monitors.
+  /// The version 1.x of RandR in use; 0 without RandR 1.2, and then there are no monitors.
   std::uint32_t randrMinor() const { return monitors_.randrMinor(); }
 
   /// Whether the result of read() may have changed since. Looks only at events that have arrived: makes no request and
@@ -44,7 +44,7 @@ class X11Session {
   std::unique_ptr<X11Connection> connection_;
   X11Monitors monitors_;
   X11Settings settings_;
-  bool changed_ = true;  ///< until the first reading, and when a reading was overtaken by events
+  bool changed_ = true;  ///< before the first reading, and after one during which something changed
 };
 
 }  // namespace platform::desktop

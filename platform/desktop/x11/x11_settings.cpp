@@ -40,8 +40,8 @@ std::optional<int> X11Settings::readScalingFactor() {
   if (manager_ == XCB_WINDOW_NONE) {
     return std::nullopt;
   }
-  // Selected for before the settings are read, so that no change falls in between. A manager that has gone meanwhile
-  // makes both requests fail; its successor announces itself.
+  // The events are selected before the settings are read, so that no change is missed. If the manager has gone
+  // meanwhile, both requests fail, and its successor announces itself.
   const std::uint32_t events = XCB_EVENT_MASK_PROPERTY_CHANGE | XCB_EVENT_MASK_STRUCTURE_NOTIFY;
   xcb_change_window_attributes(connection_.xcb(), manager_, XCB_CW_EVENT_MASK, &events);
   const auto property = connection_.reply(

@@ -14,11 +14,11 @@ class X11Settings {
  public:
   explicit X11Settings(X11Connection& connection);
 
-  /// Pixels per point, 1 when nobody says. Also has the server report changes of what was read; those of the root
-  /// windows it reports when their properties and structure are selected for (see X11Session).
+  /// Pixels per point; 1 without a setting. Also selects the events of changes, except those of the root windows, which
+  /// X11Session selects.
   double readScale();
 
-  /// Whether the event says that what readScale() answers may have changed.
+  /// Whether the result of readScale() may have changed.
   bool isChange(const xcb_generic_event_t& event) const;
 
  private:
