@@ -7,7 +7,7 @@
 #include <string>
 #include <string_view>
 
-#include "devhost/runtime/autorelease.h"
+#include "devhost/calling/native_call.h"
 #include "host/records.h"
 
 extern "C" void REALPluginMain(void* (*resolver)(const char*));

@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "devhost/runtime/autorelease.h"
+#include "devhost/calling/native_call.h"
 
 namespace bench {
 

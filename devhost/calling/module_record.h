@@ -18,7 +18,7 @@ namespace devhost {
 
 inline constexpr std::size_t kModuleRecordSize = 192;
 inline constexpr std::size_t kMethodRowSize = 48;
-/// More rows than this are taken for a record that is no module record.
+/// More rows than this mean that the record is not a module record.
 inline constexpr std::int64_t kMaxMethodRows = 4096;
 
 struct Method {
@@ -43,8 +43,8 @@ class PluginError : public std::runtime_error {
 };
 
 /// Reads a record and its rows in place. Throws PluginError for null pointers, texts without an end, a count that is
-/// not from 1 to kMaxMethodRows, and declarations that cannot be parsed. A pointer to memory that is not there is not
-/// recognised.
+/// not from 1 to kMaxMethodRows, and declarations that cannot be parsed. Pointers to
+/// unmapped memory are not detected.
 Module readModule(const void* record);
 
 }  // namespace devhost

@@ -2,59 +2,67 @@
 // method of a host object. One thread at a time.
 #pragma once
 
-#include <ffi.h>
-
+#include <cstdint>
+#include <functional>
+#include <string>
+#include <string_view>
 #include <vector>
 
-#include "devhost/calling/call_result.h"
 #include "devhost/language/value.h"
-#include "devhost/runtime/objects.h"
+#include "devhost/runtime/runtime.h"
 
 namespace devhost {
 
-/// A declaration's native signature.
-class NativeSignature {
- public:
-  /// With `for_object`, the object comes first, as in methods of objects.
-  NativeSignature(const Declaration& declaration, bool for_object);
-  NativeSignature(const NativeSignature&) = delete;
-  NativeSignature& operator=(const NativeSignature&) = delete;
-
-  ffi_cif& interface() { return interface_; }
-
- private:
-  std::vector<ffi_type*> types_;
-  ffi_cif interface_;
+/// What a by-reference parameter held when the call returned.
+struct ByReference {
+  std::string name;
+  DeclaredType type;
+  Value value;         ///< read at the width that the plugin writes
+  std::uint64_t slot;  ///< all 8 bytes of the host's slot
 };
 
-/// Calls `function` as the declaration says, with the host made current, an autorelease pool around it, and every
+struct CallResult {
+  Value result;  ///< nothing for a method without one
+  std::vector<ByReference> by_reference;
+
+  /// The by-reference parameter of that name, case-insensitive. Throws ValueError when there is none.
+  const Value& operator[](std::string_view name) const { return find(name).value; }
+  std::uint64_t slot(std::string_view name) const { return find(name).slot; }
+
+ private:
+  const ByReference& find(std::string_view name) const;
+};
+
+/// Calls `function` as declared, with the runtime made current, an autorelease pool around the call, and every
 /// by-reference parameter in an 8-byte slot of its own. `arguments` are either one for each parameter, or one for each
-/// parameter that is not by reference; slots without an argument begin as initialValue. What a slot holds afterwards,
-/// and the result, belong to the host. Throws ValueError for wrong arguments, and whatever the function throws.
-CallResult callFunction(Host& host, const Declaration& declaration, NativeSignature& signature, const void* function,
+/// parameter that is not by reference; the other slots begin as initialValue. Throws ValueError for wrong arguments,
+/// and everything that the function or an object's method throws.
+CallResult callFunction(Runtime& runtime, const Declaration& declaration, const void* function,
                         const Values& arguments);
 
-/// A method of a host object with an address that a plugin can call.
-class NativeMethod {
- public:
-  NativeMethod(Host& host, Declaration declaration, Handler handler);
-  ~NativeMethod();
-  NativeMethod(const NativeMethod&) = delete;
-  NativeMethod& operator=(const NativeMethod&) = delete;
+/// A method's body: gets the object and the arguments. An argument that it changes is stored through the by-reference
+/// parameter. It may call the plugin. An exception that it throws is held back until the plugin's method has returned,
+/// and reaches the caller of that.
+using Handler = std::function<Value(Object& self, Values& arguments)>;
 
-  void* address() { return address_; }
+/// Adds a method that a plugin can find and call, or replaces the one of the same signature. Throws DeclarationError.
+/// The runtime must outlive the object's methods.
+void addMethod(Runtime& runtime, Object& object, std::string_view declaration, Handler handler);
+
+/// An autorelease pool around a call, as the event loop of a host keeps one. Any thread; pools nest.
+class AutoreleasePool {
+ public:
+  AutoreleasePool();
+  ~AutoreleasePool();
+  AutoreleasePool(const AutoreleasePool&) = delete;
+  AutoreleasePool& operator=(const AutoreleasePool&) = delete;
 
  private:
-  static void enter(ffi_cif* interface, void* result, void** arguments, void* self);
-  void run(void* result, void** arguments);
-  Value invoke(void** arguments);
-
-  Host& host_;
-  Declaration declaration_;
-  Handler handler_;
-  NativeSignature signature_;
-  void* address_ = nullptr;
-  ffi_closure* closure_;
+  void* pool_ = nullptr;
 };
+
+/// Looks for the Objective-C runtime's pool functions in the process, and in a library (a handle of dlopen) and its
+/// dependencies. Until they are found, an AutoreleasePool does nothing; a process without them needs none.
+void findAutoreleasePools(void* library);
 
 }  // namespace devhost

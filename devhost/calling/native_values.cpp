@@ -1,65 +1,12 @@
 #include "devhost/calling/native_values.h"
 
 #include <cstring>
+#include <stdexcept>
 
 namespace devhost {
 namespace {
 
 constexpr std::size_t kSlotSize = 8;
-
-template <typename T>
-Value takeOrBorrow(Host& host, const void* handle, Ownership ownership, const char* where) {
-  return ownership == Ownership::kHandedOver ? host.handles().take<T>(handle, where)
-                                             : Ref<T>(host.handles().find<T>(handle, where));
-}
-
-Value fromHandle(Host& host, void* handle, const DeclaredType& type, Ownership ownership, const char* where) {
-  if (type.is_array) {
-    return takeOrBorrow<Array>(host, handle, ownership, where);
-  }
-  switch (factsOf(type.type).form) {
-    case Form::kString:
-      return takeOrBorrow<String>(host, handle, ownership, where);
-    case Form::kObject:
-      return takeOrBorrow<Object>(host, handle, ownership, where);
-    default:
-      return Value::pointer(handle);
-  }
-}
-
-bool isPointer(const DeclaredType& type) {
-  const Form form = factsOf(type.type).form;
-  return type.is_array || form == Form::kString || form == Form::kObject || form == Form::kPointer;
-}
-
-std::int64_t signExtended(std::uint64_t bits, std::size_t width) {
-  const unsigned shift = static_cast<unsigned>(kSlotSize - width) * 8;
-  return static_cast<std::int64_t>(bits << shift) >> shift;
-}
-
-Value realFrom(const void* address, std::size_t width) {
-  if (width == sizeof(float)) {
-    float number = 0;
-    std::memcpy(&number, address, sizeof number);
-    return static_cast<double>(number);
-  }
-  double number = 0;
-  std::memcpy(&number, address, sizeof number);
-  return number;
-}
-
-std::uint64_t realToSlot(double number, std::size_t width) {
-  std::uint64_t slot = 0;
-  if (width == sizeof(float)) {
-    const auto narrow = static_cast<float>(number);
-    std::memcpy(&slot, &narrow, sizeof narrow);
-  } else {
-    std::memcpy(&slot, &number, sizeof number);
-  }
-  return slot;
-}
-
-}  // namespace
 
 ffi_type* nativeType(const DeclaredType& type) {
   if (type.is_array) {
@@ -86,67 +33,148 @@ ffi_type* nativeType(const DeclaredType& type) {
   }
 }
 
-ffi_type* nativeResultType(const Declaration& declaration) {
-  return declaration.result ? nativeType(*declaration.result) : &ffi_type_void;
+// --- To a plugin
+
+Slot slotOf(Ref<Counted> counted) {
+  return {reinterpret_cast<std::uintptr_t>(counted ? counted->handle() : nullptr), counted};
 }
 
-std::uint64_t toSlot(const Value& value, const DeclaredType& type) {
-  if (Counted* const counted = countedOf(value)) {
-    return reinterpret_cast<std::uintptr_t>(counted->handle());
+Slot slotOfArray(Runtime& runtime, const Value& value) {
+  std::vector<Ref<String>> strings;
+  for (const Value& element : value.elements()) {
+    strings.push_back(element.isNil() ? nullptr : runtime.makeString(element.text()));
   }
-  if (isPointer(type)) {
-    return reinterpret_cast<std::uintptr_t>(value.pointer());
-  }
-  const TypeFacts& facts = factsOf(type.type);
-  switch (facts.form) {
-    case Form::kBoolean:
-      return value.boolean() ? 1 : 0;
-    case Form::kSigned:
-      return static_cast<std::uint64_t>(value.integer());
-    case Form::kUnsigned:
-      return value.unsignedNumber();
-    case Form::kReal:
-      return realToSlot(value.real(), facts.width);
-    default:
-      return 0;
-  }
+  return slotOf(runtime.makeArray(std::move(strings)));
 }
 
-Value fromSlot(Host& host, const void* address, const DeclaredType& type, Ownership ownership, const char* where) {
-  const TypeFacts& facts = factsOf(type.type);
-  if (isPointer(type)) {
-    void* handle = nullptr;
-    std::memcpy(&handle, address, sizeof handle);
-    return fromHandle(host, handle, type, ownership, where);
-  }
-  if (facts.form == Form::kReal) {
-    return realFrom(address, facts.width);
-  }
-  // Both systems are little-endian: the first bytes of a slot are its low ones.
+std::uint64_t realBits(double number, std::size_t width) {
   std::uint64_t bits = 0;
-  std::memcpy(&bits, address, facts.width);
-  switch (facts.form) {
-    case Form::kBoolean:
-      return bits != 0;
-    case Form::kSigned:
-      return signExtended(bits, facts.width);
+  if (width == sizeof(float)) {
+    const auto narrow = static_cast<float>(number);
+    std::memcpy(&bits, &narrow, sizeof narrow);
+  } else {
+    std::memcpy(&bits, &number, sizeof number);
+  }
+  return bits;
+}
+
+// --- From a plugin
+
+template <typename T>
+Ref<T> receive(Handles& handles, const void* handle, Ownership ownership, const char* where) {
+  return ownership == Ownership::kHandedOver ? handles.take<T>(handle, where) : handles.find<T>(handle, where);
+}
+
+Value valueOf(const Ref<String>& string) { return string ? Value(string->bytes()) : Value(nullptr); }
+
+Value valueOf(const Ref<Array>& array) {
+  if (!array) {
+    return nullptr;
+  }
+  Values elements;
+  for (const Ref<String>& element : array->elements()) {
+    elements.push_back(valueOf(element));
+  }
+  return Value::array(std::move(elements));
+}
+
+Value fromPointer(Handles& handles, void* pointer, const DeclaredType& type, Ownership ownership, const char* where) {
+  if (type.is_array) {
+    return valueOf(receive<Array>(handles, pointer, ownership, where));
+  }
+  switch (factsOf(type.type).form) {
+    case Form::kString:
+      return valueOf(receive<String>(handles, pointer, ownership, where));
+    case Form::kObject:
+      return receive<Object>(handles, pointer, ownership, where);
     default:
-      return bits;
+      return Value::pointer(pointer);
   }
 }
 
-Counted* countedOf(const Value& value) {
-  const Value::Storage& storage = value.storage();
-  if (const auto* const string = std::get_if<Ref<String>>(&storage)) {
-    return string->get();
+Value realFrom(const void* address, std::size_t width) {
+  if (width == sizeof(float)) {
+    float number = 0;
+    std::memcpy(&number, address, sizeof number);
+    return static_cast<double>(number);
   }
-  if (const auto* const object = std::get_if<Ref<Object>>(&storage)) {
-    return object->get();
+  double number = 0;
+  std::memcpy(&number, address, sizeof number);
+  return number;
+}
+
+std::int64_t signExtended(std::uint64_t bits, std::size_t width) {
+  const unsigned shift = static_cast<unsigned>(kSlotSize - width) * 8;
+  return static_cast<std::int64_t>(bits << shift) >> shift;
+}
+
+}  // namespace
+
+NativeSignature::NativeSignature(const Declaration& declaration, bool for_object) {
+  if (for_object) {
+    types_.push_back(&ffi_type_pointer);
   }
-  if (const auto* const array = std::get_if<Ref<Array>>(&storage)) {
-    return array->get();
+  for (const Parameter& parameter : declaration.parameters) {
+    types_.push_back(parameter.by_reference ? &ffi_type_pointer : nativeType(parameter.type));
   }
-  return nullptr;
+  ffi_type* const result = declaration.result ? nativeType(*declaration.result) : &ffi_type_void;
+  if (ffi_prep_cif(&interface_, FFI_DEFAULT_ABI, static_cast<unsigned>(types_.size()), result, types_.data()) !=
+      FFI_OK) {
+    throw std::runtime_error("no native signature for " + declaration.text);
+  }
+}
+
+Slot toSlot(Runtime& runtime, const Value& value, const DeclaredType& type) {
+  const Value converted = convert(value, type);
+  if (converted.isNil()) {
+    return {};
+  }
+  if (type.is_array) {
+    return slotOfArray(runtime, converted);
+  }
+  const TypeFacts& facts = factsOf(type.type);
+  switch (facts.form) {
+    case Form::kBoolean:
+      return {converted.boolean() ? 1U : 0U, nullptr};
+    case Form::kSigned:
+      return {static_cast<std::uint64_t>(converted.integer()), nullptr};
+    case Form::kUnsigned:
+      return {converted.unsignedNumber(), nullptr};
+    case Form::kReal:
+      return {realBits(converted.real(), facts.width), nullptr};
+    case Form::kString:
+      return slotOf(runtime.makeString(converted.text()));
+    case Form::kObject:
+      return slotOf(converted.object());
+    case Form::kPointer:
+      return {reinterpret_cast<std::uintptr_t>(converted.pointer()), nullptr};
+  }
+  return {};
+}
+
+Value fromSlot(Runtime& runtime, const void* address, const DeclaredType& type, Ownership ownership,
+               const char* where) {
+  const TypeFacts& facts = factsOf(type.type);
+  std::uint64_t bits = 0;
+  if (!type.is_array) {
+    // Both systems are little-endian: the first bytes of a slot are its low ones.
+    std::memcpy(&bits, address, facts.width);
+    switch (facts.form) {
+      case Form::kBoolean:
+        return bits != 0;
+      case Form::kSigned:
+        return signExtended(bits, facts.width);
+      case Form::kUnsigned:
+        return bits;
+      case Form::kReal:
+        return realFrom(address, facts.width);
+      default:
+        break;
+    }
+  }
+  void* pointer = nullptr;
+  std::memcpy(&pointer, address, sizeof pointer);
+  return fromPointer(runtime.handles(), pointer, type, ownership, where);
 }
 
 }  // namespace devhost

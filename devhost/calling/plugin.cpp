@@ -2,10 +2,6 @@
 
 #include <dlfcn.h>
 
-#include "devhost/calling/native_call.h"
-#include "devhost/runtime/autorelease.h"
-#include "devhost/runtime/host.h"
-
 namespace devhost {
 namespace {
 
@@ -15,7 +11,7 @@ using PluginMain = void (*)(Resolver);
 
 }  // namespace
 
-Plugin::Plugin(Host& host, std::string path) : host_(&host), path_(std::move(path)) {
+Plugin::Plugin(Runtime& runtime, std::string path) : runtime_(&runtime), path_(std::move(path)) {
   loadLibrary();
   letRegister();
 }
@@ -32,15 +28,15 @@ void Plugin::loadLibrary() {
 void Plugin::letRegister() {
   const auto main = reinterpret_cast<PluginMain>(symbol(kEntryName));
   if (main == nullptr) {
-    throw PluginError(path_ + " is no plugin: it does not export " + kEntryName);
+    throw PluginError(path_ + " is not a plugin: it does not export " + kEntryName);
   }
-  host_->registration() = {};
+  runtime_->registration() = {};
   {
-    const CurrentHost current(*host_);
+    const CurrentRuntime current(*runtime_);
     const AutoreleasePool pool;
-    main(Host::resolver());
+    main(Runtime::resolver());
   }
-  const Registration& registration = host_->registration();
+  const Registration& registration = runtime_->registration();
   if (!registration.announced_versions.empty()) {
     announced_version_ = registration.announced_versions.back();
   }
@@ -72,8 +68,7 @@ CallResult Plugin::call(std::string_view name, const Values& arguments) const {
   if (method == nullptr) {
     throw ValueError("no method is called " + std::string(name));
   }
-  NativeSignature signature(method->declaration, false);
-  return callFunction(*host_, method->declaration, signature, method->function, arguments);
+  return callFunction(*runtime_, method->declaration, method->function, arguments);
 }
 
 void* Plugin::symbol(const char* name) const { return dlsym(library_, name); }

@@ -4,7 +4,6 @@
 #include <charconv>
 #include <cmath>
 #include <cstdlib>
-#include <limits>
 #include <optional>
 
 #include "devhost/language/printable.h"
@@ -12,16 +11,10 @@
 namespace devhost {
 namespace {
 
-/// Sign, "0x" and digits, nothing else. The magnitude must fit 64 bits.
-struct Whole {
-  bool negative = false;
-  std::uint64_t magnitude = 0;
-};
-
-std::optional<Whole> parseWhole(std::string_view text) {
-  Whole whole;
-  if (!text.empty() && (text.front() == '-' || text.front() == '+')) {
-    whole.negative = text.front() == '-';
+/// Sign, "0x" and digits, nothing else; as an unsigned number, or a signed one when it is negative.
+std::optional<Value> parseWhole(std::string_view text) {
+  const bool negative = text.starts_with('-');
+  if (negative || text.starts_with('+')) {
     text.remove_prefix(1);
   }
   int base = 10;
@@ -29,76 +22,57 @@ std::optional<Whole> parseWhole(std::string_view text) {
     base = 16;
     text.remove_prefix(2);
   }
+  std::uint64_t magnitude = 0;
   const char* const end = text.data() + text.size();
-  const auto [stop, error] = std::from_chars(text.data(), end, whole.magnitude, base);
-  if (text.empty() || error != std::errc() || stop != end) {
+  const auto [stop, error] = std::from_chars(text.data(), end, magnitude, base);
+  constexpr std::uint64_t kLowest = std::uint64_t{1} << 63;  // the magnitude of the lowest signed number
+  if (text.empty() || error != std::errc() || stop != end || (negative && magnitude > kLowest)) {
     return std::nullopt;
   }
-  return whole;
-}
-
-Value parseSigned(const std::string& text, const TypeFacts& facts) {
-  const std::uint64_t highest =
-      static_cast<std::uint64_t>(std::numeric_limits<std::int64_t>::max()) >> (64 - facts.width * 8);
-  const std::optional<Whole> whole = parseWhole(text);
-  if (!whole || whole->magnitude > highest + (whole->negative ? 1 : 0)) {
-    throw ValueError(std::string(facts.name) + " (-" + std::to_string(highest + 1) + " to " + std::to_string(highest) +
-                     ")");
-  }
   // In unsigned arithmetic, where the lowest number has a negation.
-  return static_cast<std::int64_t>(whole->negative ? 0 - whole->magnitude : whole->magnitude);
+  return negative ? Value(static_cast<std::int64_t>(0 - magnitude)) : Value(magnitude);
 }
 
-Value parseUnsigned(const std::string& text, const TypeFacts& facts) {
-  const std::uint64_t highest = std::numeric_limits<std::uint64_t>::max() >> (64 - facts.width * 8);
-  const std::optional<Whole> whole = parseWhole(text);
-  if (!whole || whole->magnitude > highest || (whole->negative && whole->magnitude != 0)) {
-    throw ValueError(std::string(facts.name) + " (0 to " + std::to_string(highest) + ")");
-  }
-  return whole->magnitude;
-}
-
-Value parseReal(const std::string& text, const TypeFacts& facts) {
+std::optional<Value> parseReal(const std::string& text) {
   char* end = nullptr;
   errno = 0;
   const double number = std::strtod(text.c_str(), &end);
   const bool whole_text = !text.empty() && end == text.c_str() + text.size();
   const bool leading_blank = !text.empty() && std::isspace(static_cast<unsigned char>(text.front())) != 0;
   const bool too_large = errno == ERANGE && std::abs(number) == HUGE_VAL;
-  if (!whole_text || leading_blank || too_large) {
-    throw ValueError(std::string("a number (") + facts.name + ")");
-  }
-  return number;
+  return !whole_text || leading_blank || too_large ? std::nullopt : std::optional<Value>(number);
 }
 
-Value parseArgument(const std::string& text, const DeclaredType& type) {
-  const TypeFacts& facts = factsOf(type.type);
+std::optional<Value> parseArgument(const std::string& text, const DeclaredType& type) {
   if (type.is_array) {
-    throw ValueError("an array (" + type.text() + "), which cannot be written as a text");
+    return std::nullopt;
   }
-  switch (facts.form) {
+  switch (factsOf(type.type).form) {
     case Form::kBoolean:
-      if (sameName(text, "true") || sameName(text, "false")) {
-        return sameName(text, "true");
-      }
-      throw ValueError("True or False");
+      return sameName(text, "true") || sameName(text, "false") ? std::optional<Value>(sameName(text, "true"))
+                                                               : std::nullopt;
     case Form::kSigned:
-      return parseSigned(text, facts);
     case Form::kUnsigned:
-      return parseUnsigned(text, facts);
+      return parseWhole(text);
     case Form::kReal:
-      return parseReal(text, facts);
+      return parseReal(text);
     case Form::kString:
       return text;
     case Form::kObject:
-      if (sameName(text, "nil")) {
-        return nullptr;
-      }
-      throw ValueError("nil (no other object can be written as a text)");
+      return sameName(text, "nil") ? std::optional<Value>(nullptr) : std::nullopt;
     case Form::kPointer:
       break;
   }
-  throw ValueError("a pointer (" + type.text() + "), which cannot be written as a text");
+  return std::nullopt;
+}
+
+/// The texts that a type admits, in words.
+std::string admittedTexts(const DeclaredType& type) {
+  const Form form = factsOf(type.type).form;
+  if (type.is_array || form == Form::kPointer) {
+    return admittedValues(type) + ", which cannot be written as a text";
+  }
+  return form == Form::kObject ? "nil (no other object can be written as a text)" : admittedValues(type);
 }
 
 std::string countsText(const Declaration& declaration) {
@@ -126,12 +100,13 @@ Values parseArguments(const Declaration& declaration, const std::vector<std::str
       continue;
     }
     const std::string& text = texts[values.size()];
-    try {
-      values.push_back(parseArgument(text, parameter.type));
-    } catch (const ValueError& expected) {
-      throw ValueError(printable(declaration.name + ", argument " + parameter.name + ": expected " + expected.what() +
-                                 ", got \"" + text + "\": " + declaration.text));
+    const std::optional<Value> value = parseArgument(text, parameter.type);
+    const std::optional<Value> converted = value ? tryConvert(*value, parameter.type) : std::nullopt;
+    if (!converted) {
+      throw ValueError(printable(declaration.name + ", argument " + parameter.name + ": expected " +
+                                 admittedTexts(parameter.type) + ", got \"" + text + "\": " + declaration.text));
     }
+    values.push_back(*converted);
   }
   return values;
 }

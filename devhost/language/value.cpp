@@ -5,11 +5,7 @@
 #include <cstdlib>
 #include <limits>
 #include <ostream>
-
-#include "devhost/runtime/arrays.h"
-#include "devhost/runtime/host.h"
-#include "devhost/runtime/objects.h"
-#include "devhost/runtime/strings.h"
+#include <utility>
 
 namespace devhost {
 namespace {
@@ -19,87 +15,41 @@ const T* as(const Value& value) {
   return std::get_if<T>(&value.storage());
 }
 
-std::string shown(const Value& value);
+bool isWhole(const Value& value) { return as<std::int64_t>(value) != nullptr || as<std::uint64_t>(value) != nullptr; }
 
-[[noreturn]] void failConversion(const Value& value, const std::string& expected) {
-  throw ValueError("expected " + expected + ", got " + shown(value));
-}
+bool isNumber(const Value& value) { return isWhole(value) || as<double>(value) != nullptr; }
 
-Value convertNumber(const Value& value, const TypeFacts& facts) {
-  const unsigned bits = static_cast<unsigned>(facts.width) * 8;
-  if (facts.form == Form::kSigned) {
-    const std::int64_t highest = std::numeric_limits<std::int64_t>::max() >> (64 - bits);
-    const std::int64_t lowest = -highest - 1;
-    const std::string expected =
-        std::string(facts.name) + " (" + std::to_string(lowest) + " to " + std::to_string(highest) + ")";
-    const auto* const whole = as<std::int64_t>(value);
-    const auto* const natural = as<std::uint64_t>(value);
-    if ((whole == nullptr && natural == nullptr) || (whole != nullptr && (*whole < lowest || *whole > highest)) ||
-        (natural != nullptr && *natural > static_cast<std::uint64_t>(highest))) {
-      failConversion(value, expected);
+/// Nothing for other values than whole numbers from `lowest` to `highest`.
+template <typename Number>
+std::optional<Number> wholeBetween(Number lowest, Number highest, const Value& value) {
+  const auto within = [&](auto number) -> std::optional<Number> {
+    if (std::cmp_less(number, lowest) || std::cmp_greater(number, highest)) {
+      return std::nullopt;
     }
-    return value.integer();
-  }
-  const std::uint64_t highest = std::numeric_limits<std::uint64_t>::max() >> (64 - bits);
-  const std::string expected = std::string(facts.name) + " (0 to " + std::to_string(highest) + ")";
+    return static_cast<Number>(number);
+  };
   const auto* const whole = as<std::int64_t>(value);
   const auto* const natural = as<std::uint64_t>(value);
-  if ((whole == nullptr && natural == nullptr) ||
-      (whole != nullptr && (*whole < 0 || static_cast<std::uint64_t>(*whole) > highest)) ||
-      (natural != nullptr && *natural > highest)) {
-    failConversion(value, expected);
-  }
-  return value.unsignedNumber();
+  return whole != nullptr ? within(*whole) : natural != nullptr ? within(*natural) : std::nullopt;
 }
 
-Value convertReal(const Value& value, const TypeFacts& facts) {
-  if (as<double>(value) == nullptr && as<std::int64_t>(value) == nullptr && as<std::uint64_t>(value) == nullptr) {
-    failConversion(value, std::string("a number (") + facts.name + ")");
-  }
-  return facts.type == Type::kSingle ? static_cast<double>(static_cast<float>(value.real())) : value.real();
+template <typename Number>
+std::optional<Number> wholeOf(const Value& value) {
+  return wholeBetween(std::numeric_limits<Number>::lowest(), std::numeric_limits<Number>::max(), value);
 }
 
-Value convertText(Host& host, const Value& value) {
-  if (value.isNil()) {
-    return Ref<String>();
-  }
-  if (as<Ref<String>>(value) != nullptr) {
-    return value;
-  }
-  if (as<std::string>(value) == nullptr) {
-    failConversion(value, "a text (String)");
-  }
-  return host.makeString(value.text());
+std::int64_t highestSigned(const TypeFacts& facts) {
+  return std::numeric_limits<std::int64_t>::max() >> (64 - facts.width * 8);
 }
 
-Value convertArray(const Value& value, const DeclaredType& type) {
-  if (value.isNil()) {
-    return Ref<Array>();
-  }
-  const auto* const array = as<Ref<Array>>(value);
-  if (array == nullptr || (*array)->elementType() != type.type) {
-    failConversion(value, "an array (" + type.text() + ")");
-  }
-  return value;
+std::uint64_t highestUnsigned(const TypeFacts& facts) {
+  return std::numeric_limits<std::uint64_t>::max() >> (64 - facts.width * 8);
 }
 
-Value convertSingle(Host& host, const Value& value, const TypeFacts& facts) {
-  switch (facts.form) {
-    case Form::kBoolean:
-      return value.boolean();
-    case Form::kSigned:
-    case Form::kUnsigned:
-      return convertNumber(value, facts);
-    case Form::kReal:
-      return convertReal(value, facts);
-    case Form::kString:
-      return convertText(host, value);
-    case Form::kObject:
-      return value.isNil() ? Value(Ref<Object>()) : Value(value.object());
-    case Form::kPointer:
-      return Value::pointer(value.pointer());
-  }
-  return {};
+std::string hexadecimal(std::uint64_t number) {
+  char text[32];
+  std::snprintf(text, sizeof text, "0x%llx", static_cast<unsigned long long>(number));
+  return text;
 }
 
 /// Quotes texts, so that they stand out in a message.
@@ -112,161 +62,138 @@ std::string shown(const Value& value) {
     std::string operator()(std::uint64_t number) const { return std::to_string(number); }
     std::string operator()(double number) const { return numberText(number); }
     std::string operator()(const std::string& text) const { return "\"" + text + "\""; }
-    std::string operator()(const Ref<String>& text) const { return text ? "\"" + text->bytes() + "\"" : "nil"; }
-    std::string operator()(const Ref<Object>& object) const { return object ? object->describe() : "nil"; }
-    std::string operator()(const Ref<Array>& array) const {
-      if (!array) {
-        return "nil";
-      }
+    std::string operator()(const Values& elements) const {
       std::string list = "[";
-      for (const Value& element : array->elements()) {
+      for (const Value& element : elements) {
         list += (list.size() > 1 ? ", " : "") + shown(element);
       }
       return list + "]";
     }
+    std::string operator()(const std::shared_ptr<Object>&) const { return "an object"; }
     std::string operator()(void* pointer) const { return hexadecimal(reinterpret_cast<std::uintptr_t>(pointer)); }
     std::string operator()(RawSlot slot) const { return "slot " + hexadecimal(slot.bits); }
-    static std::string hexadecimal(std::uint64_t number) {
-      char text[32];
-      std::snprintf(text, sizeof text, "0x%llx", static_cast<unsigned long long>(number));
-      return text;
-    }
   };
   return std::visit(Shower{}, value.storage());
 }
 
-bool isText(const Value& value) { return as<std::string>(value) != nullptr || as<Ref<String>>(value) != nullptr; }
+[[noreturn]] void failConversion(const Value& value, const std::string& expected) {
+  throw ValueError("expected " + expected + ", got " + shown(value));
+}
 
-bool isWhole(const Value& value) { return as<std::int64_t>(value) != nullptr || as<std::uint64_t>(value) != nullptr; }
-
-bool sameWhole(const Value& a, const Value& b) {
-  const auto* const x = as<std::int64_t>(a);
-  const auto* const y = as<std::int64_t>(b);
-  const bool a_negative = x != nullptr && *x < 0;
-  const bool b_negative = y != nullptr && *y < 0;
-  if (a_negative || b_negative) {
-    return a_negative && b_negative && *x == *y;
+/// The value as a `T`. Throws ValueError for a value of another kind.
+template <typename T>
+const T& expect(const Value& value, const char* expected) {
+  const T* const found = as<T>(value);
+  if (found == nullptr) {
+    failConversion(value, expected);
   }
-  return a.unsignedNumber() == b.unsignedNumber();
+  return *found;
+}
+
+std::optional<Value> convertArray(const Value& value, const DeclaredType& type) {
+  if (value.isNil()) {
+    return Value(nullptr);
+  }
+  const auto* const elements = as<Values>(value);
+  if (elements == nullptr) {
+    return std::nullopt;
+  }
+  const DeclaredType element_type{type.type, type.name, false};
+  Values converted;
+  for (const Value& element : *elements) {
+    const std::optional<Value> one = tryConvert(element, element_type);
+    if (!one) {
+      return std::nullopt;
+    }
+    converted.push_back(*one);
+  }
+  return Value::array(std::move(converted));
+}
+
+std::optional<Value> convertReal(const Value& value, const TypeFacts& facts) {
+  if (!isNumber(value)) {
+    return std::nullopt;
+  }
+  return Value(facts.type == Type::kSingle ? static_cast<double>(static_cast<float>(value.real())) : value.real());
 }
 
 }  // namespace
 
-bool Value::isNil() const {
-  struct Asker {
-    bool operator()(std::nullptr_t) const { return true; }
-    bool operator()(const Ref<String>& r) const { return !r; }
-    bool operator()(const Ref<Object>& r) const { return !r; }
-    bool operator()(const Ref<Array>& r) const { return !r; }
-    bool operator()(void* p) const { return p == nullptr; }
-    bool operator()(std::monostate) const { return false; }
-    bool operator()(bool) const { return false; }
-    bool operator()(std::int64_t) const { return false; }
-    bool operator()(std::uint64_t) const { return false; }
-    bool operator()(double) const { return false; }
-    bool operator()(const std::string&) const { return false; }
-    bool operator()(RawSlot) const { return false; }
-  };
-  return std::visit(Asker{}, storage_);
+Value::Value(std::shared_ptr<Object> object) : storage_(nullptr) {
+  if (object) {
+    storage_ = std::move(object);
+  }
 }
 
-bool Value::boolean() const {
-  if (const auto* const truth = as<bool>(*this)) {
-    return *truth;
-  }
-  failConversion(*this, "True or False");
+Value Value::pointer(void* value) {
+  Value result;
+  result.storage_ = value;
+  return result;
 }
+
+Value Value::array(Values elements) {
+  Value result;
+  result.storage_ = std::move(elements);
+  return result;
+}
+
+bool Value::isNil() const {
+  const auto* const pointer = as<void*>(*this);
+  return std::holds_alternative<std::nullptr_t>(storage_) || (pointer != nullptr && *pointer == nullptr);
+}
+
+bool Value::boolean() const { return expect<bool>(*this, "True or False"); }
 
 std::int64_t Value::integer() const {
-  if (const auto* const whole = as<std::int64_t>(*this)) {
-    return *whole;
-  }
-  const auto* const natural = as<std::uint64_t>(*this);
-  if (natural != nullptr && *natural <= static_cast<std::uint64_t>(std::numeric_limits<std::int64_t>::max())) {
-    return static_cast<std::int64_t>(*natural);
-  }
-  failConversion(*this, "a whole number");
+  const std::optional<std::int64_t> whole = wholeOf<std::int64_t>(*this);
+  return whole ? *whole : expect<std::int64_t>(*this, "a whole number");
 }
 
 std::uint64_t Value::unsignedNumber() const {
-  if (const auto* const natural = as<std::uint64_t>(*this)) {
-    return *natural;
-  }
-  const auto* const whole = as<std::int64_t>(*this);
-  if (whole != nullptr && *whole >= 0) {
-    return static_cast<std::uint64_t>(*whole);
-  }
-  failConversion(*this, "a whole number from 0");
+  const std::optional<std::uint64_t> natural = wholeOf<std::uint64_t>(*this);
+  return natural ? *natural : expect<std::uint64_t>(*this, "a whole number from 0");
 }
 
 double Value::real() const {
-  if (const auto* const number = as<double>(*this)) {
-    return *number;
-  }
   if (const auto* const whole = as<std::int64_t>(*this)) {
     return static_cast<double>(*whole);
   }
   if (const auto* const natural = as<std::uint64_t>(*this)) {
     return static_cast<double>(*natural);
   }
-  failConversion(*this, "a number");
+  return expect<double>(*this, "a number");
 }
 
 std::string Value::text() const {
-  if (const auto* const text = as<std::string>(*this)) {
-    return *text;
-  }
-  if (const auto* const string = as<Ref<String>>(*this)) {
-    return *string ? (*string)->bytes() : std::string();
-  }
-  if (std::holds_alternative<std::nullptr_t>(storage_)) {
-    return {};
-  }
-  failConversion(*this, "a text");
+  return std::holds_alternative<std::nullptr_t>(storage_) ? std::string() : expect<std::string>(*this, "a text");
 }
 
-Ref<String> Value::string() const {
-  if (const auto* const string = as<Ref<String>>(*this)) {
-    return *string;
-  }
-  failConversion(*this, "a string");
+std::shared_ptr<Object> Value::object() const {
+  return isNil() ? nullptr : expect<std::shared_ptr<Object>>(*this, "an object");
 }
 
-Ref<Object> Value::object() const {
-  if (const auto* const object = as<Ref<Object>>(*this)) {
-    return *object;
+const Values& Value::elements() const { return expect<Values>(*this, "an array"); }
+
+std::vector<std::string> Value::texts() const {
+  std::vector<std::string> texts;
+  for (const Value& element : elements()) {
+    texts.push_back(element.text());
   }
-  failConversion(*this, "an object");
+  return texts;
 }
 
-Ref<Array> Value::array() const {
-  if (const auto* const array = as<Ref<Array>>(*this)) {
-    return *array;
-  }
-  failConversion(*this, "an array");
-}
-
-void* Value::pointer() const {
-  if (const auto* const pointer = as<void*>(*this)) {
-    return *pointer;
-  }
-  if (isNil()) {
-    return nullptr;
-  }
-  failConversion(*this, "a pointer");
-}
+void* Value::pointer() const { return isNil() ? nullptr : expect<void*>(*this, "a pointer"); }
 
 bool operator==(const Value& a, const Value& b) {
   if (a.isNil() || b.isNil()) {
     return a.isNil() && b.isNil();
   }
-  if (isText(a) && isText(b)) {
-    return a.text() == b.text();
-  }
   if (isWhole(a) && isWhole(b)) {
-    return sameWhole(a, b);
+    const std::optional<std::int64_t> x = wholeOf<std::int64_t>(a);
+    const std::optional<std::int64_t> y = wholeOf<std::int64_t>(b);
+    return x || y ? x == y : a.unsignedNumber() == b.unsignedNumber();
   }
-  if ((isWhole(a) || as<double>(a) != nullptr) && (isWhole(b) || as<double>(b) != nullptr)) {
+  if (isNumber(a) && isNumber(b)) {
     return a.real() == b.real();
   }
   return a.storage_ == b.storage_;
@@ -274,13 +201,69 @@ bool operator==(const Value& a, const Value& b) {
 
 std::ostream& operator<<(std::ostream& out, const Value& value) { return out << shown(value); }
 
-Value convertToArgument(Host& host, const Value& value, const DeclaredType& type) {
-  return type.is_array ? convertArray(value, type) : convertSingle(host, value, factsOf(type.type));
+std::optional<Value> tryConvert(const Value& value, const DeclaredType& type) {
+  const TypeFacts& facts = factsOf(type.type);
+  const auto keepIf = [&](bool admitted) { return admitted ? std::optional<Value>(value) : std::nullopt; };
+  if (type.is_array) {
+    return convertArray(value, type);
+  }
+  switch (facts.form) {
+    case Form::kBoolean:
+      return keepIf(as<bool>(value) != nullptr);
+    case Form::kSigned:
+      return wholeBetween(-highestSigned(facts) - 1, highestSigned(facts), value);
+    case Form::kUnsigned:
+      return wholeBetween(std::uint64_t{0}, highestUnsigned(facts), value);
+    case Form::kReal:
+      return convertReal(value, facts);
+    case Form::kString:
+      return value.isNil() ? Value(nullptr) : keepIf(as<std::string>(value) != nullptr);
+    case Form::kObject:
+      return value.isNil() ? Value(nullptr) : keepIf(as<std::shared_ptr<Object>>(value) != nullptr);
+    case Form::kPointer:
+      return value.isNil() ? Value::pointer(nullptr) : keepIf(as<void*>(value) != nullptr);
+  }
+  return std::nullopt;
 }
 
-Value initialValue(Host& host, const DeclaredType& type) {
+Value convert(const Value& value, const DeclaredType& type) {
+  const std::optional<Value> converted = tryConvert(value, type);
+  if (!converted) {
+    failConversion(value, admittedValues(type));
+  }
+  return *converted;
+}
+
+std::string admittedValues(const DeclaredType& type) {
+  const TypeFacts& facts = factsOf(type.type);
+  const auto range = [&](auto lowest, auto highest) {
+    return std::string(facts.name) + " (" + std::to_string(lowest) + " to " + std::to_string(highest) + ")";
+  };
   if (type.is_array) {
-    return Ref<Array>();
+    return "an array (" + type.text() + ")";
+  }
+  switch (facts.form) {
+    case Form::kBoolean:
+      return "True or False";
+    case Form::kSigned:
+      return range(-highestSigned(facts) - 1, highestSigned(facts));
+    case Form::kUnsigned:
+      return range(0, highestUnsigned(facts));
+    case Form::kReal:
+      return std::string("a number (") + facts.name + ")";
+    case Form::kString:
+      return std::string("a text (") + facts.name + ")";
+    case Form::kObject:
+      return "an object";
+    case Form::kPointer:
+      break;
+  }
+  return "a pointer (" + type.text() + ")";
+}
+
+Value initialValue(const DeclaredType& type) {
+  if (type.is_array) {
+    return nullptr;
   }
   switch (factsOf(type.type).form) {
     case Form::kBoolean:
@@ -292,9 +275,9 @@ Value initialValue(Host& host, const DeclaredType& type) {
     case Form::kReal:
       return 0.0;
     case Form::kString:
-      return host.makeString("");
+      return "";
     case Form::kObject:
-      return Ref<Object>();
+      return nullptr;
     case Form::kPointer:
       return Value::pointer(nullptr);
   }

@@ -1,12 +1,14 @@
-// Value: any value of the host's language, for arguments and results of calls, and elements of arrays.
+// Value: any value of the host's language, for arguments and results of calls. Plain data: strings and arrays are
+// copies of what a plugin holds.
 //
-// Numbers, truth values, text and handles convert to a Value by themselves, so that a call reads like one in the host's
+// Numbers, truth values, text and objects convert to a Value by themselves, so that a call reads like one in the host's
 // language: plugin.call("GetName", {1, "before"}). One thread at a time.
 #pragma once
 
 #include <cstdint>
-#include <initializer_list>
 #include <iosfwd>
+#include <memory>
+#include <optional>
 #include <stdexcept>
 #include <string>
 #include <string_view>
@@ -15,13 +17,12 @@
 #include <vector>
 
 #include "devhost/language/declaration.h"
-#include "devhost/runtime/handles.h"
 
 namespace devhost {
 
-class String;
 class Object;
-class Array;
+class Value;
+using Values = std::vector<Value>;
 
 /// The 8 bytes of a host's slot as they are, for a by-reference argument whose upper half matters.
 struct RawSlot {
@@ -29,7 +30,7 @@ struct RawSlot {
   friend bool operator==(const RawSlot&, const RawSlot&) = default;
 };
 
-/// What() is one line that says what was expected.
+/// What() is one line that states what was expected.
 class ValueError : public std::runtime_error {
  public:
   using std::runtime_error::runtime_error;
@@ -37,9 +38,10 @@ class ValueError : public std::runtime_error {
 
 class Value {
  public:
-  /// std::monostate is nothing at all, such as the result of a method without one; nullptr is nil of any handle type.
+  /// std::monostate is nothing at all, such as the result of a method without one; nullptr is a nil string, array or
+  /// object. Values are the elements of an array.
   using Storage = std::variant<std::monostate, std::nullptr_t, bool, std::int64_t, std::uint64_t, double, std::string,
-                               Ref<String>, Ref<Object>, Ref<Array>, void*, RawSlot>;
+                               Values, std::shared_ptr<Object>, void*, RawSlot>;
 
   Value() = default;
   Value(std::nullptr_t) : storage_(nullptr) {}
@@ -56,55 +58,50 @@ class Value {
   Value(const char* text) : storage_(std::string(text)) {}
   Value(std::string text) : storage_(std::move(text)) {}
   Value(std::string_view text) : storage_(std::string(text)) {}
-  Value(Ref<String> value) : storage_(std::move(value)) {}
-  Value(Ref<Object> value) : storage_(std::move(value)) {}
-  Value(Ref<Array> value) : storage_(std::move(value)) {}
+  Value(std::shared_ptr<Object> object);
   Value(RawSlot value) : storage_(value) {}
   /// Use pointer(): an address would otherwise become True.
   Value(const void*) = delete;
-  static Value pointer(void* value) {
-    Value result;
-    result.storage_ = value;
-    return result;
-  }
+  static Value pointer(void* value);
+  static Value array(Values elements);
 
   const Storage& storage() const { return storage_; }
   bool isNothing() const { return std::holds_alternative<std::monostate>(storage_); }
-  /// Nil, a null pointer, or a reference to nothing.
+  /// Nil or a null pointer.
   bool isNil() const;
 
-  // What the value is; each throws ValueError for a value of another kind.
+  // Each throws ValueError for a value of another kind.
   bool boolean() const;
   std::int64_t integer() const;          ///< also of an unsigned number that fits
   std::uint64_t unsignedNumber() const;  ///< also of a signed number that fits
   double real() const;                   ///< also of a whole number
-  std::string text() const;              ///< the bytes of a string; empty for nil
-  Ref<String> string() const;
-  Ref<Object> object() const;
-  Ref<Array> array() const;
+  std::string text() const;              ///< empty for nil
+  std::shared_ptr<Object> object() const;
+  const Values& elements() const;
+  std::vector<std::string> texts() const;  ///< of the elements
   void* pointer() const;
 
-  /// Numbers by value, strings by their bytes, objects and arrays by identity.
+  /// Numbers by value, objects by identity.
   friend bool operator==(const Value& a, const Value& b);
-  /// As a person reads it: True, -3, 0.5, "text", nil, ["a", "b"]. Bytes of a text are put out as they are.
+  /// As a person reads it: True, -3, 0.5, "text", nil, ["a", "b"]. Bytes of a text are written as they are.
   friend std::ostream& operator<<(std::ostream& out, const Value& value);
 
  private:
   Storage storage_;
 };
 
-using Values = std::vector<Value>;
+/// `value` in exactly the form that an argument or result of `type` has; nothing when the type does not admit it.
+std::optional<Value> tryConvert(const Value& value, const DeclaredType& type);
+/// The same. Throws ValueError that states what the type admits.
+Value convert(const Value& value, const DeclaredType& type);
+/// The values that a type admits, in words: "Int8 (-128 to 127)".
+std::string admittedValues(const DeclaredType& type);
 
-class Host;
-
-/// `value` in exactly the form that an argument or result of `type` has; texts become strings of the host. Throws
-/// ValueError that says what the type admits.
-Value convertToArgument(Host& host, const Value& value, const DeclaredType& type);
 /// The zero, empty text or nil that a variable of the type begins with.
-Value initialValue(Host& host, const DeclaredType& type);
+Value initialValue(const DeclaredType& type);
 
 /// A decimal text of 15 digits, or as many more as it takes to read back as the same number; "nan", "inf", "-inf" for
-/// what is none.
+/// numbers that are not finite.
 std::string numberText(double number);
 
 }  // namespace devhost

@@ -1,15 +1,14 @@
-// Handles: what a plugin holds of the host. Each is the address of a counted thing (string, object or array),
-// which the plugin never looks inside.
+// Handles: what a plugin holds of the host. Each is the address of a reference-counted string, object or array, which
+// the plugin never looks inside.
 //
-// Two counts are kept apart: references of the host itself (Ref) and references that the plugin was given and has
-// neither released nor handed on. So the host can say what a plugin forgot, and one release too many is noted instead
-// of followed. One thread at a time.
+// References of the host (std::shared_ptr) and of the plugin are counted apart. So the host can list what a plugin
+// forgot to release, and one release too many is recorded instead of followed. One thread at a time.
 #pragma once
 
 #include <cstddef>
-#include <cstdint>
 #include <memory>
 #include <string>
+#include <unordered_map>
 #include <unordered_set>
 #include <utility>
 #include <vector>
@@ -18,124 +17,83 @@ namespace devhost {
 
 class Handles;
 
-/// What a handle stands for. Deleted when the last reference goes.
-class Counted {
- public:
-  enum class Kind { kString, kObject, kArray };
+/// A reference of the host; may be nil.
+template <typename T>
+using Ref = std::shared_ptr<T>;
 
-  Counted(std::shared_ptr<Handles> handles, Kind kind);
+/// A reference-counted object behind a handle. Derived classes have a constant kName, for messages.
+class Counted : public std::enable_shared_from_this<Counted> {
+ public:
+  explicit Counted(std::shared_ptr<Handles> handles);
   Counted(const Counted&) = delete;
   Counted& operator=(const Counted&) = delete;
   virtual ~Counted();
 
-  Kind kind() const { return kind_; }
-  /// One line that names the thing in a report.
+  /// One line for a report.
   virtual std::string describe() const = 0;
-
   /// The address that a plugin gets.
   void* handle() { return this; }
-  std::size_t references() const { return host_references_ + plugin_references_; }
-  std::size_t pluginReferences() const { return plugin_references_; }
-
-  void addHostReference() { ++host_references_; }
-  void dropHostReference();
-  /// Gives the plugin a reference.
-  void addPluginReference() { ++plugin_references_; }
-  /// Takes one back. False when the plugin has none; nothing is changed then.
-  bool dropPluginReference();
-  void dropAllPluginReferences();
-
- protected:
-  const std::shared_ptr<Handles>& handles() const { return handles_; }
 
  private:
-  void deleteIfUnused();
-
   std::shared_ptr<Handles> handles_;
-  std::size_t host_references_ = 0;
-  std::size_t plugin_references_ = 0;
-  Kind kind_;
 };
 
-const char* nameOf(Counted::Kind kind);
-
-/// A reference of the host's own; may be nil. One more on copying. `T` need not be complete to hold or copy one.
-template <typename T>
-class Ref {
- public:
-  Ref() = default;
-  Ref(std::nullptr_t) {}
-  explicit Ref(T* counted) : counted_(counted) {
-    if (counted_ != nullptr) {
-      counted_->addHostReference();
-    }
-  }
-  Ref(const Ref& other) : counted_(other.counted_) {
-    if (counted_ != nullptr) {
-      counted_->addHostReference();
-    }
-  }
-  Ref(Ref&& other) noexcept : counted_(std::exchange(other.counted_, nullptr)) {}
-  Ref& operator=(Ref other) noexcept {
-    std::swap(counted_, other.counted_);
-    return *this;
-  }
-  ~Ref() {
-    if (counted_ != nullptr) {
-      counted_->dropHostReference();
-    }
-  }
-
-  T* get() const { return static_cast<T*>(counted_); }
-  T* operator->() const { return get(); }
-  T& operator*() const { return *get(); }
-  explicit operator bool() const { return counted_ != nullptr; }
-  /// What is passed to a plugin; null for nil.
-  void* handle() const { return counted_ == nullptr ? nullptr : counted_->handle(); }
-  friend bool operator==(const Ref& a, const Ref& b) { return a.counted_ == b.counted_; }
-
- private:
-  Counted* counted_ = nullptr;
-};
-
-/// All living handles of one host, and what plugins did wrong with them.
+/// All living handles of one host, and the mistakes that plugins made with them.
 class Handles {
  public:
-  /// The thing behind a handle; null when there is none of that kind, which is noted as a fault of the plugin that
-  /// called `where`. Null is no fault.
+  /// Gives the plugin a reference and returns the handle; null for nil.
+  void* give(const Ref<Counted>& counted);
+
+  /// The object behind a handle, which stays the plugin's. Nil for null. Nil for a handle that does not live or is of
+  /// another kind, which is recorded as a fault at `where`.
   template <typename T>
-  T* find(const void* handle, const char* where) {
-    return static_cast<T*>(find(handle, T::kKind, where));
+  Ref<T> find(const void* handle, const char* where) {
+    auto* const found = dynamic_cast<T*>(findLiving(handle));
+    if (found == nullptr && handle != nullptr) {
+      addUnknownHandle(handle, T::kName, where);
+    }
+    return found == nullptr ? nullptr : std::static_pointer_cast<T>(found->shared_from_this());
   }
 
-  /// Takes a reference back from the plugin; that it has none is noted as a fault. Null is no fault.
-  void release(const void* handle, Counted::Kind kind, const char* where);
-  /// The plugin hands one of its references to the host: as a result, an event's argument, an element, a stored slot.
-  /// Nil for null and for a bad handle; a handle that the plugin holds no reference to is noted and referenced anew.
+  /// Takes a reference back from the plugin. Records a fault when the plugin has none.
+  template <typename T>
+  void release(const void* handle, const char* where) {
+    dropReference(find<T>(handle, where), where, "releases");
+  }
+
+  /// The plugin hands one of its references to the host: as a result, a method's argument, an element, a stored slot.
+  /// Nil as for find. Records a fault when the plugin has no reference, and returns the object all the same.
   template <typename T>
   Ref<T> take(const void* handle, const char* where) {
-    T* const found = find<T>(handle, where);
-    Ref<T> taken(found);
-    if (found != nullptr && !found->dropPluginReference()) {
-      addFault(std::string(where) + ": hands over a reference that it does not hold, to " + found->describe());
-    }
-    return taken;
+    Ref<T> found = find<T>(handle, where);
+    dropReference(found, where, "hands over");
+    return found;
   }
 
   void addFault(std::string fault) { faults_.push_back(std::move(fault)); }
   const std::vector<std::string>& faults() const { return faults_; }
   void clearFaults() { faults_.clear(); }
 
-  std::size_t count(Counted::Kind kind) const;
-  /// Everything that the plugin holds references to, in no particular order. Borrowed.
-  std::vector<Counted*> heldByPlugin() const;
+  /// How many objects live.
+  std::size_t count() const { return living_.size(); }
+  /// One line for each object that the plugin holds references to, sorted.
+  std::vector<std::string> describeHeld() const;
   void dropAllPluginReferences();
 
  private:
   friend class Counted;
-  Counted* find(const void* handle, Counted::Kind kind, const char* where);
+  struct Held {
+    Ref<Counted> counted;
+    std::size_t references = 0;
+  };
 
-  std::unordered_set<Counted*> living_;
+  Counted* findLiving(const void* handle) const;
+  void addUnknownHandle(const void* handle, const char* kind, const char* where);
+  /// `action` is for the fault that is recorded when the plugin has no reference. Nil is ignored.
+  void dropReference(const Ref<Counted>& counted, const char* where, const char* action);
+
+  std::unordered_set<const void*> living_;
+  std::unordered_map<const Counted*, Held> held_;  // by the plugin
   std::vector<std::string> faults_;
 };
 

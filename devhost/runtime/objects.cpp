@@ -1,23 +1,44 @@
 #include "devhost/runtime/objects.h"
 
-#include "devhost/calling/native_call.h"
-#include "devhost/runtime/host.h"
+#include <string_view>
+
+#include "devhost/language/printable.h"
 
 namespace devhost {
-Object::Object(Host& host, std::shared_ptr<Handles> handles, std::string class_name)
-    : Counted(std::move(handles), kKind), host_(host), class_name_(std::move(class_name)) {}
+namespace {
 
-Object::~Object() = default;
+constexpr std::size_t kDescribedBytes = 120;
 
-void Object::addMethod(std::string_view declaration, Handler handler) {
-  Declaration parsed = parseDeclaration(declaration);
-  const std::string signature = parsed.signature();
-  methods_[signature] = std::make_unique<NativeMethod>(host_, std::move(parsed), std::move(handler));
+}  // namespace
+
+String::String(std::shared_ptr<Handles> handles, std::string bytes, std::uint32_t encoding)
+    : Counted(std::move(handles)), bytes_(std::move(bytes)), encoding_(encoding) {}
+
+std::string String::describe() const {
+  const bool cut = bytes_.size() > kDescribedBytes;
+  return "string \"" + printable(std::string_view(bytes_).substr(0, kDescribedBytes)) + (cut ? "...\"" : "\"") + " (" +
+         std::to_string(bytes_.size()) + " bytes)";
 }
 
-void* Object::methodAddress(const Declaration& declaration) {
-  const auto found = methods_.find(declaration.signature());
-  return found == methods_.end() ? nullptr : found->second->address();
+Array::Array(std::shared_ptr<Handles> handles, std::vector<Ref<String>> elements)
+    : Counted(std::move(handles)), elements_(std::move(elements)) {}
+
+bool Array::insert(std::int64_t index, Ref<String> element) {
+  if (index < 0 || index > static_cast<std::int64_t>(elements_.size())) {
+    return false;
+  }
+  elements_.insert(elements_.begin() + index, std::move(element));
+  return true;
+}
+
+std::string Array::describe() const { return "array of String (" + std::to_string(elements_.size()) + " elements)"; }
+
+Object::Object(std::shared_ptr<Handles> handles, std::string class_name)
+    : Counted(std::move(handles)), class_name_(std::move(class_name)) {}
+
+void* Object::method(const std::string& signature) const {
+  const auto found = methods_.find(signature);
+  return found == methods_.end() ? nullptr : found->second.get();
 }
 
 std::string Object::describe() const { return "object of class " + class_name_; }

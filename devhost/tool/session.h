@@ -3,7 +3,7 @@
 
 #include <string>
 
-#include "devhost/runtime/host.h"
+#include "devhost/entries/host.h"
 
 namespace devhost::tool {
 

@@ -7,11 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "devhost/calling/call_result.h"
-#include "devhost/calling/plugin.h"
-#include "devhost/runtime/arrays.h"
-#include "devhost/runtime/host.h"
-#include "devhost/runtime/objects.h"
+#include "devhost/entries/host.h"
 #include "support/fresh_plugin.h"
 
 namespace {
@@ -32,7 +28,7 @@ class AnyDesktop : public testing::Test {
   std::vector<std::string> installedProfiles() {
     const auto array = plugin.call("GetInstalledProfilePathsArray").result;
     std::vector<std::string> paths;
-    for (const devhost::Value& path : array.array()->elements()) {
+    for (const devhost::Value& path : array.elements()) {
       paths.push_back(path.text());
     }
     return paths;
@@ -84,11 +80,11 @@ TEST_F(AnyDesktop, ListsInstalledProfilesThatCanBeRead) {
 TEST_F(AnyDesktop, CallsTheObjectBackOnceForEachInstalledProfile) {
   std::vector<std::string> called;
   auto object = host.makeObject("Listener");
-  object->addMethod("DisplayProfileFound( name as String, path as String )",
-                    [&called](devhost::Object&, devhost::Values& arguments) -> devhost::Value {
-                      called.push_back(arguments[1].text());
-                      return {};
-                    });
+  host.addMethod(*object, "DisplayProfileFound( name as String, path as String )",
+                 [&called](devhost::Object&, devhost::Values& arguments) -> devhost::Value {
+                   called.push_back(arguments[1].text());
+                   return {};
+                 });
   plugin.call("SetObject", {object});
   plugin.call("ListAllInstalledProfiles");
   EXPECT_TRUE(std::is_sorted(called.begin(), called.end()));

@@ -7,11 +7,7 @@
 #include <utility>
 #include <vector>
 
-#include "devhost/calling/call_result.h"
-#include "devhost/calling/plugin.h"
-#include "devhost/runtime/arrays.h"
-#include "devhost/runtime/host.h"
-#include "devhost/runtime/objects.h"
+#include "devhost/entries/host.h"
 #include "support/fresh_plugin.h"
 #include "support/scripted.h"
 
@@ -70,11 +66,11 @@ class MethodTest : public testing::Test {
   /// An object whose event handler appends to `events`. The test keeps it: the plugin takes no reference on its object.
   devhost::Ref<devhost::Object> listener(Events& events) {
     auto object = host.makeObject("Listener");
-    object->addMethod("DisplayProfileFound( name as String, path as String )",
-                      [&events](devhost::Object&, devhost::Values& arguments) -> devhost::Value {
-                        events.emplace_back(arguments[0].text(), arguments[1].text());
-                        return {};
-                      });
+    host.addMethod(*object, "DisplayProfileFound( name as String, path as String )",
+                   [&events](devhost::Object&, devhost::Values& arguments) -> devhost::Value {
+                     events.emplace_back(arguments[0].text(), arguments[1].text());
+                     return {};
+                   });
     return object;
   }
 

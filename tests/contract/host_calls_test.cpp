@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "devhost/runtime/autorelease.h"
+#include "devhost/calling/native_call.h"
 #include "host/call.h"
 #include "tests/contract/fixture.h"
 
@@ -45,7 +45,8 @@ class ByReferenceStrings : public HostCalls {
     host.entries().set("REALUnlockString", &unlock);
   }
 
-  static void* build(const char* bytes, int length, std::uint32_t) {
+  static void* build(const char* bytes, int length, std::uint32_t encoding) {
+    EXPECT_EQ(encoding, devhost::kUtf8Encoding);
     notes.push_back("build \"" + std::string(bytes, static_cast<std::size_t>(length)) + "\"");
     return handle<2>();
   }

@@ -5,8 +5,7 @@
 #include <filesystem>
 #include <iterator>
 
-#include "devhost/calling/plugin.h"
-#include "devhost/runtime/host.h"
+#include "devhost/entries/host.h"
 #include "frameworks/hooks/calls.h"
 
 namespace {

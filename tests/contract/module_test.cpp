@@ -3,8 +3,7 @@
 
 #include <set>
 
-#include "devhost/calling/plugin.h"
-#include "devhost/runtime/host.h"
+#include "devhost/entries/host.h"
 #include "support/fresh_plugin.h"
 
 namespace {

@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "devhost/runtime/host.h"
+#include "devhost/entries/host.h"
 
 namespace faults {
 

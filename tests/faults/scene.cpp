@@ -121,11 +121,11 @@ Script fiveDisplays() {
 
 Scene::Scene() : session(fiveDisplays()) {
   listener_ = host.makeObject("Listener");
-  listener_->addMethod("DisplayProfileFound( name as String, path as String )",
-                       [this](devhost::Object&, devhost::Values& arguments) -> devhost::Value {
-                         events_.push_back(arguments[0].text() + '=' + arguments[1].text());
-                         return {};
-                       });
+  host.addMethod(*listener_, "DisplayProfileFound( name as String, path as String )",
+                 [this](devhost::Object&, devhost::Values& arguments) -> devhost::Value {
+                   events_.push_back(arguments[0].text() + '=' + arguments[1].text());
+                   return {};
+                 });
 }
 
 Scene::~Scene() { answerNoMessage(); }

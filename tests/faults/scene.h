@@ -8,11 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "devhost/calling/call_result.h"
-#include "devhost/calling/plugin.h"
-#include "devhost/runtime/arrays.h"
-#include "devhost/runtime/host.h"
-#include "devhost/runtime/objects.h"
+#include "devhost/entries/host.h"
 #include "support/scripted.h"
 
 namespace faults {

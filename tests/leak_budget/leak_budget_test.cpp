@@ -22,9 +22,7 @@
 #include <tuple>
 #include <vector>
 
-#include "devhost/calling/plugin.h"
-#include "devhost/runtime/host.h"
-#include "devhost/runtime/objects.h"
+#include "devhost/entries/host.h"
 #include "frameworks/CoreFoundation/uuids.h"
 #include "frameworks/Foundation/autorelease_pool.h"
 #include "leak_budget/allocations.h"
@@ -139,8 +137,8 @@ class LeakBudget : public testing::Test {
  protected:
   LeakBudget() : path(folder.write("profile.icc", profile())), session(desktop(path)), plugin(load()) {
     listener = host.makeObject("Listener");
-    listener->addMethod("DisplayProfileFound( name as String, path as String )",
-                        [](devhost::Object&, devhost::Values&) { return devhost::Value(); });
+    host.addMethod(*listener, "DisplayProfileFound( name as String, path as String )",
+                   [](devhost::Object&, devhost::Values&) { return devhost::Value(); });
     plugin.call("SetObject", {listener});
   }
 

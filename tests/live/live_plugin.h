@@ -5,8 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "devhost/calling/plugin.h"
-#include "devhost/runtime/host.h"
+#include "devhost/entries/host.h"
 #include "support/xorg_server.h"
 
 namespace live_plugin {

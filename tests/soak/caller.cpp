@@ -3,10 +3,6 @@
 #include <stdexcept>
 #include <thread>
 
-#include "devhost/calling/call_result.h"
-#include "devhost/runtime/arrays.h"
-#include "devhost/runtime/objects.h"
-
 namespace soak {
 namespace {
 
@@ -21,14 +17,6 @@ std::string joined(const std::vector<std::string>& texts) {
   return line;
 }
 
-std::vector<std::string> textsOf(const devhost::CallResult& result) {
-  std::vector<std::string> texts;
-  for (const devhost::Value& element : result.result.array()->elements()) {
-    texts.push_back(element.text());
-  }
-  return texts;
-}
-
 }  // namespace
 
 Caller::Caller(const Plan& plan)
@@ -39,12 +27,12 @@ Caller::Caller(const Plan& plan)
       plugin_(host_.load(OSTREVIN_LIBRARY)) {
   for (std::size_t i = 0; i < 2; ++i) {
     listeners_[i] = host_.makeObject("Listener");
-    listeners_[i]->addMethod("DisplayProfileFound( name as String, path as String )",
-                             [this, i](devhost::Object&, devhost::Values& arguments) -> devhost::Value {
-                               events_.push_back({arguments[0].text(), arguments[1].text()});
-                               heard_by_ = static_cast<double>(i);
-                               return {};
-                             });
+    host_.addMethod(*listeners_[i], "DisplayProfileFound( name as String, path as String )",
+                    [this, i](devhost::Object&, devhost::Values& arguments) -> devhost::Value {
+                      events_.push_back({arguments[0].text(), arguments[1].text()});
+                      heard_by_ = static_cast<double>(i);
+                      return {};
+                    });
   }
 }
 
@@ -267,7 +255,7 @@ void Caller::displayIDForWindow() {
 void Caller::getInstalledProfilePathsArray() {
   Call call{.method = Method::kGetInstalledProfilePathsArray};
   std::vector<Listed> list;
-  for (std::string& path : textsOf(timed(call, {}))) {
+  for (std::string& path : timed(call, {}).result.texts()) {
     list.push_back({{}, std::move(path)});
   }
   const ListDigest digest = profiles_.digestOf(list);
@@ -280,7 +268,7 @@ void Caller::getAssociatedProfilePathsArray() {
   Call call{.method = Method::kGetAssociatedProfilePathsArray};
   const std::uint32_t display = chooseDisplay();
   call.arguments[0] = display;
-  call.text = joined(textsOf(timed(call, {display})));
+  call.text = joined(timed(call, {display}).result.texts());
   write(lineOf(call));
 }
 

@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "devhost/runtime/host.h"
+#include "devhost/entries/host.h"
 #include "soak/plan.h"
 #include "soak/profiles.h"
 #include "soak/record.h"

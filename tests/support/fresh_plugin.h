@@ -8,8 +8,7 @@
 #include <string>
 #include <utility>
 
-#include "devhost/calling/plugin.h"
-#include "devhost/runtime/host.h"
+#include "devhost/entries/host.h"
 
 namespace support {
 

@@ -17,8 +17,8 @@ constexpr const char* kSetProfile = "SetProfile";
 
 /// A text bare, everything else as a Value is shown.
 std::string shown(const Value& value) {
-  if (std::holds_alternative<Ref<String>>(value.storage())) {
-    return value.isNil() ? "nil" : printable(value.text());
+  if (const auto* const text = std::get_if<std::string>(&value.storage())) {
+    return printable(*text);
   }
   std::ostringstream text;
   text << value;
@@ -26,13 +26,13 @@ std::string shown(const Value& value) {
 }
 
 void printLine(const std::string& name, const Value& value) {
-  const auto* const array = std::get_if<Ref<Array>>(&value.storage());
-  if (array == nullptr || !*array) {
+  const auto* const elements = std::get_if<Values>(&value.storage());
+  if (elements == nullptr) {
     std::cout << name << ": " << shown(value) << '\n';
     return;
   }
-  std::cout << name << ": " << (*array)->elements().size() << " elements\n";
-  for (const Value& element : (*array)->elements()) {
+  std::cout << name << ": " << elements->size() << " elements\n";
+  for (const Value& element : *elements) {
     std::cout << "  " << shown(element) << '\n';
   }
 }

@@ -5,8 +5,7 @@
 
 #include <algorithm>
 
-#include "devhost/runtime/autorelease.h"
-#include "devhost/runtime/host.h"
+#include "devhost/entries/host.h"
 #include "devhost/tool/displays.h"
 
 namespace devhost::tool {

@@ -34,7 +34,7 @@ std::vector<Profile> collect(Session& session, std::optional<std::uint32_t> disp
   std::vector<Profile> profiles;
   Progress progress("profiles");
   const Ref<Object> listener = session.host().makeObject("Listener");
-  listener->addMethod(kProfileFound, [&](Object&, Values& arguments) -> Value {
+  session.host().addMethod(*listener, kProfileFound, [&](Object&, Values& arguments) -> Value {
     profiles.push_back({arguments[0].text(), arguments[1].text()});
     progress.step();
     return {};

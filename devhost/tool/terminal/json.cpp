@@ -2,8 +2,7 @@
 
 #include <iostream>
 
-#include "devhost/runtime/arrays.h"
-#include "devhost/runtime/host.h"
+#include "devhost/entries/host.h"
 
 namespace devhost::tool {
 namespace {
@@ -14,13 +13,9 @@ struct Converter {
   Json operator()(std::uint64_t number) const { return number; }
   Json operator()(double number) const { return number; }  // written as null when it is no finite number
   Json operator()(const std::string& text) const { return text; }
-  Json operator()(const Ref<String>& text) const { return text ? Json(text->bytes()) : Json(nullptr); }
-  Json operator()(const Ref<Array>& array) const {
-    if (!array) {
-      return nullptr;
-    }
+  Json operator()(const Values& elements) const {
     Json list = Json::array();
-    for (const Value& element : array->elements()) {
+    for (const Value& element : elements) {
       list.push_back(jsonValue(element));
     }
     return list;

@@ -5,7 +5,7 @@
 #include <cstring>
 #include <string>
 
-#include "devhost/runtime/host.h"
+#include "devhost/entries/host.h"
 
 namespace devhost {
 namespace {
@@ -42,6 +42,13 @@ class EntriesTest : public ::testing::Test {
     ASSERT_NE(procedure, nullptr);
     reinterpret_cast<void (*)(void*, std::int64_t, void*)>(procedure)(array, index, string);
   }
+  std::vector<std::string> takeTexts(void* array) {
+    std::vector<std::string> texts;
+    for (const Ref<String>& element : host_.handles().take<Array>(array, "test")->elements()) {
+      texts.push_back(element->bytes());
+    }
+    return texts;
+  }
   void* loadGlobalMethod(const char* declaration) {
     return call<void*>("REALLoadGlobalMethod", static_cast<void*>(nullptr), declaration);
   }
@@ -53,9 +60,9 @@ TEST_F(EntriesTest, BuildStringCopiesBytesAndEncoding) {
   void* const string = build("a\0bc", 3, 0x0600U);
   EXPECT_EQ(host_.handles().find<String>(string, "test")->bytes(), std::string("a\0b", 3));
   EXPECT_EQ(host_.handles().find<String>(string, "test")->encoding(), 0x0600U);
-  EXPECT_EQ(host_.unreleasedStrings().size(), 1U);
+  EXPECT_EQ(host_.unreleased().size(), 1U);
   unlock(string);
-  EXPECT_THAT(host_.unreleasedStrings(), IsEmpty());
+  EXPECT_THAT(host_.unreleased(), IsEmpty());
   EXPECT_THAT(host_.faults(), IsEmpty());
 }
 
@@ -82,7 +89,7 @@ TEST_F(EntriesTest, LenBCountsBytes) {
 TEST_F(EntriesTest, LoadGlobalMethodRecordsModuleAndDeclaration) {
   loadGlobalMethod("Missing()");
   ASSERT_EQ(host_.globalMethods().lookups().size(), 1U);
-  EXPECT_EQ(host_.globalMethods().lookups()[0].module, nullptr);
+  EXPECT_EQ(host_.globalMethods().lookups()[0].owner, nullptr);
   EXPECT_EQ(host_.globalMethods().lookups()[0].declaration, "Missing()");
 }
 
@@ -93,7 +100,7 @@ TEST_F(EntriesTest, LoadGlobalMethodReturnsNullForRemovedMethod) {
 
 TEST_F(EntriesTest, LoadObjectMethodReturnsNullAndRecordsFaultForBrokenDeclaration) {
   const Ref<Object> object = host_.makeObject();
-  EXPECT_EQ(call<void*>("REALLoadObjectMethod", object.handle(), static_cast<const char*>("Broken(")), nullptr);
+  EXPECT_EQ(call<void*>("REALLoadObjectMethod", object->handle(), static_cast<const char*>("Broken(")), nullptr);
   EXPECT_THAT(host_.faults(), ElementsAre(HasSubstr("REALLoadObjectMethod: declaration \"Broken(\"")));
 }
 
@@ -102,15 +109,15 @@ TEST_F(EntriesTest, ArrayTakesOverInsertedStrings) {
   insert(array, 0, build("a"));
   insert(array, 0, build("b"));
   insert(array, 2, build("c"));
-  EXPECT_THAT(host_.unreleasedStrings(), IsEmpty());
-  EXPECT_THAT(host_.handles().take<Array>(array, "test")->texts(), ElementsAre("b", "a", "c"));
-  EXPECT_EQ(host_.handles().count(Counted::Kind::kString), 0U);
+  EXPECT_THAT(host_.unreleased(), IsEmpty());
+  EXPECT_THAT(takeTexts(array), ElementsAre("b", "a", "c"));
+  EXPECT_EQ(host_.handles().count(), 0U);
   EXPECT_THAT(host_.faults(), IsEmpty());
 }
 
 TEST_F(EntriesTest, CreateArrayMakesEmptyStringsUpToUpperBound) {
   void* const array = createArray(3, 1);
-  EXPECT_THAT(host_.handles().take<Array>(array, "test")->texts(), ElementsAre("", ""));
+  EXPECT_THAT(takeTexts(array), ElementsAre("", ""));
 }
 
 TEST_F(EntriesTest, InsertRecordsFaultForIndexOutside) {
@@ -119,8 +126,8 @@ TEST_F(EntriesTest, InsertRecordsFaultForIndexOutside) {
   insert(array, -1, build("b"));
   EXPECT_THAT(host_.faults(),
               ElementsAre(HasSubstr("inserting an element: index 1"), HasSubstr("inserting an element: index -1")));
-  EXPECT_THAT(host_.handles().take<Array>(array, "test")->texts(), IsEmpty());
-  EXPECT_EQ(host_.handles().count(Counted::Kind::kString), 0U);
+  EXPECT_THAT(takeTexts(array), IsEmpty());
+  EXPECT_EQ(host_.handles().count(), 0U);
 }
 
 TEST_F(EntriesTest, CreateArrayReturnsNullAndRecordsFaultForOtherTypesAndImpossibleBounds) {

@@ -1,7 +1,7 @@
 // The pools that a host keeps around calls.
 #include <gtest/gtest.h>
 
-#include "devhost/runtime/host.h"
+#include "devhost/entries/host.h"
 
 namespace devhost {
 namespace {

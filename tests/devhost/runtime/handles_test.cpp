@@ -1,10 +1,10 @@
-// Reference counts of host values, and what is noted when a plugin gets them wrong.
+// Reference counts of host objects, and what is recorded when a plugin gets them wrong.
 #include "devhost/runtime/handles.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "devhost/runtime/host.h"
+#include "devhost/runtime/runtime.h"
 
 namespace devhost {
 namespace {
@@ -15,118 +15,118 @@ using ::testing::IsEmpty;
 
 class HandlesTest : public ::testing::Test {
  protected:
-  void unlock(void* handle) { host_.handles().release(handle, Counted::Kind::kString, "test"); }
-  std::size_t strings() { return host_.handles().count(Counted::Kind::kString); }
+  void* give(const char* text) { return runtime_.handles().give(runtime_.makeString(text)); }
+  void release(void* handle) { runtime_.handles().release<String>(handle, "test"); }
 
-  Host host_;
+  Runtime runtime_;
 };
 
-TEST_F(HandlesTest, AStringLivesAsLongAsItsLastReference) {
-  Ref<String> first = host_.makeString("text");
+TEST_F(HandlesTest, StringLivesUntilItsLastHostReference) {
+  Ref<String> first = runtime_.makeString("text");
   Ref<String> second = first;
-  EXPECT_EQ(first->references(), 2U);
   first = nullptr;
-  EXPECT_EQ(second->references(), 1U);
-  EXPECT_EQ(strings(), 1U);
+  EXPECT_EQ(runtime_.handles().count(), 1U);
   second = nullptr;
-  EXPECT_EQ(strings(), 0U);
+  EXPECT_EQ(runtime_.handles().count(), 0U);
 }
 
-TEST_F(HandlesTest, AReferenceOfThePluginKeepsAStringAlive) {
-  Ref<String> string = host_.makeString("text");
-  string->addPluginReference();
-  void* const handle = string.handle();
-  string = nullptr;
-  EXPECT_EQ(strings(), 1U);
-  EXPECT_THAT(host_.unreleased(), ElementsAre("string \"text\" (4 bytes)"));
-  unlock(handle);
-  EXPECT_EQ(strings(), 0U);
-  EXPECT_THAT(host_.unreleased(), IsEmpty());
-  EXPECT_THAT(host_.faults(), IsEmpty());
+TEST_F(HandlesTest, PluginReferenceKeepsStringAliveUntilReleased) {
+  void* const handle = give("text");
+  EXPECT_EQ(runtime_.handles().count(), 1U);
+  EXPECT_THAT(runtime_.unreleased(), ElementsAre("string \"text\" (4 bytes)"));
+  release(handle);
+  EXPECT_EQ(runtime_.handles().count(), 0U);
+  EXPECT_THAT(runtime_.unreleased(), IsEmpty());
+  EXPECT_THAT(runtime_.faults(), IsEmpty());
 }
 
-TEST_F(HandlesTest, SeveralReferencesAreCountedInTheReport) {
-  const Ref<String> string = host_.makeString("a\nb");
-  string->addPluginReference();
-  string->addPluginReference();
-  EXPECT_THAT(host_.unreleased(), ElementsAre("string \"a\\nb\" (3 bytes), 2 references"));
+TEST_F(HandlesTest, UnreleasedCountsReferences) {
+  const Ref<String> string = runtime_.makeString("a\nb");
+  runtime_.handles().give(string);
+  runtime_.handles().give(string);
+  EXPECT_THAT(runtime_.unreleased(), ElementsAre("string \"a\\nb\" (3 bytes), 2 references"));
 }
 
-TEST_F(HandlesTest, OneReleaseTooManyIsNotedAndLeavesTheStringAlone) {
-  const Ref<String> string = host_.makeString("text");
-  unlock(string.handle());
+TEST_F(HandlesTest, UnreleasedDescribesEveryKind) {
+  runtime_.handles().give(runtime_.makeString("text"));
+  runtime_.handles().give(runtime_.makeObject("Window"));
+  runtime_.handles().give(runtime_.makeArray({runtime_.makeString("a")}));
+  EXPECT_THAT(runtime_.unreleased(),
+              ElementsAre("array of String (1 elements)", "object of class Window", "string \"text\" (4 bytes)"));
+}
+
+TEST_F(HandlesTest, ReleaseWithoutReferenceRecordsFaultAndLeavesStringAlone) {
+  const Ref<String> string = runtime_.makeString("text");
+  release(string->handle());
   EXPECT_EQ(string->bytes(), "text");
-  EXPECT_THAT(host_.faults(), ElementsAre(HasSubstr("releases a reference that it does not hold")));
+  EXPECT_THAT(runtime_.faults(), ElementsAre(HasSubstr("releases a reference that it does not hold")));
 }
 
-TEST_F(HandlesTest, AStaleHandleIsNotedAndNotFollowed) {
-  Ref<String> string = host_.makeString("text");
-  void* const handle = string.handle();
-  string = nullptr;
-  unlock(handle);
-  EXPECT_THAT(host_.faults(), ElementsAre(HasSubstr("is no living string")));
+TEST_F(HandlesTest, StaleHandleRecordsFault) {
+  void* const handle = give("text");
+  release(handle);
+  release(handle);
+  EXPECT_THAT(runtime_.faults(), ElementsAre(HasSubstr("is not a living string")));
 }
 
-TEST_F(HandlesTest, AHandleOfAnotherKindIsNoted) {
-  const Ref<Object> object = host_.makeObject();
-  unlock(object.handle());
-  EXPECT_THAT(host_.faults(), ElementsAre(HasSubstr("is no living string")));
+TEST_F(HandlesTest, HandleOfAnotherKindRecordsFault) {
+  const Ref<Object> object = runtime_.makeObject();
+  release(object->handle());
+  EXPECT_THAT(runtime_.faults(), ElementsAre(HasSubstr("is not a living string")));
 }
 
-TEST_F(HandlesTest, ANullHandleIsNoFault) {
-  unlock(nullptr);
-  EXPECT_EQ(host_.handles().find<String>(nullptr, "test"), nullptr);
-  EXPECT_FALSE(host_.handles().take<String>(nullptr, "test"));
-  EXPECT_THAT(host_.faults(), IsEmpty());
+TEST_F(HandlesTest, NullHandleIsNotAFault) {
+  release(nullptr);
+  EXPECT_EQ(runtime_.handles().find<String>(nullptr, "test"), nullptr);
+  EXPECT_EQ(runtime_.handles().take<String>(nullptr, "test"), nullptr);
+  EXPECT_THAT(runtime_.faults(), IsEmpty());
 }
 
-TEST_F(HandlesTest, WhatThePluginHandsOverBelongsToTheHost) {
-  Ref<String> string = host_.makeString("text");
-  string->addPluginReference();
-  const Ref<String> taken = host_.handles().take<String>(string.handle(), "test");
-  EXPECT_EQ(taken->references(), 2U);
-  EXPECT_EQ(taken->pluginReferences(), 0U);
-  EXPECT_THAT(host_.unreleased(), IsEmpty());
+TEST_F(HandlesTest, TakeMovesThePluginsReferenceToTheHost) {
+  const Ref<String> taken = runtime_.handles().take<String>(give("text"), "test");
+  EXPECT_EQ(taken->bytes(), "text");
+  EXPECT_THAT(runtime_.unreleased(), IsEmpty());
+  EXPECT_THAT(runtime_.faults(), IsEmpty());
 }
 
-TEST_F(HandlesTest, HandingOverWhatIsNotHeldIsNoted) {
-  const Ref<String> string = host_.makeString("text");
-  EXPECT_TRUE(host_.handles().take<String>(string.handle(), "test"));
-  EXPECT_THAT(host_.faults(), ElementsAre(HasSubstr("hands over a reference that it does not hold")));
+TEST_F(HandlesTest, TakeWithoutReferenceRecordsFaultAndReturnsString) {
+  const Ref<String> string = runtime_.makeString("text");
+  EXPECT_EQ(runtime_.handles().take<String>(string->handle(), "test"), string);
+  EXPECT_THAT(runtime_.faults(), ElementsAre(HasSubstr("hands over a reference that it does not hold")));
 }
 
-TEST_F(HandlesTest, AnArrayKeepsItsElements) {
-  Ref<Array> array = host_.makeArray(Type::kString, {"a", "b"});
-  EXPECT_EQ(strings(), 2U);
+TEST_F(HandlesTest, ArrayKeepsItsElementsAlive) {
+  Ref<Array> array = runtime_.makeArray({runtime_.makeString("a"), runtime_.makeString("b")});
+  EXPECT_EQ(runtime_.handles().count(), 3U);
   array = nullptr;
-  EXPECT_EQ(strings(), 0U);
+  EXPECT_EQ(runtime_.handles().count(), 0U);
 }
 
-TEST(Handles, ValuesMayOutliveTheirHost) {
+TEST(Runtime, ItsStringsMayOutliveIt) {
   Ref<String> string;
   {
-    Host host;
-    string = host.makeString("text");
+    Runtime runtime;
+    string = runtime.makeString("text");
   }
   EXPECT_EQ(string->bytes(), "text");
 }
 
-TEST(Handles, WhatAPluginStillHoldsGoesWithTheHost) {
-  auto host = std::make_unique<Host>();
-  Ref<String> string = host->makeString("text");
-  string->addPluginReference();
-  host.reset();
-  EXPECT_EQ(string->references(), 1U);
+TEST(Runtime, DropsPluginReferencesWhenItGoes) {
+  auto runtime = std::make_unique<Runtime>();
+  const Ref<String> string = runtime->makeString("text");
+  runtime->handles().give(string);
+  EXPECT_EQ(string.use_count(), 2);
+  runtime.reset();
+  EXPECT_EQ(string.use_count(), 1);
 }
 
-TEST(Handles, ReportsStringsApartFromOtherValues) {
-  Host host;
-  const Ref<String> string = host.makeString("text");
-  const Ref<Array> array = host.makeArray(Type::kString, {"a"});
-  string->addPluginReference();
-  array->addPluginReference();
-  EXPECT_THAT(host.unreleasedStrings(), ElementsAre("string \"text\" (4 bytes)"));
-  EXPECT_THAT(host.unreleased(), ElementsAre("array of String (1 elements)", "string \"text\" (4 bytes)"));
+TEST(Runtime, LastOneMadeIsCurrentUntilItGoes) {
+  Runtime first;
+  {
+    const Runtime second;
+    EXPECT_EQ(&Runtime::current(), &second);
+  }
+  EXPECT_EQ(&Runtime::current(), &first);
 }
 
 }  // namespace

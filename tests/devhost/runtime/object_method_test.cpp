@@ -4,7 +4,7 @@
 
 #include <stdexcept>
 
-#include "devhost/runtime/host.h"
+#include "devhost/entries/host.h"
 
 namespace devhost {
 namespace {
@@ -25,7 +25,7 @@ class ObjectMethodTest : public ::testing::Test {
 
 TEST_F(ObjectMethodTest, GetsTheArgumentsAndItsResultReachesThePlugin) {
   std::vector<std::string> heard;
-  listener_->addMethod(kHeard, [&](Object& self, Values& arguments) -> Value {
+  host_.addMethod(*listener_, kHeard, [&](Object& self, Values& arguments) -> Value {
     EXPECT_EQ(&self, listener_.get());
     heard.push_back(arguments[0].text() + std::to_string(arguments[1].integer()));
     return -2;
@@ -36,18 +36,19 @@ TEST_F(ObjectMethodTest, GetsTheArgumentsAndItsResultReachesThePlugin) {
 }
 
 TEST_F(ObjectMethodTest, TakesOverTheStringsThatItIsPassed) {
-  listener_->addMethod(kHeard, [](Object&, Values&) -> Value { return 0; });
+  host_.addMethod(*listener_, kHeard, [](Object&, Values&) -> Value { return 0; });
   plugin_.call("Listen", {listener_});
   plugin_.call("Tell", {5});
   EXPECT_THAT(host_.unreleased(), IsEmpty());
-  EXPECT_EQ(host_.handles().count(Counted::Kind::kString), 0U);
+  EXPECT_EQ(host_.handles().count(), 1U) << "the listener";
 }
 
 TEST_F(ObjectMethodTest, IsLoadedByTheTypesOfItsDeclaration) {
-  listener_->addMethod("Heard(text As String) As Integer", [](Object&, Values&) -> Value { return 1; });
+  host_.addMethod(*listener_, "Heard(text As String) As Integer", [](Object&, Values&) -> Value { return 1; });
   plugin_.call("Listen", {listener_});
   EXPECT_EQ(plugin_.call("Tell", {1}).result, 0);
-  listener_->addMethod("HEARD(a As String, b As Integer) As Integer", [](Object&, Values&) -> Value { return 1; });
+  host_.addMethod(*listener_, "HEARD(a As String, b As Integer) As Integer",
+                  [](Object&, Values&) -> Value { return 1; });
   EXPECT_EQ(plugin_.call("Tell", {1}).result, 1);
 }
 
@@ -55,12 +56,12 @@ TEST_F(ObjectMethodTest, OfNoObjectIsNotFound) {
   plugin_.call("Listen", {nullptr});
   EXPECT_EQ(plugin_.call("Tell", {1}).result, 0);
   ASSERT_EQ(host_.methodLookups().size(), 1U);
-  EXPECT_EQ(host_.methodLookups()[0].object, nullptr);
+  EXPECT_EQ(host_.methodLookups()[0].owner, nullptr);
   EXPECT_EQ(host_.methodLookups()[0].declaration, kHeard);
 }
 
 TEST_F(ObjectMethodTest, OfAnObjectThatIsGoneIsNotFound) {
-  listener_->addMethod(kHeard, [](Object&, Values&) -> Value { return 1; });
+  host_.addMethod(*listener_, kHeard, [](Object&, Values&) -> Value { return 1; });
   plugin_.call("Listen", {listener_});
   listener_ = nullptr;
   EXPECT_EQ(plugin_.call("Tell", {1}).result, 0);
@@ -68,7 +69,7 @@ TEST_F(ObjectMethodTest, OfAnObjectThatIsGoneIsNotFound) {
 }
 
 TEST_F(ObjectMethodTest, MayCallThePluginAgain) {
-  listener_->addMethod(kHeard, [&](Object&, Values& arguments) -> Value {
+  host_.addMethod(*listener_, kHeard, [&](Object&, Values& arguments) -> Value {
     return plugin_.call("Add", {arguments[1], 10}).result;
   });
   plugin_.call("Listen", {listener_});
@@ -76,7 +77,7 @@ TEST_F(ObjectMethodTest, MayCallThePluginAgain) {
 }
 
 TEST_F(ObjectMethodTest, WhatItThrowsReachesTheCallerOfThePlugin) {
-  listener_->addMethod(kHeard, [](Object&, Values&) -> Value { throw std::runtime_error("stop"); });
+  host_.addMethod(*listener_, kHeard, [](Object&, Values&) -> Value { throw std::runtime_error("stop"); });
   plugin_.call("Listen", {listener_});
   EXPECT_THROW(plugin_.call("Tell", {2}), std::runtime_error);
   EXPECT_THAT(host_.unreleased(), IsEmpty());
@@ -84,27 +85,27 @@ TEST_F(ObjectMethodTest, WhatItThrowsReachesTheCallerOfThePlugin) {
 }
 
 TEST_F(ObjectMethodTest, AResultOfTheWrongTypeReachesTheCallerAsAnError) {
-  listener_->addMethod(kHeard, [](Object&, Values&) -> Value { return "no number"; });
+  host_.addMethod(*listener_, kHeard, [](Object&, Values&) -> Value { return "no number"; });
   plugin_.call("Listen", {listener_});
   EXPECT_THROW(plugin_.call("Tell", {1}), ValueError);
 }
 
 TEST_F(ObjectMethodTest, StoresThroughParametersByReferenceLikeAPlugin) {
-  listener_->addMethod("Swap(byref text As String, byref number As Integer)", [](Object&, Values& arguments) -> Value {
-    arguments[0] = "new";
-    arguments[1] = arguments[1].integer() + 1;
-    return {};
-  });
+  host_.addMethod(*listener_, "Swap(byref text As String, byref number As Integer)",
+                  [](Object&, Values& arguments) -> Value {
+                    arguments[0] = "new";
+                    arguments[1] = arguments[1].integer() + 1;
+                    return {};
+                  });
   auto* const swap = reinterpret_cast<void (*)(void*, void**, std::int32_t*)>(
-      listener_->methodAddress(parseDeclaration("Swap(byref text As String, byref number As Integer)")));
+      listener_->method(parseDeclaration("Swap(byref text As String, byref number As Integer)").signature()));
   const Ref<String> old = host_.makeString("old");
-  old->addPluginReference();
-  void* slot = old.handle();
+  void* slot = host_.handles().give(old);
   std::int32_t numbers[2] = {41, -1};
-  swap(listener_.handle(), &slot, numbers);
+  swap(listener_->handle(), &slot, numbers);
   EXPECT_EQ(numbers[0], 42);
   EXPECT_EQ(numbers[1], -1);
-  EXPECT_EQ(old->references(), 1U);
+  EXPECT_EQ(old.use_count(), 1);
   EXPECT_EQ(host_.handles().take<String>(slot, "test")->bytes(), "new");
 }
 

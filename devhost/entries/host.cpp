@@ -1,9 +1,6 @@
-#include "devhost/entries/entries.h"
+#include "devhost/entries/host.h"
 
-#include <exception>
-
-#include "devhost/entries/entry_table.h"
-#include "devhost/runtime/host.h"
+#include "devhost/language/declaration.h"
 
 namespace devhost {
 namespace {
@@ -13,64 +10,66 @@ constexpr std::uint32_t kStringElements = 3;
 /// A larger upper bound is a mistake of the plugin.
 constexpr std::int64_t kMaxNewElements = 100'000'000;
 
-/// Gives the plugin a reference, and the handle; null for nil.
-template <typename T>
-void* give(const Ref<T>& counted) {
-  if (!counted) {
-    return nullptr;
-  }
-  counted->addPluginReference();
-  return counted.handle();
+struct Entry {
+  const char* name;
+  void* function;
+};
+
+template <typename Result, typename... Arguments>
+Entry entry(const char* name, Result (*function)(Arguments...)) {
+  return {name, reinterpret_cast<void*>(function)};
 }
+
+// Entries act for the current runtime and never throw: a plugin's mistake is recorded as a fault.
 
 // --- Registration
 
-void registerPluginVersion(int version) { Host::current().registration().announced_versions.push_back(version); }
+void registerPluginVersion(int version) { Runtime::current().registration().announced_versions.push_back(version); }
 
-void registerModule(const void* record) { Host::current().registration().module_records.push_back(record); }
+void registerModule(const void* record) { Runtime::current().registration().module_records.push_back(record); }
 
 // --- Strings
 
 void* buildString(const char* bytes, int length, std::uint32_t encoding) {
   if (length < 0 || (bytes == nullptr && length > 0)) {
-    Host::current().handles().addFault("building a string: " + std::to_string(length) + " bytes at " +
-                                       (bytes == nullptr ? "null" : "an address"));
+    Runtime::current().handles().addFault("building a string: " + std::to_string(length) + " bytes at " +
+                                          (bytes == nullptr ? "null" : "an address"));
     return nullptr;
   }
   std::string copy = length == 0 ? std::string() : std::string(bytes, static_cast<std::size_t>(length));
-  return give(Host::current().makeString(std::move(copy), encoding));
+  Runtime& runtime = Runtime::current();
+  return runtime.handles().give(runtime.makeString(std::move(copy), encoding));
 }
 
-void unlockString(void* string) {
-  Host::current().handles().release(string, Counted::Kind::kString, "REALUnlockString");
-}
+void unlockString(void* string) { Runtime::current().handles().release<String>(string, "REALUnlockString"); }
 
 const char* cString(void* string) {
-  const String* const found = Host::current().handles().find<String>(string, "StringGetCString");
+  const Ref<String> found = Runtime::current().handles().find<String>(string, "StringGetCString");
   return found == nullptr ? nullptr : found->bytes().c_str();
 }
 
 std::int64_t lenB(void* string) {
-  const String* const found = Host::current().handles().find<String>(string, "LenB");
+  const Ref<String> found = Runtime::current().handles().find<String>(string, "LenB");
   return found == nullptr ? 0 : static_cast<std::int64_t>(found->bytes().size());
 }
 
 // --- Arrays
 
 void* createArray(std::uint32_t element_type, std::int64_t upper_bound) {
-  Host& host = Host::current();
+  Runtime& runtime = Runtime::current();
   if (element_type != kStringElements || upper_bound < -1 || upper_bound >= kMaxNewElements) {
-    host.handles().addFault("creating an array: element type " + std::to_string(element_type) + ", upper bound " +
-                            std::to_string(upper_bound));
+    runtime.handles().addFault("creating an array: element type " + std::to_string(element_type) + ", upper bound " +
+                               std::to_string(upper_bound));
     return nullptr;
   }
-  return give(host.makeArray(Type::kString, Values(static_cast<std::size_t>(upper_bound + 1), host.makeString(""))));
+  std::vector<Ref<String>> elements(static_cast<std::size_t>(upper_bound + 1), runtime.makeString(""));
+  return runtime.handles().give(runtime.makeArray(std::move(elements)));
 }
 
 /// The array takes over the plugin's reference to the string.
 void insertString(void* array, std::int64_t index, void* string) {
-  Handles& handles = Host::current().handles();
-  auto* const found = handles.find<Array>(array, "inserting an element");
+  Handles& handles = Runtime::current().handles();
+  const Ref<Array> found = handles.find<Array>(array, "inserting an element");
   const Ref<String> element = handles.take<String>(string, "inserting an element");
   if (found != nullptr && !found->insert(index, element)) {
     handles.addFault("inserting an element: index " + std::to_string(index) + " is outside the " + found->describe());
@@ -78,7 +77,7 @@ void insertString(void* array, std::int64_t index, void* string) {
 }
 
 void* stringInsertion(void* array) {
-  const Array* const found = Host::current().handles().find<Array>(array, "PluginStringArrayInsertProc");
+  const Ref<Array> found = Runtime::current().handles().find<Array>(array, "PluginStringArrayInsertProc");
   return found == nullptr ? nullptr : reinterpret_cast<void*>(&insertString);
 }
 
@@ -86,19 +85,20 @@ void* stringInsertion(void* array) {
 
 /// Null for no object, for an object without such a method, and for a declaration that cannot be parsed.
 void* loadObjectMethod(void* object, const char* declaration) {
-  Host& host = Host::current();
-  host.addMethodLookup(object, declaration);
-  auto* const found = host.handles().find<Object>(object, "REALLoadObjectMethod");
+  Runtime& runtime = Runtime::current();
+  runtime.addMethodLookup(object, declaration);
+  const Ref<Object> found = runtime.handles().find<Object>(object, "REALLoadObjectMethod");
   try {
-    return found == nullptr || declaration == nullptr ? nullptr : found->methodAddress(parseDeclaration(declaration));
+    return found == nullptr || declaration == nullptr ? nullptr
+                                                      : found->method(parseDeclaration(declaration).signature());
   } catch (const DeclarationError& error) {
-    host.handles().addFault(std::string("REALLoadObjectMethod: ") + error.what());
+    runtime.handles().addFault(std::string("REALLoadObjectMethod: ") + error.what());
     return nullptr;
   }
 }
 
 void* loadGlobalMethod(const void* module, const char* declaration) {
-  return Host::current().globalMethods().load(module, declaration);
+  return Runtime::current().globalMethods().load(module, declaration);
 }
 
 const Entry kEntries[] = {
@@ -115,11 +115,11 @@ const Entry kEntries[] = {
 
 }  // namespace
 
-void addEntries(Host& host) {
+Host::Host() {
   for (const Entry& entry : kEntries) {
-    host.entries().set(entry.name, entry.function);
+    entries().set(entry.name, entry.function);
   }
-  host.globalMethods().set("LenB( s as string ) as integer", lenB);
+  globalMethods().set("LenB( s as string ) as integer", lenB);
 }
 
 }  // namespace devhost
