@@ -43,8 +43,9 @@ class EntriesTest : public ::testing::Test {
     reinterpret_cast<void (*)(void*, std::int64_t, void*)>(procedure)(array, index, string);
   }
   std::vector<std::string> takeTexts(void* array) {
+    const Ref<Array> taken = host_.handles().take<Array>(array, "test");
     std::vector<std::string> texts;
-    for (const Ref<String>& element : host_.handles().take<Array>(array, "test")->elements()) {
+    for (const Ref<String>& element : taken->elements()) {
       texts.push_back(element->bytes());
     }
     return texts;
@@ -109,7 +110,7 @@ TEST_F(EntriesTest, ArrayTakesOverInsertedStrings) {
   insert(array, 0, build("a"));
   insert(array, 0, build("b"));
   insert(array, 2, build("c"));
-  EXPECT_THAT(host_.unreleased(), IsEmpty());
+  EXPECT_THAT(host_.unreleased(), ElementsAre("array of String (3 elements)"));
   EXPECT_THAT(takeTexts(array), ElementsAre("b", "a", "c"));
   EXPECT_EQ(host_.handles().count(), 0U);
   EXPECT_THAT(host_.faults(), IsEmpty());
