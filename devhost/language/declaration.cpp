@@ -79,7 +79,7 @@ class Parser {
     return true;
   }
 
-  /// A keyword is no name, except where `allow_passing` lets "ByRef" and "ByVal" through.
+  /// A keyword is not a name, except where `allow_passing` lets "ByRef" and "ByVal" through.
   std::string name(const char* expected, bool allow_passing = false) {
     skipBlanks();
     const std::size_t start = at_;

@@ -5,7 +5,7 @@
 //   type        = name { "." name } [ "(" ")" ]
 //
 // Keywords and type names may be written in any case, and blanks (spaces, tabs, line ends) may stand between any two
-// words or signs. A type name that is not built in is a class name, so its values are objects. Any thread may parse.
+// words or signs. A type name that is not built in is a class name, its values are objects. Any thread may parse.
 #pragma once
 
 #include <optional>
@@ -34,19 +34,19 @@ struct Parameter {
 };
 
 struct Declaration {
-  std::string text;  ///< what was parsed, byte for byte
+  std::string text;  ///< as passed to parseDeclaration, byte for byte
   std::string name;
   std::vector<Parameter> parameters;
   std::optional<DeclaredType> result;
 
   /// How many parameters are not by reference.
   std::size_t valueParameterCount() const;
-  /// Equal for declarations that a caller could not tell apart: names and types in lower case, without parameter names.
+  /// Equal for declarations of the same method: names and types in lower case, without parameter names.
   std::string signature() const;
 };
 
-/// What() is one line that quotes the declaration, as printable() shows it, and says what was expected at which column:
-/// before which byte of the declaration as it was (the first is 1).
+/// What() is one line, passed through printable(), that quotes the declaration and states what was expected at which
+/// column: before which byte of the unescaped declaration (the first is 1).
 class DeclarationError : public std::runtime_error {
  public:
   using std::runtime_error::runtime_error;

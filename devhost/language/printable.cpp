@@ -4,45 +4,61 @@
 #include <cstdint>
 #include <cstdio>
 #include <iterator>
+#include <optional>
 
 namespace devhost {
 namespace {
 
-/// Length of the well-formed UTF-8 sequence at the front of `bytes`, and its code point; 0 when there is none.
-std::size_t decode(std::string_view bytes, std::uint32_t& code_point) {
-  const auto lead = static_cast<unsigned char>(bytes.front());
-  if (lead < 0x80) {
-    code_point = lead;
-    return 1;
+/// The code point of a well-formed UTF-8 sequence of `bytes`, which has the length that its first byte asks for.
+std::optional<std::uint32_t> decoded(std::string_view bytes) {
+  const std::size_t length = bytes.size();
+  if (length == 1) {
+    const auto byte = static_cast<unsigned char>(bytes.front());
+    return byte < 0x80 ? std::optional<std::uint32_t>(byte) : std::nullopt;
   }
-  const std::size_t length = lead >= 0xF0 && lead <= 0xF4  ? 4
-                             : lead >= 0xE0 && lead < 0xF0 ? 3
-                             : lead >= 0xC2 && lead < 0xE0 ? 2
-                                                           : 0;
-  if (length == 0 || bytes.size() < length) {
-    return 0;
-  }
-  code_point = lead & (0xFFU >> (length + 1));
-  for (std::size_t i = 1; i < length; ++i) {
-    const auto next = static_cast<unsigned char>(bytes[i]);
+  std::uint32_t code_point = static_cast<unsigned char>(bytes.front()) & (0xFFU >> (length + 1));
+  for (const char byte : bytes.substr(1)) {
+    const auto next = static_cast<unsigned char>(byte);
     if ((next & 0xC0U) != 0x80) {
-      return 0;
+      return std::nullopt;
     }
     code_point = code_point << 6U | (next & 0x3FU);
   }
-  const bool too_long = (length == 3 && code_point < 0x800) || (length == 4 && code_point < 0x10000);
+  const bool overlong = (length == 3 && code_point < 0x800) || (length == 4 && code_point < 0x10000);
   const bool surrogate = code_point >= 0xD800 && code_point <= 0xDFFF;
-  return too_long || surrogate || code_point > 0x10FFFF ? 0 : length;
+  return overlong || surrogate || code_point > 0x10FFFF ? std::nullopt : std::optional<std::uint32_t>(code_point);
 }
 
-/// Characters that would move the cursor, end the line or turn the direction of writing; and what is no character.
+struct Character {
+  std::string_view bytes;
+  std::optional<std::uint32_t> code_point;  ///< nothing for a byte of invalid UTF-8
+};
+
+/// Removes the first character of `text`, which is not empty.
+Character takeCharacter(std::string_view& text) {
+  const auto lead = static_cast<unsigned char>(text.front());
+  const std::size_t length = lead >= 0xF0 && lead <= 0xF4  ? 4
+                             : lead >= 0xE0 && lead < 0xF0 ? 3
+                             : lead >= 0xC2 && lead < 0xE0 ? 2
+                                                           : 1;
+  Character character{text.substr(0, length), std::nullopt};
+  character.code_point = character.bytes.size() == length ? decoded(character.bytes) : std::nullopt;
+  if (!character.code_point) {
+    character.bytes = text.substr(0, 1);
+  }
+  text.remove_prefix(character.bytes.size());
+  return character;
+}
+
+/// Control characters, characters that turn the direction of writing, and code points that are not characters.
 bool isUnsafe(std::uint32_t c) {
   return c < 0x20 || (c >= 0x7F && c <= 0x9F) || c == 0x061C || (c >= 0x200E && c <= 0x200F) ||
          (c >= 0x2028 && c <= 0x202E) || (c >= 0x2066 && c <= 0x2069) || c == 0xFEFF || (c & 0xFFFEU) == 0xFFFE;
 }
 
-std::string escaped(std::uint32_t c) {
-  switch (c) {
+std::string escaped(const Character& character) {
+  const std::uint32_t code = character.code_point.value_or(static_cast<unsigned char>(character.bytes.front()));
+  switch (code) {
     case '\n':
       return "\\n";
     case '\r':
@@ -53,7 +69,7 @@ std::string escaped(std::uint32_t c) {
       break;
   }
   char text[16];
-  std::snprintf(text, sizeof text, c < 0x80 ? "\\x%02x" : "\\u%04x", c);
+  std::snprintf(text, sizeof text, character.bytes.size() == 1 ? "\\x%02x" : "\\u%04x", code);
   return text;
 }
 
@@ -76,52 +92,33 @@ bool isIn(const Range (&ranges)[kCount], std::uint32_t c) {
   return std::any_of(std::begin(ranges), std::end(ranges), [c](Range r) { return c >= r.first && c <= r.last; });
 }
 
-struct Character {
-  std::string_view bytes;
-  std::size_t columns;
-};
-
-/// Removes the first character of `text`, which is not empty.
-Character takeCharacter(std::string_view& text) {
-  std::uint32_t code_point = 0;
-  const std::size_t length = std::max<std::size_t>(decode(text, code_point), 1);
-  const Character character{text.substr(0, length), isIn(kCombining, code_point) ? 0U
-                                                    : isIn(kWide, code_point)    ? 2U
-                                                                                 : 1U};
-  text.remove_prefix(length);
-  return character;
+std::size_t columnsOf(const Character& character) {
+  const std::uint32_t code = character.code_point.value_or(0);
+  return isIn(kCombining, code) ? 0U : isIn(kWide, code) ? 2U : 1U;
 }
 
-std::string made(std::string_view bytes, bool keep_lines) {
+std::string escape(std::string_view bytes, bool keep_lines) {
   std::string result;
   result.reserve(bytes.size());
   while (!bytes.empty()) {
-    std::uint32_t code_point = 0;
-    const std::size_t length = decode(bytes, code_point);
-    if (length == 0) {
-      char text[8];
-      std::snprintf(text, sizeof text, "\\x%02x", static_cast<unsigned char>(bytes.front()));
-      result += text;
-      bytes.remove_prefix(1);
-      continue;
-    }
-    const bool keep = !isUnsafe(code_point) || (keep_lines && (code_point == '\n' || code_point == '\t'));
-    result += keep ? std::string(bytes.substr(0, length)) : escaped(code_point);
-    bytes.remove_prefix(length);
+    const Character character = takeCharacter(bytes);
+    const std::optional<std::uint32_t> code = character.code_point;
+    const bool keep = code && (!isUnsafe(*code) || (keep_lines && (*code == '\n' || *code == '\t')));
+    result += keep ? std::string(character.bytes) : escaped(character);
   }
   return result;
 }
 
 }  // namespace
 
-std::string printable(std::string_view bytes) { return made(bytes, false); }
+std::string printable(std::string_view bytes) { return escape(bytes, false); }
 
-std::string printableLines(std::string_view bytes) { return made(bytes, true); }
+std::string printableLines(std::string_view bytes) { return escape(bytes, true); }
 
 std::size_t columnsOf(std::string_view text) {
   std::size_t columns = 0;
   while (!text.empty()) {
-    columns += takeCharacter(text).columns;
+    columns += columnsOf(takeCharacter(text));
   }
   return columns;
 }
@@ -137,10 +134,10 @@ std::string shortened(std::string_view text, std::size_t columns, std::string_vi
   std::string result;
   while (!text.empty()) {
     const Character character = takeCharacter(text);
-    if (character.columns > left) {
+    if (columnsOf(character) > left) {
       break;
     }
-    left -= character.columns;
+    left -= columnsOf(character);
     result += character.bytes;
   }
   return result += mark;
@@ -150,8 +147,8 @@ std::string asciiOnly(std::string_view text) {
   std::string result;
   while (!text.empty()) {
     const Character character = takeCharacter(text);
-    const bool is_ascii = character.bytes.size() == 1 && static_cast<unsigned char>(character.bytes.front()) < 0x80;
-    result += is_ascii ? std::string(character.bytes) : std::string(character.columns, '?');
+    result += character.code_point && *character.code_point < 0x80 ? std::string(character.bytes)
+                                                                   : std::string(columnsOf(character), '?');
   }
   return result;
 }

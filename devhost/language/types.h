@@ -41,7 +41,7 @@ enum class Type {
 /// In which form a value of a type is kept and passed.
 enum class Form { kBoolean, kSigned, kUnsigned, kReal, kString, kObject, kPointer };
 
-/// What is known of a type.
+/// A type's properties.
 struct TypeFacts {
   Type type;
   Form form;
@@ -53,10 +53,10 @@ struct TypeFacts {
 /// Facts of `type`; always present.
 const TypeFacts& factsOf(Type type);
 
-/// The type of that name, letters' case aside; nothing when it is no built-in type, which makes it a class name.
+/// The built-in type of that name, case-insensitive; nothing for the name of a class.
 std::optional<Type> findType(std::string_view name);
 
-/// Letters' case aside, as the host's language compares names. ASCII only.
+/// Case-insensitive in ASCII, as the host's language compares names.
 bool sameName(std::string_view a, std::string_view b);
 std::string lowerCase(std::string_view name);
 

@@ -12,10 +12,10 @@ namespace {
 using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 
-/// A record of two rows, to be spoilt.
-class ModuleRecordTest : public ::testing::Test {
+/// A record of two rows, which tests damage.
+class ReadModule : public ::testing::Test {
  protected:
-  ModuleRecordTest() {
+  ReadModule() {
     put(record_, 0, 13);
     put(record_, 8, address("Sample"));
     put(record_, 16, address(rows_));
@@ -46,7 +46,7 @@ class ModuleRecordTest : public ::testing::Test {
   unsigned char rows_[2 * kMethodRowSize] = {};
 };
 
-TEST_F(ModuleRecordTest, IsReadInPlace) {
+TEST_F(ReadModule, ReadsRecordAndRows) {
   put(record_, 32, 7);
   put(record_, 184, 8);
   put(rows_, 8, address(&rows_));
@@ -65,47 +65,47 @@ TEST_F(ModuleRecordTest, IsReadInPlace) {
   EXPECT_EQ(module.methods[1].declaration.name, "Second");
 }
 
-TEST_F(ModuleRecordTest, ThatIsNullIsRefused) { EXPECT_THROW(readModule(nullptr), PluginError); }
+TEST_F(ReadModule, RefusesNull) { EXPECT_THROW(readModule(nullptr), PluginError); }
 
-TEST_F(ModuleRecordTest, WithANullNameIsRefused) {
+TEST_F(ReadModule, RefusesNullName) {
   put(record_, 8, 0);
   EXPECT_EQ(error(), "module record: the name is null");
 }
 
-TEST_F(ModuleRecordTest, WithANameWithoutAnEndIsRefused) {
+TEST_F(ReadModule, RefusesNameWithoutEnd) {
   const std::string endless(5000, 'n');
   put(record_, 8, address(endless.data()));
   EXPECT_EQ(error(), "module record: the name has no end within 4096 bytes");
 }
 
-TEST_F(ModuleRecordTest, WithoutRowsIsRefused) {
+TEST_F(ReadModule, RefusesModuleWithoutRows) {
   put(record_, 24, 0);
   EXPECT_EQ(error(), "module Sample: 0 method rows, expected 1 to 4096");
 }
 
-TEST_F(ModuleRecordTest, WithAnAbsurdNumberOfRowsIsRefused) {
+TEST_F(ReadModule, RefusesAbsurdNumberOfRows) {
   put(record_, 24, ~0ULL);
   EXPECT_THAT(error(), HasSubstr("-1 method rows"));
   put(record_, 24, 1ULL << 40);
   EXPECT_THAT(error(), HasSubstr("1099511627776 method rows"));
 }
 
-TEST_F(ModuleRecordTest, WithANullTableIsRefused) {
+TEST_F(ReadModule, RefusesNullTable) {
   put(record_, 16, 0);
   EXPECT_EQ(error(), "module Sample: the method table is null");
 }
 
-TEST_F(ModuleRecordTest, WithANullFunctionIsRefused) {
+TEST_F(ReadModule, RefusesNullFunction) {
   put(rows_, 48, 0);
   EXPECT_EQ(error(), "module Sample, method row 2: the function is null");
 }
 
-TEST_F(ModuleRecordTest, WithANullDeclarationIsRefused) {
+TEST_F(ReadModule, RefusesNullDeclaration) {
   put(rows_, 16, 0);
   EXPECT_EQ(error(), "module Sample, method row 1: the declaration is null");
 }
 
-TEST_F(ModuleRecordTest, WithADeclarationThatCannotBeParsedIsRefused) {
+TEST_F(ReadModule, RefusesBrokenDeclaration) {
   put(rows_, 16, address("First("));
   EXPECT_THAT(error(), HasSubstr("module Sample, method row 1: declaration \"First(\": expected"));
 }

@@ -1,5 +1,5 @@
-/* A plugin with autorelease pools of its own, which write down what happens: "(" for a pool that begins, ")" for one
- * that ends, and a letter for a call of the plugin between them. */
+/* A plugin with autorelease pools of its own, which record events: "(" where a pool begins, ")" where one ends, and a
+ * letter for a call of the plugin between them. */
 #include <stdint.h>
 #include <string.h>
 

@@ -1,4 +1,4 @@
-/* A small plugin in plain C. Its methods show what arrives at them, and do right and wrong things with handles. */
+/* A small plugin in plain C. Its methods return their arguments, and use handles rightly and wrongly. */
 #include <stdint.h>
 #include <stdio.h>
 #include <string.h>

@@ -1,4 +1,4 @@
-/* A plugin that announces its version and registers nothing. */
+/* A plugin that announces its version and registers nothing; also built without its entry function. */
 typedef void* (*Resolver)(const char*);
 __attribute__((visibility("default"))) void REALPluginMain(Resolver resolve);
 

@@ -14,7 +14,7 @@ using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 using ::testing::IsEmpty;
 
-class EntriesTest : public ::testing::Test {
+class Entries : public ::testing::Test {
  protected:
   /// Calls an entry with the types that a plugin uses, which may be spelled differently from the entry's own.
   template <typename Result, typename... Arguments>
@@ -57,7 +57,7 @@ class EntriesTest : public ::testing::Test {
   Host host_;
 };
 
-TEST_F(EntriesTest, BuildStringCopiesBytesAndEncoding) {
+TEST_F(Entries, BuildStringCopiesBytesAndEncoding) {
   void* const string = build("a\0bc", 3, 0x0600U);
   EXPECT_EQ(host_.handles().find<String>(string, "test")->bytes(), std::string("a\0b", 3));
   EXPECT_EQ(host_.handles().find<String>(string, "test")->encoding(), 0x0600U);
@@ -67,19 +67,19 @@ TEST_F(EntriesTest, BuildStringCopiesBytesAndEncoding) {
   EXPECT_THAT(host_.faults(), IsEmpty());
 }
 
-TEST_F(EntriesTest, BuildStringReturnsEmptyStringForNullAndLength0) {
+TEST_F(Entries, BuildStringReturnsEmptyStringForNullAndLength0) {
   void* const string = build(nullptr, 0);
   EXPECT_EQ(contents(string), "");
   unlock(string);
 }
 
-TEST_F(EntriesTest, BuildStringReturnsNullAndRecordsFaultForImpossibleBytes) {
+TEST_F(Entries, BuildStringReturnsNullAndRecordsFaultForImpossibleBytes) {
   EXPECT_EQ(build(nullptr, 1), nullptr);
   EXPECT_EQ(build("a", -1), nullptr);
   EXPECT_EQ(host_.faults().size(), 2U);
 }
 
-TEST_F(EntriesTest, LenBCountsBytes) {
+TEST_F(Entries, LenBCountsBytes) {
   void* const length = loadGlobalMethod("LenB( s as string ) as integer");
   ASSERT_NE(length, nullptr);
   void* const string = build("Grün");
@@ -87,25 +87,25 @@ TEST_F(EntriesTest, LenBCountsBytes) {
   unlock(string);
 }
 
-TEST_F(EntriesTest, LoadGlobalMethodRecordsModuleAndDeclaration) {
+TEST_F(Entries, LoadGlobalMethodRecordsModuleAndDeclaration) {
   loadGlobalMethod("Missing()");
   ASSERT_EQ(host_.globalMethods().lookups().size(), 1U);
   EXPECT_EQ(host_.globalMethods().lookups()[0].owner, nullptr);
   EXPECT_EQ(host_.globalMethods().lookups()[0].declaration, "Missing()");
 }
 
-TEST_F(EntriesTest, LoadGlobalMethodReturnsNullForRemovedMethod) {
+TEST_F(Entries, LoadGlobalMethodReturnsNullForRemovedMethod) {
   host_.globalMethods().remove("LenB( s as string ) as integer");
   EXPECT_EQ(loadGlobalMethod("LenB( s as string ) as integer"), nullptr);
 }
 
-TEST_F(EntriesTest, LoadObjectMethodReturnsNullAndRecordsFaultForBrokenDeclaration) {
+TEST_F(Entries, LoadObjectMethodReturnsNullAndRecordsFaultForBrokenDeclaration) {
   const Ref<Object> object = host_.makeObject();
   EXPECT_EQ(call<void*>("REALLoadObjectMethod", object->handle(), static_cast<const char*>("Broken(")), nullptr);
   EXPECT_THAT(host_.faults(), ElementsAre(HasSubstr("REALLoadObjectMethod: declaration \"Broken(\"")));
 }
 
-TEST_F(EntriesTest, ArrayTakesOverInsertedStrings) {
+TEST_F(Entries, ArrayTakesOverInsertedStrings) {
   void* const array = createArray(3, -1);
   insert(array, 0, build("a"));
   insert(array, 0, build("b"));
@@ -116,12 +116,12 @@ TEST_F(EntriesTest, ArrayTakesOverInsertedStrings) {
   EXPECT_THAT(host_.faults(), IsEmpty());
 }
 
-TEST_F(EntriesTest, CreateArrayMakesEmptyStringsUpToUpperBound) {
+TEST_F(Entries, CreateArrayMakesEmptyStringsUpToUpperBound) {
   void* const array = createArray(3, 1);
   EXPECT_THAT(takeTexts(array), ElementsAre("", ""));
 }
 
-TEST_F(EntriesTest, InsertRecordsFaultForIndexOutside) {
+TEST_F(Entries, InsertRecordsFaultForIndexOutside) {
   void* const array = createArray(3, -1);
   insert(array, 1, build("a"));
   insert(array, -1, build("b"));
@@ -131,14 +131,14 @@ TEST_F(EntriesTest, InsertRecordsFaultForIndexOutside) {
   EXPECT_EQ(host_.handles().count(), 0U);
 }
 
-TEST_F(EntriesTest, CreateArrayReturnsNullAndRecordsFaultForOtherTypesAndImpossibleBounds) {
+TEST_F(Entries, CreateArrayReturnsNullAndRecordsFaultForOtherTypesAndImpossibleBounds) {
   EXPECT_EQ(createArray(1, -1), nullptr);
   EXPECT_EQ(createArray(3, -2), nullptr);
   EXPECT_EQ(createArray(3, INT64_MAX), nullptr);
   EXPECT_EQ(host_.faults().size(), 3U);
 }
 
-TEST_F(EntriesTest, StringArrayInsertProcReturnsNullForStaleHandle) {
+TEST_F(Entries, StringArrayInsertProcReturnsNullForStaleHandle) {
   void* const array = createArray(3, -1);
   host_.handles().take<Array>(array, "test");
   EXPECT_EQ(call<void*>("PluginStringArrayInsertProc", array), nullptr);

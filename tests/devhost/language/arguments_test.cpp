@@ -25,7 +25,7 @@ bool isRefused(const std::string& type, const std::string& text) {
   return errorOf("f(a As " + type + ")", {text}) != "no error";
 }
 
-TEST(Arguments, WholeNumbersInDecimalAndHexadecimal) {
+TEST(ParseArguments, ReadsDecimalAndHexadecimalNumbers) {
   EXPECT_EQ(parsed("UInt32", "4294967295"), 4294967295U);
   EXPECT_EQ(parsed("UInt32", "0xF4520FF3"), 0xF4520FF3U);
   EXPECT_EQ(parsed("Integer", "-2147483648"), INT32_MIN);
@@ -37,7 +37,7 @@ TEST(Arguments, WholeNumbersInDecimalAndHexadecimal) {
   EXPECT_EQ(parsed("UInt8", "-0"), 0);
 }
 
-TEST(Arguments, WholeNumbersThatAreNone) {
+TEST(ParseArguments, RefusesMalformedAndOutOfRangeNumbers) {
   for (const char* text : {"", "-", "+", "x", "1.5", "1 ", " 1", "1x", "0x", "0xg", "--1", "99999999999999999999999"}) {
     EXPECT_TRUE(isRefused("Int64", text)) << text;
     EXPECT_TRUE(isRefused("UInt64", text)) << text;
@@ -50,7 +50,7 @@ TEST(Arguments, WholeNumbersThatAreNone) {
   EXPECT_TRUE(isRefused("Int64", "-9223372036854775809"));
 }
 
-TEST(Arguments, NumbersAsInC) {
+TEST(ParseArguments, ReadsRealNumbersAsInC) {
   EXPECT_EQ(parsed("Double", "-1440.5"), -1440.5);
   EXPECT_EQ(parsed("Double", "1e3"), 1000.0);
   EXPECT_EQ(parsed("Single", "0x1p-1"), 0.5);
@@ -62,36 +62,36 @@ TEST(Arguments, NumbersAsInC) {
   }
 }
 
-TEST(Arguments, TruthValuesInAnyCase) {
+TEST(ParseArguments, ReadsTruthValuesInAnyCase) {
   EXPECT_EQ(parsed("Boolean", "TRUE"), true);
   EXPECT_EQ(parsed("Boolean", "false"), false);
   EXPECT_TRUE(isRefused("Boolean", "1"));
   EXPECT_TRUE(isRefused("Boolean", ""));
 }
 
-TEST(Arguments, TextsAsTheyAre) {
+TEST(ParseArguments, CopiesTexts) {
   EXPECT_EQ(parsed("String", ""), "");
   EXPECT_EQ(parsed("String", " nil\n"), " nil\n");
 }
 
-TEST(Arguments, NoObjectButNil) {
+TEST(ParseArguments, ReadsOnlyNilForObjects) {
   EXPECT_TRUE(parsed("Object", "Nil").isNil());
   EXPECT_EQ(errorOf("f(a As Object)", {"x"}),
             "f, argument a: expected nil (no other object can be written as a text), got \"x\": f(a As Object)");
 }
 
-TEST(Arguments, NoArraysAndPointers) {
+TEST(ParseArguments, RefusesArraysAndPointers) {
   EXPECT_TRUE(isRefused("String()", "a"));
   EXPECT_TRUE(isRefused("Ptr", "0"));
 }
 
-TEST(Arguments, ByReferenceOnesMayBeLeftOut) {
+TEST(ParseArguments, AcceptsMissingByReferenceArguments) {
   const Declaration declaration = parseDeclaration("f(byref a As Integer, b As String, byref c As String)");
   EXPECT_EQ(parseArguments(declaration, {"text"}), Values{"text"});
   EXPECT_EQ(parseArguments(declaration, {"1", "text", "before"}), (Values{1, "text", "before"}));
 }
 
-TEST(Arguments, AnErrorIsOneLineThatSaysWhatWasExpected) {
+TEST(ParseArguments, StatesWhatItExpectedInOneLine) {
   EXPECT_EQ(errorOf("f(a As UInt32, byref b As String)", {}),
             "f: expected 1 argument (2 with those by reference), got 0: f(a As UInt32, byref b As String)");
   EXPECT_EQ(errorOf("f()", {"1"}), "f: expected 0 arguments, got 1: f()");

@@ -18,7 +18,7 @@ std::string errorOf(std::string_view text) {
   return "no error";
 }
 
-TEST(Declaration, WithoutParametersAndResult) {
+TEST(ParseDeclaration, ReadsMethodWithoutParametersAndResult) {
   const Declaration declaration = parseDeclaration("Refresh()");
   EXPECT_EQ(declaration.text, "Refresh()");
   EXPECT_EQ(declaration.name, "Refresh");
@@ -26,7 +26,7 @@ TEST(Declaration, WithoutParametersAndResult) {
   EXPECT_FALSE(declaration.result.has_value());
 }
 
-TEST(Declaration, WithParametersByReferenceAndResult) {
+TEST(ParseDeclaration, ReadsByReferenceParametersAndResult) {
   const Declaration declaration = parseDeclaration("Name(displayID As UInt32, byref name As String) As Boolean");
   ASSERT_EQ(declaration.parameters.size(), 2U);
   EXPECT_EQ(declaration.parameters[0].name, "displayID");
@@ -39,20 +39,20 @@ TEST(Declaration, WithParametersByReferenceAndResult) {
   EXPECT_EQ(declaration.valueParameterCount(), 1U);
 }
 
-TEST(Declaration, OfAnArrayResult) {
+TEST(ParseDeclaration, ReadsArrayResult) {
   const Declaration declaration = parseDeclaration("Paths() As String()");
   EXPECT_TRUE(declaration.result->is_array);
   EXPECT_EQ(declaration.result->type, Type::kString);
   EXPECT_EQ(declaration.result->text(), "String()");
 }
 
-TEST(Declaration, OfAnArrayParameterMarkedAtTheNameOrAtTheType) {
+TEST(ParseDeclaration, ReadsArrayMarkAfterNameOrType) {
   EXPECT_TRUE(parseDeclaration("Sum(numbers() As Integer)").parameters[0].type.is_array);
   EXPECT_TRUE(parseDeclaration("Sum(numbers As Integer())").parameters[0].type.is_array);
   EXPECT_TRUE(parseDeclaration("Sum(numbers ( ) As Integer)").parameters[0].type.is_array);
 }
 
-TEST(Declaration, KeywordsAndTypesInAnyCase) {
+TEST(ParseDeclaration, ReadsKeywordsAndTypesInAnyCase) {
   const Declaration declaration = parseDeclaration("f(BYREF a aS uint32, ByVal b AS STRING) as INTEGER");
   EXPECT_TRUE(declaration.parameters[0].by_reference);
   EXPECT_EQ(declaration.parameters[0].type.type, Type::kUInt32);
@@ -61,7 +61,7 @@ TEST(Declaration, KeywordsAndTypesInAnyCase) {
   EXPECT_EQ(declaration.result->type, Type::kInteger);
 }
 
-TEST(Declaration, IrregularBlanks) {
+TEST(ParseDeclaration, SkipsIrregularBlanks) {
   const Declaration declaration = parseDeclaration("  f (\tobj   As\r\nObject ,b As Double )\tAs  String ( ) ");
   EXPECT_EQ(declaration.parameters.size(), 2U);
   EXPECT_EQ(declaration.parameters[0].type.type, Type::kObject);
@@ -69,7 +69,7 @@ TEST(Declaration, IrregularBlanks) {
   EXPECT_EQ(parseDeclaration("f( )").parameters.size(), 0U);
 }
 
-TEST(Declaration, EveryBuiltInTypeByItsName) {
+TEST(ParseDeclaration, ReadsEveryBuiltInType) {
   for (const char* name :
        {"Boolean", "Integer", "UInteger", "Int8",    "Int16",   "Int32",    "Int64",       "UInt8",
         "UInt16",  "UInt32",  "UInt64",   "Single",  "Double",  "Currency", "Color",       "String",
@@ -79,26 +79,26 @@ TEST(Declaration, EveryBuiltInTypeByItsName) {
   }
 }
 
-TEST(Declaration, OtherTypesAreClasses) {
+TEST(ParseDeclaration, ReadsOtherTypesAsClasses) {
   const Declaration declaration = parseDeclaration("f(w As Xml.Node)");
   EXPECT_EQ(declaration.parameters[0].type.type, Type::kObject);
   EXPECT_EQ(declaration.parameters[0].type.name, "Xml.Node");
 }
 
-TEST(Declaration, NamesMayHoldDigitsUnderscoresAndLettersBeyondAscii) {
+TEST(ParseDeclaration, ReadsNamesWithDigitsUnderscoresAndLettersBeyondAscii) {
   const Declaration declaration = parseDeclaration("größe_2(äöü1 As Integer)");
   EXPECT_EQ(declaration.name, "größe_2");
   EXPECT_EQ(declaration.parameters[0].name, "äöü1");
 }
 
-TEST(Declaration, ParametersNamedLikeTypesOrResultKeywordsWithinWords) {
+TEST(ParseDeclaration, ReadsParametersNamedLikeTypesOrWithKeywordsInside) {
   const Declaration declaration = parseDeclaration("f(string As Integer, assign As Integer, byrefs As Integer)");
   EXPECT_EQ(declaration.parameters[0].name, "string");
   EXPECT_EQ(declaration.parameters[1].name, "assign");
   EXPECT_EQ(declaration.parameters[2].name, "byrefs");
 }
 
-TEST(Declaration, SignaturesLeaveOutParameterNamesAndCase) {
+TEST(Signature, IgnoresParameterNamesAndCase) {
   EXPECT_EQ(parseDeclaration("Found( name as String, path as String )").signature(),
             parseDeclaration("FOUND(a As STRING,b As string)").signature());
   EXPECT_NE(parseDeclaration("f(a As String)").signature(), parseDeclaration("f(byref a As String)").signature());
@@ -107,7 +107,7 @@ TEST(Declaration, SignaturesLeaveOutParameterNamesAndCase) {
   EXPECT_NE(parseDeclaration("f(a As Single)").signature(), parseDeclaration("f(a As Double)").signature());
 }
 
-TEST(DeclarationError, SaysWhatWasExpectedAndWhere) {
+TEST(ParseDeclaration, StatesWhatItExpectedAndWhere) {
   EXPECT_EQ(errorOf(""), "declaration \"\": expected the method's name at column 1, where it ends");
   EXPECT_EQ(errorOf("f"), "declaration \"f\": expected \"(\" after the method's name at column 2, where it ends");
   EXPECT_EQ(errorOf("f(a Integer)"),
@@ -125,7 +125,7 @@ TEST(DeclarationError, SaysWhatWasExpectedAndWhere) {
   EXPECT_THAT(errorOf("As()"), HasSubstr("expected the method's name at column 1"));
 }
 
-TEST(DeclarationError, IsOneLineWhateverTheDeclarationHolds) {
+TEST(ParseDeclaration, EscapesTheDeclarationInErrors) {
   EXPECT_EQ(errorOf("f(\r\n"), "declaration \"f(\\r\\n\": expected a parameter's name at column 5, where it ends");
   EXPECT_EQ(errorOf("f()\x1B"),
             "declaration \"f()\\x1b\": expected \"As\" and the result's type, or the end at column 4, where \"\\x1b\" "

@@ -1,4 +1,4 @@
-// Bytes from elsewhere, made safe for a terminal.
+// Untrusted bytes, made safe for a terminal.
 #include "devhost/language/printable.h"
 
 #include <gtest/gtest.h>
@@ -8,7 +8,7 @@ namespace {
 
 using namespace std::string_view_literals;
 
-TEST(Printable, LeavesTextAsItIs) {
+TEST(Printable, CopiesPlainText) {
   EXPECT_EQ(printable("plain, Ünïcödé, 日本, \\n"), "plain, Ünïcödé, 日本, \\n");
   EXPECT_EQ(printable(""), "");
 }
@@ -19,11 +19,11 @@ TEST(Printable, EscapesControlCharacters) {
   EXPECT_EQ(printable("\xc2\x85"), "\\u0085");
 }
 
-TEST(Printable, EscapesWhatTurnsTheDirectionOfWriting) {
+TEST(Printable, EscapesCharactersThatTurnTheDirectionOfWriting) {
   EXPECT_EQ(printable("a\u202Eb\u2066c\u2028"), "a\\u202eb\\u2066c\\u2028");
 }
 
-TEST(Printable, EscapesBytesThatAreNoUtf8) {
+TEST(Printable, EscapesInvalidUtf8) {
   EXPECT_EQ(printable("\xff"), "\\xff");
   EXPECT_EQ(printable("\xc3"), "\\xc3");
   EXPECT_EQ(printable("\xc0\x80"), "\\xc0\\x80");
@@ -43,18 +43,17 @@ TEST(ColumnsOf, CountsWideAndCombiningCharacters) {
   EXPECT_EQ(columnsOf("日本"), 4U);
 }
 
-}  // namespace
-TEST(Printable, WhatIsNoCharacterComesOutAsAnEscape) {
+TEST(Printable, EscapesCodePointsThatAreNotCharacters) {
   EXPECT_EQ(printable("\uFFFE\uFFFF\uFFFD"), "\\ufffe\\uffff\uFFFD");
   EXPECT_EQ(printable("\U0001FFFE\U0010FFFF"), "\\u1fffe\\u10ffff");
 }
 
-TEST(Shortened, TextThatFitsStaysAsItIs) {
+TEST(Shortened, CopiesTextThatFits) {
   EXPECT_EQ(shortened("abc", 3, "…"), "abc");
   EXPECT_EQ(shortened("", 0, "…"), "");
 }
 
-TEST(Shortened, TextThatDoesNotFitEndsInTheMark) {
+TEST(Shortened, EndsLongTextInTheMark) {
   EXPECT_EQ(shortened("abcd", 3, "…"), "ab…");
   EXPECT_EQ(shortened("abcd", 3, "..."), "...");
   EXPECT_EQ(shortened("abcd", 2, "..."), "..");
@@ -67,9 +66,10 @@ TEST(Shortened, CutsBetweenCharactersOnly) {
   EXPECT_EQ(shortened("e\u0301e\u0301e\u0301", 2, "…"), "e\u0301…");
 }
 
-TEST(AsciiOnly, ReplacesEveryColumnOfWhatIsNotAscii) {
+TEST(AsciiOnly, ReplacesEachColumnThatIsNotAscii) {
   EXPECT_EQ(asciiOnly("a é 日\u0301 b"), "a ? ?? b");
   EXPECT_EQ(asciiOnly("\xff"), "?");
 }
 
+}  // namespace
 }  // namespace devhost

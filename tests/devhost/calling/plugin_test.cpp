@@ -1,4 +1,4 @@
-// Loading: the handshake, the resolver's record, and plugins that are none.
+// Loading a plugin: the handshake, the recorded look-ups, and libraries that are not plugins.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -22,7 +22,7 @@ std::string loadError(const std::string& path) {
   return "no error";
 }
 
-TEST(Loading, ReadsAnyModuleOfTheSameBinaryInterface) {
+TEST(LoadPlugin, ReadsItsModules) {
   Host host;
   const Plugin plugin = host.load(SAMPLE_PLUGIN);
   EXPECT_EQ(plugin.announcedVersion(), 13);
@@ -33,13 +33,13 @@ TEST(Loading, ReadsAnyModuleOfTheSameBinaryInterface) {
   EXPECT_EQ(plugin.call("Add", {2, 3}).result, 5);
 }
 
-TEST(Loading, RecordsTheResolversLookupsInOrder) {
+TEST(LoadPlugin, RecordsLookupsInOrder) {
   Host host;
   host.load(SAMPLE_PLUGIN);
   EXPECT_THAT(host.entries().lookups(), ElementsAre("RegisterPluginVersion", "PluginRegisterModule"));
 }
 
-TEST(Loading, LookupsAreRecordedWhetherFoundOrNot) {
+TEST(LoadPlugin, RecordsLookupsOfMissingEntries) {
   Host host;
   const Plugin plugin = host.load(SAMPLE_PLUGIN);
   plugin.call("Listen", {host.makeObject()});
@@ -53,34 +53,34 @@ TEST(Loading, LookupsAreRecordedWhetherFoundOrNot) {
   EXPECT_THAT(host.entries().lookups(), ElementsAre("REALLoadObjectMethod", "NoSuchEntry"));
 }
 
-TEST(Loading, OfAMissingFileSaysWhich) {
+TEST(LoadPlugin, ThrowsForMissingFile) {
   EXPECT_THAT(loadError("/nowhere/libNothing.so"),
               AllOf(HasSubstr("cannot load the plugin: "), HasSubstr("/nowhere/libNothing.so")));
 }
 
-TEST(Loading, OfALibraryWithoutTheEntrySaysSo) {
+TEST(LoadPlugin, ThrowsForLibraryWithoutEntry) {
   EXPECT_THAT(loadError(NO_PLUGIN), HasSubstr("is not a plugin: it does not export REALPluginMain"));
 }
 
-TEST(Loading, OfAPluginThatRegistersNothingSaysSo) {
+TEST(LoadPlugin, ThrowsForPluginWithoutModule) {
   EXPECT_THAT(loadError(SILENT_PLUGIN), HasSubstr("registers no module"));
 }
 
-TEST(Loading, FindsMethodsByNameWithoutCase) {
+TEST(FindMethod, IgnoresCase) {
   Host host;
   const Plugin plugin = host.load(SAMPLE_PLUGIN);
   EXPECT_EQ(plugin.findMethod("aDD"), plugin.findMethod("Add"));
   EXPECT_EQ(plugin.findMethod("Subtract"), nullptr);
 }
 
-TEST(Loading, FindsExportedSymbols) {
+TEST(Symbol, ReturnsNullForMissingSymbol) {
   Host host;
   const Plugin plugin = host.load(SAMPLE_PLUGIN);
   EXPECT_NE(plugin.symbol("REALPluginMain"), nullptr);
   EXPECT_EQ(plugin.symbol("noSuchSymbol"), nullptr);
 }
 
-TEST(Host, ACallIsServedByTheHostThatLoadedThePlugin) {
+TEST(Call, IsServedByTheHostThatLoadedThePlugin) {
   Host first;
   const Plugin plugin = first.load(SAMPLE_PLUGIN);
   Host second;
@@ -89,7 +89,7 @@ TEST(Host, ACallIsServedByTheHostThatLoadedThePlugin) {
   EXPECT_THAT(second.unreleased(), IsEmpty());
 }
 
-TEST(Host, OffersTheEntriesThatEveryPluginNeeds) {
+TEST(Host, HasTheEntriesThatPluginsNeed) {
   Host host;
   for (const char* name : {"RegisterPluginVersion", "PluginRegisterModule", "REALBuildStringWithEncoding",
                            "StringGetCString", "REALLoadGlobalMethod", "REALUnlockString", "REALLoadObjectMethod",

@@ -14,16 +14,16 @@ using ::testing::IsEmpty;
 
 constexpr const char* kHeard = "Heard( text as String, number as Integer ) as Integer";
 
-class ObjectMethodTest : public ::testing::Test {
+class ObjectMethod : public ::testing::Test {
  protected:
-  ~ObjectMethodTest() override { plugin_.call("Listen", {nullptr}); }
+  ~ObjectMethod() override { plugin_.call("Listen", {nullptr}); }
 
   Host host_;
   Plugin plugin_ = host_.load(SAMPLE_PLUGIN);
   Ref<Object> listener_ = host_.makeObject("Listener");
 };
 
-TEST_F(ObjectMethodTest, GetsTheArgumentsAndItsResultReachesThePlugin) {
+TEST_F(ObjectMethod, GetsArgumentsAndReturnsResult) {
   std::vector<std::string> heard;
   host_.addMethod(*listener_, kHeard, [&](Object& self, Values& arguments) -> Value {
     EXPECT_EQ(&self, listener_.get());
@@ -35,7 +35,7 @@ TEST_F(ObjectMethodTest, GetsTheArgumentsAndItsResultReachesThePlugin) {
   EXPECT_THAT(heard, ElementsAre("tick0", "tick1", "tick2"));
 }
 
-TEST_F(ObjectMethodTest, TakesOverTheStringsThatItIsPassed) {
+TEST_F(ObjectMethod, TakesOverPassedStrings) {
   host_.addMethod(*listener_, kHeard, [](Object&, Values&) -> Value { return 0; });
   plugin_.call("Listen", {listener_});
   plugin_.call("Tell", {5});
@@ -43,7 +43,7 @@ TEST_F(ObjectMethodTest, TakesOverTheStringsThatItIsPassed) {
   EXPECT_EQ(host_.handles().count(), 1U) << "the listener";
 }
 
-TEST_F(ObjectMethodTest, IsLoadedByTheTypesOfItsDeclaration) {
+TEST_F(ObjectMethod, IsFoundByItsTypes) {
   host_.addMethod(*listener_, "Heard(text As String) As Integer", [](Object&, Values&) -> Value { return 1; });
   plugin_.call("Listen", {listener_});
   EXPECT_EQ(plugin_.call("Tell", {1}).result, 0);
@@ -52,7 +52,7 @@ TEST_F(ObjectMethodTest, IsLoadedByTheTypesOfItsDeclaration) {
   EXPECT_EQ(plugin_.call("Tell", {1}).result, 1);
 }
 
-TEST_F(ObjectMethodTest, OfNoObjectIsNotFound) {
+TEST_F(ObjectMethod, IsNotFoundForNil) {
   plugin_.call("Listen", {nullptr});
   EXPECT_EQ(plugin_.call("Tell", {1}).result, 0);
   ASSERT_EQ(host_.methodLookups().size(), 1U);
@@ -60,7 +60,7 @@ TEST_F(ObjectMethodTest, OfNoObjectIsNotFound) {
   EXPECT_EQ(host_.methodLookups()[0].declaration, kHeard);
 }
 
-TEST_F(ObjectMethodTest, OfAnObjectThatIsGoneIsNotFound) {
+TEST_F(ObjectMethod, IsNotFoundForStaleHandle) {
   host_.addMethod(*listener_, kHeard, [](Object&, Values&) -> Value { return 1; });
   plugin_.call("Listen", {listener_});
   listener_ = nullptr;
@@ -68,7 +68,7 @@ TEST_F(ObjectMethodTest, OfAnObjectThatIsGoneIsNotFound) {
   EXPECT_EQ(host_.faults().size(), 1U);
 }
 
-TEST_F(ObjectMethodTest, MayCallThePluginAgain) {
+TEST_F(ObjectMethod, MayCallThePlugin) {
   host_.addMethod(*listener_, kHeard, [&](Object&, Values& arguments) -> Value {
     return plugin_.call("Add", {arguments[1], 10}).result;
   });
@@ -76,7 +76,7 @@ TEST_F(ObjectMethodTest, MayCallThePluginAgain) {
   EXPECT_EQ(plugin_.call("Tell", {2}).result, 21);
 }
 
-TEST_F(ObjectMethodTest, WhatItThrowsReachesTheCallerOfThePlugin) {
+TEST_F(ObjectMethod, PassesItsExceptionToTheCallerOfThePlugin) {
   host_.addMethod(*listener_, kHeard, [](Object&, Values&) -> Value { throw std::runtime_error("stop"); });
   plugin_.call("Listen", {listener_});
   EXPECT_THROW(plugin_.call("Tell", {2}), std::runtime_error);
@@ -84,13 +84,13 @@ TEST_F(ObjectMethodTest, WhatItThrowsReachesTheCallerOfThePlugin) {
   EXPECT_EQ(plugin_.call("Add", {1, 1}).result, 2);
 }
 
-TEST_F(ObjectMethodTest, AResultOfTheWrongTypeReachesTheCallerAsAnError) {
+TEST_F(ObjectMethod, ThrowsForResultOfWrongType) {
   host_.addMethod(*listener_, kHeard, [](Object&, Values&) -> Value { return "no number"; });
   plugin_.call("Listen", {listener_});
   EXPECT_THROW(plugin_.call("Tell", {1}), ValueError);
 }
 
-TEST_F(ObjectMethodTest, StoresThroughParametersByReferenceLikeAPlugin) {
+TEST_F(ObjectMethod, StoresThroughByReferenceParameters) {
   host_.addMethod(*listener_, "Swap(byref text As String, byref number As Integer)",
                   [](Object&, Values& arguments) -> Value {
                     arguments[0] = "new";
