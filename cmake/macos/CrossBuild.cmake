@@ -173,18 +173,7 @@ add_custom_target(universal ALL DEPENDS ${CMAKE_BINARY_DIR}/lib/Ostrevin.dylib $
 # --- the check
 
 add_subdirectory(${CMAKE_SOURCE_DIR}/tools/macho tools)
-add_custom_target(check-macho
-  COMMAND ${CMAKE_COMMAND}
-    -DLIBRARY=${CMAKE_BINARY_DIR}/lib/Ostrevin.dylib
-    -DPROGRAM=${CMAKE_BINARY_DIR}/bin/ostrevin-host
-    -DEXPORTS=${CMAKE_SOURCE_DIR}/plugin/exports.txt
-    -DCHECK_MODULE=$<TARGET_FILE:check-module>
-    -DLIPO=${OSTREVIN_LLVM_LIPO}
-    -DNM=${OSTREVIN_LLVM_NM}
-    -DOBJDUMP=${OSTREVIN_LLVM_OBJDUMP}
-    -P ${CMAKE_CURRENT_LIST_DIR}/CheckMacho.cmake
-  DEPENDS universal check-module
-  VERBATIM)
+ostrevin_add_macho_check(${CMAKE_BINARY_DIR}/lib/Ostrevin.dylib ${CMAKE_BINARY_DIR}/bin/ostrevin-host universal)
 
 # --- what is installed, and packaged
 

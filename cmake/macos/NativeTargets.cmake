@@ -27,16 +27,7 @@ endmacro()
 
 # ostrevin_add_macos_targets(): check-macho, sign, notarize. docs/macos.md tells how to use them.
 function(ostrevin_add_macos_targets)
-  add_custom_target(check-macho
-    COMMAND ${CMAKE_COMMAND}
-      -DLIBRARY=$<TARGET_FILE:Ostrevin>
-      -DPROGRAM=$<TARGET_FILE:ostrevin-host>
-      -DEXPORTS=${CMAKE_SOURCE_DIR}/plugin/exports.txt
-      -DCHECK_MODULE=$<TARGET_FILE:check-module>
-      -DLIPO=lipo -DNM=nm -DOBJDUMP=objdump
-      -P ${CMAKE_SOURCE_DIR}/cmake/macos/CheckMacho.cmake
-    DEPENDS Ostrevin ostrevin-host check-module
-    VERBATIM)
+  ostrevin_add_macho_check($<TARGET_FILE:Ostrevin> $<TARGET_FILE:ostrevin-host> Ostrevin ostrevin-host)
 
   set(OSTREVIN_SIGN_IDENTITY "-" CACHE STRING "Identity to sign with; - signs for this computer only")
   set(options --options runtime --timestamp)

@@ -1,12 +1,23 @@
-// Bounds-checked reading of numbers out of untrusted bytes.
+// Bounds-checked reading of numbers and texts out of untrusted bytes. Texts borrow the bytes.
 #pragma once
 
+#include <algorithm>
 #include <bit>
+#include <cstdint>
 #include <cstring>
-
-#include "tools/macho/image.h"
+#include <span>
+#include <stdexcept>
+#include <string>
+#include <string_view>
 
 namespace macho {
+
+class MachoError : public std::runtime_error {
+ public:
+  using std::runtime_error::runtime_error;
+};
+
+using Bytes = std::span<const std::uint8_t>;
 
 static_assert(std::endian::native == std::endian::little, "numbers are read as they lie in memory");
 
@@ -18,6 +29,11 @@ inline Bytes slice(Bytes bytes, std::uint64_t offset, std::uint64_t size, const 
   return bytes.subspan(offset, size);
 }
 
+/// All bytes from `offset` on.
+inline Bytes from(Bytes bytes, std::uint64_t offset, const char* what) {
+  return slice(bytes, offset, bytes.size() - std::min<std::uint64_t>(offset, bytes.size()), what);
+}
+
 /// The little-endian number at `offset`.
 template <typename Number>
 Number number(Bytes bytes, std::uint64_t offset, const char* what) {
@@ -27,14 +43,13 @@ Number number(Bytes bytes, std::uint64_t offset, const char* what) {
 }
 
 /// The NUL-terminated text at `offset`.
-inline std::string text(Bytes bytes, std::uint64_t offset, const char* what) {
-  const Bytes rest = slice(bytes, offset, bytes.size() - std::min<std::uint64_t>(offset, bytes.size()), what);
-  const void* end = std::memchr(rest.data(), 0, rest.size());
-  if (end == nullptr) {
+inline std::string_view text(Bytes bytes, std::uint64_t offset, const char* what) {
+  const Bytes rest = from(bytes, offset, what);
+  const auto end = std::find(rest.begin(), rest.end(), std::uint8_t{0});
+  if (end == rest.end()) {
     throw MachoError(std::string(what) + " does not end");
   }
-  const char* begin = reinterpret_cast<const char*>(rest.data());
-  return {begin, static_cast<const char*>(end)};
+  return {reinterpret_cast<const char*>(rest.data()), static_cast<std::size_t>(end - rest.begin())};
 }
 
 /// Reads the operands of a loader's opcodes, one after the other.
@@ -42,8 +57,12 @@ class OpcodeReader {
  public:
   explicit OpcodeReader(Bytes bytes) : bytes_(bytes) {}
 
-  bool atEnd() const { return position_ >= bytes_.size(); }
-  std::uint8_t byte() { return number<std::uint8_t>(bytes_, position_++, "an opcode"); }
+  bool atEnd() const { return bytes_.empty(); }
+  std::uint8_t byte() {
+    const auto result = number<std::uint8_t>(bytes_, 0, kWhat);
+    skip(1);
+    return result;
+  }
   /// A number in groups of seven bits, the lowest first (ULEB128, or SLEB128 without its sign).
   std::uint64_t leb128() {
     std::uint64_t result = 0;
@@ -58,14 +77,16 @@ class OpcodeReader {
       }
     }
   }
-  void skipText() {
-    while (byte() != 0) {
-    }
+  std::string_view text() {
+    const std::string_view result = macho::text(bytes_, 0, kWhat);
+    skip(result.size() + 1);
+    return result;
   }
+  void skip(std::uint64_t count) { bytes_ = from(bytes_, count, kWhat); }
 
  private:
+  static constexpr const char* kWhat = "an opcode";
   Bytes bytes_;
-  std::uint64_t position_ = 0;
 };
 
 }  // namespace macho

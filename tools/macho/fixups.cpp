@@ -1,6 +1,5 @@
 // The two ways in which a file tells the loader which of its pointers to change: opcodes (LC_DYLD_INFO) and chains
 // (LC_DYLD_CHAINED_FIXUPS). Layouts are those of Apple's <mach-o/loader.h> and <mach-o/fixup-chains.h>.
-#include "tools/macho/bytes.h"
 #include "tools/macho/image.h"
 
 namespace macho {
@@ -52,7 +51,7 @@ constexpr std::uint64_t bits(std::uint64_t value, unsigned first, unsigned count
 
 std::uint64_t segmentAddress(const Image& image, std::uint64_t index) {
   if (index >= image.segments().size()) {
-    throw MachoError("a fixup names a segment that is not there");
+    throw MachoError("a fixup names a missing segment");
   }
   return image.segments()[index].address;
 }
@@ -110,7 +109,7 @@ void Image::readBindOpcodes(Bytes opcodes) {
   std::uint64_t address = 0;
   const auto bind = [&](std::uint64_t times, std::uint64_t skip) {
     for (std::uint64_t index = 0; index < times; ++index) {
-      segmentAt(address);
+      numberAt(address);
       addFixup(address, {Pointer::Kind::import, 0});
       address += kPointerSize + skip;
     }
@@ -130,7 +129,7 @@ void Image::readBindOpcodes(Bytes opcodes) {
         reader.leb128();
         break;
       case kBindSetSymbol:
-        reader.skipText();
+        reader.text();
         break;
       case kBindSetSegmentAndOffset:
         address = segmentAddress(*this, immediate) + reader.leb128();
@@ -160,22 +159,21 @@ void Image::readBindOpcodes(Bytes opcodes) {
 
 void Image::readChainedFixups(Bytes fixups) {
   const char* what = "the chained fixups";
-  const auto startsOffset = number<std::uint32_t>(fixups, 4, what);
-  const Bytes starts =
-      slice(fixups, startsOffset, fixups.size() - std::min<std::size_t>(startsOffset, fixups.size()), what);
-  const auto segmentCount = number<std::uint32_t>(starts, 0, what);
-  for (std::uint32_t index = 0; index < segmentCount; ++index) {
+  const auto starts_offset = number<std::uint32_t>(fixups, 4, what);
+  const Bytes starts = from(fixups, starts_offset, what);
+  const auto segment_count = number<std::uint32_t>(starts, 0, what);
+  for (std::uint32_t index = 0; index < segment_count; ++index) {
     const auto offset = number<std::uint32_t>(starts, 4 + index * std::uint64_t{4}, what);
     if (offset == 0) {
       continue;
     }
-    const auto pageSize = number<std::uint16_t>(starts, offset + std::uint64_t{4}, what);
+    const auto page_size = number<std::uint16_t>(starts, offset + std::uint64_t{4}, what);
     const auto format = number<std::uint16_t>(starts, offset + std::uint64_t{6}, what);
-    const auto pageCount = number<std::uint16_t>(starts, offset + std::uint64_t{20}, what);
-    for (std::uint16_t page = 0; page < pageCount; ++page) {
+    const auto page_count = number<std::uint16_t>(starts, offset + std::uint64_t{20}, what);
+    for (std::uint16_t page = 0; page < page_count; ++page) {
       const auto first = number<std::uint16_t>(starts, offset + std::uint64_t{22} + page * std::uint64_t{2}, what);
       if (first != kPageHasNoChain) {
-        readChain(segmentAddress(*this, index) + page * std::uint64_t{pageSize} + first, format);
+        readChain(segmentAddress(*this, index) + page * std::uint64_t{page_size} + first, format);
       }
     }
   }
@@ -190,9 +188,9 @@ void Image::readChain(std::uint64_t address, std::uint16_t format) {
   const std::uint64_t base = format == kChained64Offset ? segments_.front().address : 0;
   for (std::uint64_t next = 0;; address += next * kChainStride) {
     const std::uint64_t value = numberAt(address);
-    const bool isImport = bits(value, 63, 1) != 0;
+    const bool is_import = bits(value, 63, 1) != 0;
     const std::uint64_t target = (bits(value, 0, 36) + base) | bits(value, 36, 8) << 56;
-    addFixup(address, isImport ? Pointer{Pointer::Kind::import, 0} : Pointer{Pointer::Kind::image, target});
+    addFixup(address, is_import ? Pointer{Pointer::Kind::import, 0} : Pointer{Pointer::Kind::image, target});
     next = bits(value, 51, 12);
     if (next == 0) {
       return;

@@ -1,8 +1,7 @@
 #include "tools/macho/image.h"
 
 #include <algorithm>
-
-#include "tools/macho/bytes.h"
+#include <set>
 
 namespace macho {
 namespace {
@@ -16,14 +15,31 @@ constexpr std::uint64_t kHeaderSize = 32;
 constexpr std::uint64_t kSymbolSize = 16;
 constexpr std::uint64_t kFatHeaderSize = 8;
 constexpr std::uint64_t kFatEntrySize = 20;
+/// There are not so many processors.
+constexpr std::uint32_t kMostArchitectures = 16;
+
+constexpr std::uint32_t kProgramFile = 2;
+constexpr std::uint32_t kFlagAllowStackExecution = 0x20000;
+constexpr std::uint32_t kFlagPositionIndependent = 0x200000;
 
 enum LoadCommand : std::uint32_t {
   kSymbolTable = 0x2,
+  kLoadLibrary = 0xC,
+  kIdentity = 0xD,
   kSegment64 = 0x19,
+  kLoadLazily = 0x20,
   kDyldInfo = 0x22,
+  kOldestMacos = 0x24,
+  kBuildVersion = 0x32,
+  kLoadWeakly = 0x80000018,
+  kReexportLibrary = 0x8000001F,
   kDyldInfoOnly = 0x80000022,
+  kLoadUpward = 0x80000023,
+  kDyldExportsTrie = 0x80000033,
   kDyldChainedFixups = 0x80000034,
 };
+
+constexpr std::uint32_t kPlatformMacos = 1;
 
 constexpr std::uint32_t kProtectionWrite = 2;
 constexpr std::uint32_t kProtectionExecute = 4;
@@ -31,7 +47,12 @@ constexpr std::uint32_t kSegmentReadOnlyAfterFixups = 0x10;
 
 constexpr std::uint8_t kSymbolDebugMask = 0xE0;
 constexpr std::uint8_t kSymbolTypeMask = 0x0E;
+constexpr std::uint8_t kSymbolUndefined = 0x00;
 constexpr std::uint8_t kSymbolInSection = 0x0E;
+constexpr std::uint16_t kWeakReference = 0x40;
+
+/// The names of all exports together.
+constexpr std::size_t kMostExportedBytes = std::size_t{1} << 24;
 
 std::uint32_t bigEndian(Bytes bytes, std::uint64_t offset) {
   return __builtin_bswap32(number<std::uint32_t>(bytes, offset, "the list of architectures"));
@@ -48,15 +69,53 @@ std::string architectureName(std::uint32_t cpu) {
   }
 }
 
+/// Of a number that packs three: 16, 8 and 8 bits.
+std::string versionAt(Bytes command, std::uint64_t offset) {
+  const auto packed = number<std::uint32_t>(command, offset, "a version");
+  return std::to_string(packed >> 16) + "." + std::to_string(packed >> 8 & 0xFF) + "." + std::to_string(packed & 0xFF);
+}
+
+Library libraryIn(Bytes command) {
+  const char* what = "a library's path";
+  return {std::string(text(command, number<std::uint32_t>(command, 8, what), what)), versionAt(command, 16),
+          versionAt(command, 20)};
+}
+
+/// The part of the file whose offset and size are in a load command.
+Bytes partOf(Bytes file, Bytes command, std::uint64_t field, const char* what) {
+  return slice(file, number<std::uint32_t>(command, field, what), number<std::uint32_t>(command, field + 4, what),
+               what);
+}
+
+bool isWritableCode(std::uint32_t protection) {
+  return (protection & kProtectionWrite) != 0 && (protection & kProtectionExecute) != 0;
+}
+
+/// Of these a file has one.
+void expectFirst(bool is_first, const char* what) {
+  if (!is_first) {
+    throw MachoError("a second " + std::string(what));
+  }
+}
+
 }  // namespace
 
 Image::Image(Bytes bytes) : bytes_(bytes) {
-  if (number<std::uint32_t>(bytes_, 0, "the header") != kMagic64) {
+  const char* what = "the header";
+  if (number<std::uint32_t>(bytes_, 0, what) != kMagic64) {
     throw MachoError("not a 64-bit, little-endian Mach-O file");
   }
-  architecture_ = architectureName(number<std::uint32_t>(bytes_, 4, "the header"));
+  architecture_ = architectureName(number<std::uint32_t>(bytes_, 4, what));
+  file_type_ = number<std::uint32_t>(bytes_, 12, what);
+  flags_ = number<std::uint32_t>(bytes_, 24, what);
   readLoadCommands();
 }
+
+bool Image::isProgram() const { return file_type_ == kProgramFile; }
+
+bool Image::isPositionIndependent() const { return (flags_ & kFlagPositionIndependent) != 0; }
+
+bool Image::allowsStackExecution() const { return (flags_ & kFlagAllowStackExecution) != 0; }
 
 void Image::readLoadCommands() {
   const auto count = number<std::uint32_t>(bytes_, 16, "the header");
@@ -65,29 +124,44 @@ void Image::readLoadCommands() {
     const auto kind = number<std::uint32_t>(bytes_, offset, "a load command");
     const auto size = number<std::uint32_t>(bytes_, offset + 4, "a load command");
     const Bytes command = slice(bytes_, offset, std::max<std::uint32_t>(size, 8), "a load command");
-    const auto part = [&](std::uint64_t field, const char* what) {
-      return slice(bytes_, number<std::uint32_t>(command, field, what), number<std::uint32_t>(command, field + 4, what),
-                   what);
-    };
-    switch (kind) {
-      case kSegment64:
-        readSegment(command);
-        break;
-      case kSymbolTable:
-        readSymbols(command);
-        break;
-      case kDyldInfo:
-      case kDyldInfoOnly:
-        readRebaseOpcodes(part(8, "the rebase table"));
-        readBindOpcodes(part(16, "the bind table"));
-        break;
-      case kDyldChainedFixups:
-        readChainedFixups(part(8, "the chained fixups"));
-        break;
-      default:
-        break;
-    }
+    readLoadCommand(kind, command);
     offset += command.size();
+  }
+}
+
+void Image::readLoadCommand(std::uint32_t kind, Bytes command) {
+  switch (kind) {
+    case kSegment64:
+      return readSegment(command);
+    case kSymbolTable:
+      return readSymbols(command);
+    case kDyldInfo:
+    case kDyldInfoOnly:
+      readRebaseOpcodes(partOf(bytes_, command, 8, "the rebase table"));
+      readBindOpcodes(partOf(bytes_, command, 16, "the bind table"));
+      return readExports(partOf(bytes_, command, 40, "the table of exports"));
+    case kDyldChainedFixups:
+      return readChainedFixups(partOf(bytes_, command, 8, "the chained fixups"));
+    case kDyldExportsTrie:
+      return readExports(partOf(bytes_, command, 8, "the table of exports"));
+    case kBuildVersion:
+      oldest_system_ = {number<std::uint32_t>(command, 8, "the platform") == kPlatformMacos, versionAt(command, 12)};
+      return;
+    case kOldestMacos:
+      oldest_system_ = {true, versionAt(command, 8)};
+      return;
+    case kIdentity:
+      identity_ = libraryIn(command);
+      return;
+    case kLoadLibrary:
+    case kLoadWeakly:
+    case kLoadLazily:
+    case kLoadUpward:
+    case kReexportLibrary:
+      libraries_.push_back(libraryIn(command));
+      return;
+    default:
+      return;
   }
 }
 
@@ -98,36 +172,79 @@ void Image::readSegment(Bytes command) {
   segment.name.assign(name.begin(), std::find(name.begin(), name.end(), std::uint8_t{0}));
   segment.address = number<std::uint64_t>(command, 24, what);
   segment.size = number<std::uint64_t>(command, 32, what);
-  segment.fileOffset = number<std::uint64_t>(command, 40, what);
-  segment.fileSize = number<std::uint64_t>(command, 48, what);
+  segment.file_offset = number<std::uint64_t>(command, 40, what);
+  segment.file_size = number<std::uint64_t>(command, 48, what);
+  const auto most_protection = number<std::uint32_t>(command, 56, what);
   const auto protection = number<std::uint32_t>(command, 60, what);
   const auto flags = number<std::uint32_t>(command, 68, what);
   segment.writable = (protection & kProtectionWrite) != 0 && (flags & kSegmentReadOnlyAfterFixups) == 0;
   segment.executable = (protection & kProtectionExecute) != 0;
-  slice(bytes_, segment.fileOffset, segment.fileSize, what);
+  segment.writable_code = isWritableCode(protection) || isWritableCode(most_protection);
+  slice(bytes_, segment.file_offset, segment.file_size, what);
   segments_.push_back(std::move(segment));
 }
 
 void Image::readSymbols(Bytes command) {
   const char* what = "the symbol table";
+  expectFirst(symbols_.empty() && imports_.empty(), "symbol table");
   const auto count = number<std::uint32_t>(command, 12, what);
   const Bytes entries = slice(bytes_, number<std::uint32_t>(command, 8, what), count * kSymbolSize, what);
-  const Bytes names =
-      slice(bytes_, number<std::uint32_t>(command, 16, what), number<std::uint32_t>(command, 20, what), what);
+  const Bytes names = partOf(bytes_, command, 16, what);
   for (std::uint32_t index = 0; index < count; ++index) {
     const Bytes entry = entries.subspan(index * kSymbolSize, kSymbolSize);
     const auto type = number<std::uint8_t>(entry, 4, what);
-    if ((type & kSymbolDebugMask) != 0 || (type & kSymbolTypeMask) != kSymbolInSection) {
+    const unsigned kind = type & kSymbolTypeMask;
+    if ((type & kSymbolDebugMask) != 0 || (kind != kSymbolInSection && kind != kSymbolUndefined)) {
       continue;
     }
-    symbols_.push_back(
-        {text(names, number<std::uint32_t>(entry, 0, what), "a symbol's name"), number<std::uint64_t>(entry, 8, what)});
+    const std::string_view name = text(names, number<std::uint32_t>(entry, 0, what), "a symbol's name");
+    if (kind == kSymbolInSection) {
+      symbols_.push_back({name, number<std::uint64_t>(entry, 8, what)});
+    } else {
+      imports_.push_back({name, (number<std::uint16_t>(entry, 6, what) & kWeakReference) != 0});
+    }
+  }
+}
+
+/// The table is a tree: a node holds what is said about the name that leads to it, if it is a whole one, and the next
+/// parts of longer names with the places of their nodes.
+void Image::readExports(Bytes trie) {
+  const char* what = "the table of exports";
+  expectFirst(exports_.empty(), what);
+  struct Node {
+    std::uint64_t offset;
+    std::string name;
+  };
+  std::vector<Node> nodes;
+  if (!trie.empty()) {
+    nodes.push_back({0, {}});
+  }
+  std::set<std::uint64_t> known{0};
+  std::size_t bytes = 0;
+  while (!nodes.empty()) {
+    const Node node = std::move(nodes.back());
+    nodes.pop_back();
+    OpcodeReader reader(from(trie, node.offset, what));
+    const std::uint64_t description = reader.leb128();
+    if (description > 0) {
+      exports_.push_back(node.name);
+    }
+    reader.skip(description);
+    for (unsigned children = reader.byte(); children > 0; --children) {
+      std::string name = node.name + std::string(reader.text());
+      const std::uint64_t offset = reader.leb128();
+      bytes += name.size();
+      if (!known.insert(offset).second || bytes > kMostExportedBytes) {
+        throw MachoError("the table of exports is not a tree, or too large");
+      }
+      nodes.push_back({offset, std::move(name)});
+    }
   }
 }
 
 void Image::addFixup(std::uint64_t address, Pointer pointer) {
-  if (!fixups_.emplace(address, pointer).second) {
-    throw MachoError("two fixups at one address");
+  if (!fixups_.emplace(address, pointer).second || fixups_.size() > bytes_.size() / sizeof(std::uint64_t)) {
+    throw MachoError("fixups overlap");
   }
 }
 
@@ -142,7 +259,7 @@ const Segment& Image::segmentAt(std::uint64_t address) const {
 
 Bytes Image::bytesAt(std::uint64_t address, std::uint64_t size) const {
   const Segment& segment = segmentAt(address);
-  const Bytes contents = slice(bytes_, segment.fileOffset, segment.fileSize, "a segment");
+  const Bytes contents = slice(bytes_, segment.file_offset, segment.file_size, "a segment");
   return slice(contents, address - segment.address, size, "what an address points to");
 }
 
@@ -155,9 +272,9 @@ Pointer Image::pointerAt(std::uint64_t address) const {
   return fixup != fixups_.end() ? fixup->second : Pointer{Pointer::Kind::plain, numberAt(address)};
 }
 
-std::string Image::textAt(std::uint64_t address) const {
+std::string_view Image::textAt(std::uint64_t address) const {
   const Segment& segment = segmentAt(address);
-  return text(slice(bytes_, segment.fileOffset, segment.fileSize, "a segment"), address - segment.address, "a text");
+  return text(slice(bytes_, segment.file_offset, segment.file_size, "a segment"), address - segment.address, "a text");
 }
 
 std::vector<Image> imagesIn(Bytes file) {
@@ -166,6 +283,9 @@ std::vector<Image> imagesIn(Bytes file) {
   }
   std::vector<Image> images;
   const std::uint32_t count = bigEndian(file, 4);
+  if (count > kMostArchitectures) {
+    throw MachoError("more architectures than there are");
+  }
   for (std::uint32_t index = 0; index < count; ++index) {
     const std::uint64_t entry = kFatHeaderSize + index * kFatEntrySize;
     images.emplace_back(slice(file, bigEndian(file, entry + 8), bigEndian(file, entry + 12), "an architecture"));

@@ -1,42 +1,56 @@
-// Reads a macOS library or program file (Mach-O, 64 bits, little-endian): its architectures, segments and symbols, and
-// what its pointers will point to once the system has loaded it.
+// Reads a macOS library or program file (Mach-O, 64 bits, little-endian): what it is built for, what it links, exports
+// and imports, its segments and symbols, and what its pointers point to once the system has loaded it.
 //
-// The file is not trusted: whatever lies outside it, or is not understood, raises MachoError.
+// The file is not trusted: what lies outside it, repeats or is not understood raises MachoError. Memory grows with the
+// file's size only.
 #pragma once
 
-#include <cstddef>
 #include <cstdint>
 #include <map>
-#include <span>
-#include <stdexcept>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
 
+#include "tools/macho/bytes.h"
+
 namespace macho {
-
-class MachoError : public std::runtime_error {
- public:
-  using std::runtime_error::runtime_error;
-};
-
-using Bytes = std::span<const std::uint8_t>;
 
 /// A range of addresses, relative to where the image is loaded, and the part of the file that fills its start.
 struct Segment {
   std::string name;
   std::uint64_t address = 0;
   std::uint64_t size = 0;
-  std::uint64_t fileOffset = 0;
-  std::uint64_t fileSize = 0;
+  std::uint64_t file_offset = 0;
+  std::uint64_t file_size = 0;
   bool writable = false;  ///< While the image runs: not set for data that becomes read-only once it is loaded.
   bool executable = false;
+  bool writable_code = false;  ///< Both writable and executable, at first or at most.
 };
 
-/// A symbol that the image defines, exported or not.
+/// The oldest system that a file is built for.
+struct OldestSystem {
+  bool is_macos = true;
+  std::string version;  ///< Three numbers, such as "10.13.0".
+};
+
+/// A library: what it is found by, and its versions of three numbers each.
+struct Library {
+  std::string path;
+  std::string version;
+  std::string compatibility;
+};
+
+/// A symbol that the image defines, exported or not. Names are as in the file: with the leading underscore, mangled.
 struct Symbol {
-  std::string name;  ///< As in the file: with the leading underscore, mangled.
+  std::string_view name;
   std::uint64_t address = 0;
+};
+
+/// A symbol that another library has to define; the image loads without it when it is weak.
+struct Import {
+  std::string_view name;
+  bool is_weak = false;
 };
 
 /// What a pointer of the image holds after loading.
@@ -50,13 +64,23 @@ struct Pointer {
   std::uint64_t value = 0;  ///< The number, or the address relative to where the image is loaded.
 };
 
-/// One architecture of a file. Borrows the bytes that it was made from.
+/// One architecture of a file. Borrows the bytes that it was made from, as names of symbols do.
 class Image {
  public:
   explicit Image(Bytes bytes);
 
   /// "arm64", "x86_64", or the processor's number.
   const std::string& architecture() const { return architecture_; }
+  bool isProgram() const;
+  /// Whether a program is loaded at a random address, as libraries always are.
+  bool isPositionIndependent() const;
+  bool allowsStackExecution() const;
+  const std::optional<OldestSystem>& oldestSystem() const { return oldest_system_; }
+  /// The image's own name and versions; nothing for a program.
+  const std::optional<Library>& identity() const { return identity_; }
+  const std::vector<Library>& libraries() const { return libraries_; }
+  const std::vector<std::string>& exports() const { return exports_; }
+  const std::vector<Import>& imports() const { return imports_; }
   const std::vector<Segment>& segments() const { return segments_; }
   const std::vector<Symbol>& symbols() const { return symbols_; }
 
@@ -68,20 +92,29 @@ class Image {
   std::uint64_t numberAt(std::uint64_t address) const;
   Pointer pointerAt(std::uint64_t address) const;
   /// The NUL-terminated text at `address`.
-  std::string textAt(std::uint64_t address) const;
+  std::string_view textAt(std::uint64_t address) const;
 
  private:
+  void readLoadCommands();
+  void readLoadCommand(std::uint32_t kind, Bytes command);
   void readSegment(Bytes command);
   void readSymbols(Bytes command);
+  void readExports(Bytes trie);
   void readRebaseOpcodes(Bytes opcodes);
   void readBindOpcodes(Bytes opcodes);
   void readChainedFixups(Bytes fixups);
   void readChain(std::uint64_t address, std::uint16_t format);
-  void readLoadCommands();
   void addFixup(std::uint64_t address, Pointer pointer);
 
   Bytes bytes_;
   std::string architecture_;
+  std::uint32_t file_type_ = 0;
+  std::uint32_t flags_ = 0;
+  std::optional<OldestSystem> oldest_system_;
+  std::optional<Library> identity_;
+  std::vector<Library> libraries_;
+  std::vector<std::string> exports_;
+  std::vector<Import> imports_;
   std::vector<Segment> segments_;
   std::vector<Symbol> symbols_;
   std::map<std::uint64_t, Pointer> fixups_;  ///< By the address of the pointer.

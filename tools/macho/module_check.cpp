@@ -1,16 +1,15 @@
-#include "tools/macho/module_check.h"
-
 #include <cxxabi.h>
 
 #include <algorithm>
 #include <cstdlib>
 #include <memory>
 
+#include "tools/macho/checks.h"
+
 namespace macho {
 namespace {
 
-// What the host reads: the interface of version 13 in its 64-bit layout. Stated here once more on purpose, apart from
-// the sources of the library that is checked.
+// What the host reads: the interface of version 13 in its 64-bit layout. Stated independently of the library's sources.
 constexpr std::uint64_t kModuleVersion = 13;
 constexpr const char* kModuleName = "Ostrevin";
 constexpr std::uint64_t kModuleSize = 192;
@@ -122,22 +121,22 @@ class ModuleCheck {
   void expectText(const std::string& what, std::uint64_t address, const std::string& expected) {
     const Pointer found = image_.pointerAt(address);
     if (found.kind != Pointer::Kind::image) {
-      problem(what + " is no pointer into the image");
-    } else if (const std::string text = image_.textAt(found.value); text != expected) {
-      problem(what + " is \"" + text + "\", not \"" + expected + "\"");
+      problem(what + " is not a pointer into the image");
+    } else if (const std::string_view text = image_.textAt(found.value); text != expected) {
+      problem(what + " is \"" + std::string(text) + "\", not \"" + expected + "\"");
     }
   }
 
   void expectFunction(const std::string& what, std::uint64_t address, const std::string& expected) {
     const Pointer found = image_.pointerAt(address);
     if (found.kind != Pointer::Kind::image || !image_.segmentAt(found.value).executable) {
-      problem(what + " is no function of the image");
+      problem(what + " is not a function of the image");
       return;
     }
-    const bool isExpected = std::any_of(image_.symbols().begin(), image_.symbols().end(), [&](const Symbol& symbol) {
+    const bool is_expected = std::any_of(image_.symbols().begin(), image_.symbols().end(), [&](const Symbol& symbol) {
       return symbol.address == found.value && plainName(symbol.name) == expected;
     });
-    if (!isExpected) {
+    if (!is_expected) {
       problem(what + " is another function");
     }
   }
@@ -150,8 +149,8 @@ class ModuleCheck {
 
 }  // namespace
 
-std::string plainName(const std::string& symbol) {
-  std::string name = symbol.starts_with('_') ? symbol.substr(1) : symbol;
+std::string plainName(std::string_view symbol) {
+  std::string name(symbol.starts_with('_') ? symbol.substr(1) : symbol);
   const std::unique_ptr<char, decltype(&std::free)> demangled(
       abi::__cxa_demangle(name.c_str(), nullptr, nullptr, nullptr), &std::free);
   if (demangled == nullptr) {
@@ -167,6 +166,8 @@ std::string plainName(const std::string& symbol) {
   return scope == std::string::npos ? name : name.substr(scope + 2);
 }
 
-std::vector<std::string> problemsWithModule(const Image& image) { return ModuleCheck(image).run(); }
+Check checkModule(const Image& image) {
+  return {"the module record and the methods are what the host reads", ModuleCheck(image).run()};
+}
 
 }  // namespace macho

@@ -1,8 +1,7 @@
-#include "tools/macho/module_check.h"
-
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "tools/macho/checks.h"
 #include "tools/macho/synthetic_image.h"
 
 namespace {
@@ -67,15 +66,15 @@ SyntheticImage library(Fixups fixups = Fixups::opcodes) {
 
 std::vector<std::string> problemsWith(const SyntheticImage& synthetic) {
   const FileBytes file = synthetic.build();
-  return macho::problemsWithModule(Image(file));
+  return macho::checkModule(Image(file)).problems;
 }
 
-TEST(ProblemsWithModule, AreNoneInALibraryAsTheHostExpectsIt) {
+TEST(ModuleCheck, FindsNothingWrongWithExpectedLibrary) {
   EXPECT_THAT(problemsWith(library(Fixups::opcodes)), IsEmpty());
   EXPECT_THAT(problemsWith(library(Fixups::chains)), IsEmpty());
 }
 
-TEST(ProblemsWithModule, NameEveryWordThatIsNotWhatTheHostExpects) {
+TEST(ModuleCheck, ReportsEveryChangedWord) {
   const SyntheticImage good = library();
   for (std::size_t word = 0; word < good.data.size(); ++word) {
     SyntheticImage bad = good;
@@ -85,7 +84,7 @@ TEST(ProblemsWithModule, NameEveryWordThatIsNotWhatTheHostExpects) {
   }
 }
 
-TEST(ProblemsWithModule, NameEveryPointerThatTheLoaderWouldNotAdjust) {
+TEST(ModuleCheck, ReportsEveryPointerThatTheLoaderDoesNotAdjust) {
   const SyntheticImage good = library();
   for (std::size_t index = 0; index < good.pointers.size(); ++index) {
     SyntheticImage bad = good;
@@ -94,21 +93,21 @@ TEST(ProblemsWithModule, NameEveryPointerThatTheLoaderWouldNotAdjust) {
   }
 }
 
-TEST(ProblemsWithModule, NameTwoMethodsThatAreExchanged) {
+TEST(ModuleCheck, ReportsExchangedMethods) {
   SyntheticImage bad = library();
   const std::size_t row = kModuleWords + 3 * kMethodWords;
   std::swap(bad.data[row], bad.data[row + kMethodWords]);
   EXPECT_THAT(problemsWith(bad), testing::ElementsAre(HasSubstr("RB_GetName"), HasSubstr("RB_GetRect")));
 }
 
-TEST(ProblemsWithModule, NameRecordsInReadOnlyMemory) {
+TEST(ModuleCheck, ReportsRecordsInReadOnlyMemory) {
   SyntheticImage bad = library();
-  bad.dataSegmentFlags = 0x10;
+  bad.data_segment_flags = 0x10;
   EXPECT_THAT(problemsWith(bad),
               testing::ElementsAre("DisplayModuleDefinition is not writable", "DisplayModuleMethods is not writable"));
 }
 
-TEST(ProblemsWithModule, NameARecordThatIsMissingOrThereTwice) {
+TEST(ModuleCheck, ReportsMissingAndDuplicateRecords) {
   SyntheticImage missing = library();
   missing.symbols.erase(missing.symbols.begin());
   EXPECT_THAT(problemsWith(missing), Contains(HasSubstr("0 symbols are named DisplayModuleDefinition")));
@@ -117,13 +116,13 @@ TEST(ProblemsWithModule, NameARecordThatIsMissingOrThereTwice) {
   EXPECT_THAT(problemsWith(twice), Contains(HasSubstr("2 symbols are named DisplayModuleMethods")));
 }
 
-TEST(ProblemsWithModule, NameATableThatIsCutOff) {
+TEST(ModuleCheck, ReportsTruncatedTable) {
   SyntheticImage bad = library();
   bad.data.pop_back();
   EXPECT_THAT(problemsWith(bad), Contains(HasSubstr("outside the file")));
 }
 
-TEST(PlainName, HasNeitherNamespacesNorParameters) {
+TEST(PlainName, LacksNamespacesAndParameters) {
   EXPECT_EQ(macho::plainName("_REALPluginMain"), "REALPluginMain");
   EXPECT_EQ(macho::plainName("__ZN12_GLOBAL__N_110RB_GetNameEjPP16REALstringStruct"), "RB_GetName");
   EXPECT_EQ(macho::plainName("__ZN7Display8GetScaleEj"), "GetScale");

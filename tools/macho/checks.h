@@ -1,0 +1,34 @@
+// Checks that a built library or program is what the host and the systems expect.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "tools/macho/image.h"
+
+namespace macho {
+
+/// The architectures that files are built for.
+inline constexpr const char* kArchitectures[] = {"arm64", "x86_64"};
+
+/// One thing that was checked, and what is wrong with it: nothing when it is right.
+struct Check {
+  std::string subject;
+  std::vector<std::string> problems;
+};
+
+/// What holds for the library and the program: the oldest system, and how the code is protected.
+std::vector<Check> checkFile(const Image& image);
+
+/// What holds for the library besides: its name and versions, the libraries that it links, its exports, and that
+/// references are counted by hand. `exported` lists the names that it exports as plugin/exports.txt does: without the
+/// leading underscore, "*" for any characters.
+std::vector<Check> checkLibrary(const Image& image, const std::vector<std::string>& exported);
+
+/// The module record and the method table that the host reads.
+Check checkModule(const Image& image);
+
+/// The name of a symbol as the source spells it, without namespaces and parameters.
+std::string plainName(std::string_view symbol);
+
+}  // namespace macho
