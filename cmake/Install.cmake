@@ -4,6 +4,8 @@
 #
 # ostrevin_install_common(): what is the same however the binaries were built.
 # ostrevin_install_binaries(): the targets of this build.
+# ostrevin_package(): packages of what is installed, which `cpack` builds in the build folder: a .tar.gz everywhere, a .deb where
+#   Debian's tools are.
 include(CMakePackageConfigHelpers)
 include(GNUInstallDirs)
 
@@ -83,3 +85,31 @@ function(ostrevin_install_binaries)
   set_target_properties(ostrevin-host PROPERTIES INSTALL_RPATH "${library_folders}" BUILD_WITH_INSTALL_RPATH ON)
   set_target_properties(Ostrevin OstrevinPlatform PROPERTIES INSTALL_RPATH "$ORIGIN" BUILD_WITH_INSTALL_RPATH ON)
 endfunction()
+
+macro(ostrevin_package)
+  set(CPACK_PACKAGE_NAME ostrevin)
+  set(CPACK_PACKAGE_VENDOR "The Ostrevin authors")
+  set(CPACK_PACKAGE_CONTACT "The Ostrevin authors")
+  set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "${PROJECT_DESCRIPTION}")
+  set(CPACK_PACKAGE_VERSION ${PROJECT_VERSION})
+  set(CPACK_RESOURCE_FILE_LICENSE ${CMAKE_SOURCE_DIR}/LICENSE)
+  set(CPACK_VERBATIM_VARIABLES ON)
+  set(CPACK_GENERATOR TGZ)
+
+  if(APPLE OR OSTREVIN_MACOS_CROSS)
+    set(CPACK_SYSTEM_NAME macos-universal)
+  else()
+    set(CPACK_SYSTEM_NAME linux-${CMAKE_SYSTEM_PROCESSOR})
+    set(CPACK_STRIP_FILES ON)
+    find_program(OSTREVIN_DPKG_SHLIBDEPS dpkg-shlibdeps)
+    if(OSTREVIN_DPKG_SHLIBDEPS)
+      list(APPEND CPACK_GENERATOR DEB)
+    endif()
+  endif()
+
+  set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
+  set(CPACK_DEBIAN_PACKAGE_SECTION libs)
+  set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
+  set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS ${CMAKE_LIBRARY_OUTPUT_DIRECTORY})
+  include(CPack)
+endmacro()

