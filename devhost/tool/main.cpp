@@ -1,13 +1,12 @@
-// ostrevin-host: loads the plugin as a host does, and shows what its methods answer.
+// ostrevin-host: loads the plugin as a host does, calls its methods and shows the results.
 #include <fcntl.h>
 #include <unistd.h>
 
 #include <iostream>
 
 #include "devhost/tool/commands/command_line.h"
-#include "devhost/tool/desktop_choice.h"
-#include "devhost/tool/files.h"
-#include "devhost/tool/terminal/exit_status.h"
+#include "devhost/tool/session/files.h"
+#include "devhost/tool/session/system.h"
 
 namespace devhost::tool {
 namespace {
@@ -15,12 +14,12 @@ namespace {
 int run(const Request& request) {
   const std::string note = chooseDesktop(request.options.desktop, request.needs_displays, findExampleDesktop());
   Session session(request.options);
-  const int answered = request.run(session);
-  // Said only now: a wrong usage is answered by the one line that is about it.
+  const int result = request.run(session);
+  // Printed last: wrong usage prints its own line only.
   if (!note.empty()) {
     Session::say(note);
   }
-  const int status = session.finish(answered);
+  const int status = session.finish(result);
   std::cout.flush();
   if (!std::cout) {
     Session::say("the output could not be written");
@@ -29,7 +28,7 @@ int run(const Request& request) {
   return status;
 }
 
-/// `run`, with every error made one line and an exit status.
+/// Like `run`; turns every error into one line and an exit status.
 int runGuarded(const Request& request) {
   try {
     return run(request);
@@ -45,8 +44,8 @@ int runGuarded(const Request& request) {
   }
 }
 
-/// Where the tool was started without one of its three streams, its number must not become that of a file or a
-/// connection, into which messages would then go. What is opened here fails when it is used.
+/// When the tool is started without one of its three streams, a file or connection opened later would get its number,
+/// and messages would be written into it. The replacements opened here fail on every use.
 void reserveStandardStreams() {
   for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
     if (fcntl(stream, F_GETFD) < 0) {

@@ -1,13 +1,11 @@
-// Calls of any method by name. One method has a check of its own besides: after a profile was assigned, the display is
-// asked which profile it has.
+// Calls any method by name. After SetProfile it reads the display's profile back.
 #include <iostream>
 #include <sstream>
 
 #include "devhost/language/arguments.h"
 #include "devhost/language/printable.h"
 #include "devhost/tool/commands/commands.h"
-#include "devhost/tool/files.h"
-#include "devhost/tool/terminal/exit_status.h"
+#include "devhost/tool/session/files.h"
 #include "devhost/tool/terminal/json.h"
 
 namespace devhost::tool {
@@ -15,7 +13,7 @@ namespace {
 
 constexpr const char* kSetProfile = "SetProfile";
 
-/// A text bare, everything else as a Value is shown.
+/// A text without quotes, other values as they print themselves.
 std::string shown(const Value& value) {
   if (const auto* const text = std::get_if<std::string>(&value.storage())) {
     return printable(*text);
@@ -69,7 +67,7 @@ std::string knownMethods(const Plugin& plugin) {
   return names;
 }
 
-/// Says so when the display does not report the profile that it was given.
+/// Reports a display whose profile is not the assigned one.
 int checkProfile(Session& session, const Values& arguments, const CallResult& result) {
   const std::string wanted = arguments[1].text();
   const std::string reported = session.plugin().call("GetProfilePath", {arguments[0]})["path"].text();

@@ -5,7 +5,6 @@
 #include <algorithm>
 
 #include "devhost/tool/commands/help.h"
-#include "devhost/tool/terminal/exit_status.h"
 
 namespace devhost::tool {
 namespace {
@@ -14,8 +13,8 @@ constexpr const char* kGlobalOptions =
     "The options of every command, before or behind it: --json, --check, --plugin PATH,\n"
     "--desktop live|FILE; ostrevin-host --help explains them.";
 
-/// The parser splits a text in brackets at its commas where many texts are expected. Texts behind "call" are kept whole
-/// by a byte in front, which cannot come from a command line that means something.
+/// The parser splits a text in brackets at its commas where several texts are expected. This byte in front of a text
+/// after "call" prevents that; no meaningful argument begins with it.
 constexpr char kKeptWhole = '\x01';
 
 std::vector<std::string> keepWhole(int count, char** texts) {
@@ -39,7 +38,7 @@ std::vector<std::string> unmarked(std::vector<std::string> texts) {
   return texts;
 }
 
-/// What the parser fills in.
+/// Filled in by the parser.
 struct Arguments {
   std::string method;
   std::vector<std::string> values;
@@ -50,13 +49,13 @@ struct Arguments {
   WatchOptions watch;
 };
 
-/// Keeps a command's arguments with what runs it.
+/// Binds a command's function to the arguments.
 template <typename Run>
 std::function<int(Session&)> with(const Arguments& arguments, Run run) {
   return [arguments, run](Session& session) { return run(session, arguments); };
 }
 
-/// A range that the help does not spell out.
+/// A range without a text in the help.
 template <typename Number>
 CLI::Validator between(Number least, Number most) {
   return CLI::Range(least, most).description("");
@@ -103,7 +102,7 @@ void addDisplayCommands(CLI::App& app, Request& request, Arguments& arguments) {
         with(arguments, [](Session& session, const Arguments& given) { return watchDisplays(session, given.watch); });
   });
 
-  addCommand(app, "doctor", "What each source answers about the displays, and what is missing")->callback([&] {
+  addCommand(app, "doctor", "What each source reports about the displays, and what is missing")->callback([&] {
     request.needs_displays = false;
     request.run = diagnose;
   });
@@ -180,12 +179,12 @@ std::variant<Request, int> parseCommandLine(int count, char** texts) {
   addProfileCommands(app, request, arguments);
   try {
     std::vector<std::string> words = keepWhole(count, texts);
-    std::reverse(words.begin(), words.end());  // the order that the parser asks for
+    std::reverse(words.begin(), words.end());  // the order that the parser expects
     app.parse(std::move(words));
   } catch (const CLI::Success& help) {
     return app.exit(help);
   } catch (const CLI::ParseError& error) {
-    Session::say(std::string(error.what()) + " (--help says more)");
+    Session::say(std::string(error.what()) + " (see --help)");
     return kWrongUsage;
   }
   return request;

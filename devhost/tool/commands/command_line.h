@@ -1,4 +1,4 @@
-// The command line: what it asks for, and the help.
+// Parses the command line, and prints the help.
 #pragma once
 
 #include <functional>
@@ -8,15 +8,15 @@
 
 namespace devhost::tool {
 
-/// What the command line asks for.
+/// A parsed command line.
 struct Request {
   Options options;
-  /// Whether the command is about displays, so that without an X server the example desktop serves better than none.
+  /// Whether the command shows displays: without an X server it shows the example desktop's.
   bool needs_displays = true;
   std::function<int(Session&)> run;
 };
 
-/// The request; or the exit status, when there is nothing more to do: help was printed, or what is wrong was said.
+/// The request; or the exit status, when the help or an error was printed.
 std::variant<Request, int> parseCommandLine(int count, char** texts);
 
 }  // namespace devhost::tool

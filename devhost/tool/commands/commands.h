@@ -1,5 +1,5 @@
-// The tool's commands. Each prints to the standard output, as a text or as JSON, and answers an exit status. What the
-// user got wrong is thrown as ValueError.
+// The tool's commands. Each prints to the standard output, as text or JSON, and returns an exit status. Wrong usage is
+// thrown as ValueError.
 #pragma once
 
 #include <cstdint>
@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "devhost/tool/session.h"
+#include "devhost/tool/session/session.h"
 
 namespace devhost::tool {
 
@@ -33,17 +33,17 @@ struct WatchOptions {
   std::optional<std::uint32_t> count;
   std::optional<double> duration;  ///< seconds
 };
-/// A line whenever displays come or go, until a signal, or nobody reads any more.
+/// A line for each change of the displays, until a signal or the end of the output's reader.
 int watchDisplays(Session& session, const WatchOptions& options);
 
-/// What each source answers about the displays, and what is missing.
+/// What each source reports about the displays, and what is missing.
 int diagnose(Session& session);
 
 /// The modules as registered.
 int listMethods(Session& session);
 /// Any method by name, with arguments as the user wrote them.
 int callMethod(Session& session, const std::string& name, const std::vector<std::string>& arguments);
-/// The installed profiles, or with a display's number those of the display, as the plugin's events tell them.
+/// The installed profiles, or with a display's number those of the display, from the plugin's events.
 int listProfiles(Session& session, const std::string& display);
 /// Whether a profile file has a tag.
 int testTag(Session& session, const std::string& path, const std::string& tag);

@@ -1,17 +1,14 @@
 #include "devhost/tool/commands/display_changes.h"
 
-#include <ColorSync/ColorSync.h>
-#include <CoreFoundation/CoreFoundation.h>
-
 #include <algorithm>
 
-#include "devhost/entries/host.h"
-#include "devhost/tool/displays.h"
+#include "devhost/calling/native_call.h"
+#include "devhost/tool/session/displays.h"
 
 namespace devhost::tool {
 namespace {
 
-// DisplayServices::BuildInitialMonitorsSet() and DisplayServices::DisplaysChanged(), as the compiler names them.
+// DisplayServices::BuildInitialMonitorsSet() and DisplayServices::DisplaysChanged(), mangled.
 constexpr const char* kBuildInitialMonitorsSet = "_ZN15DisplayServices23BuildInitialMonitorsSetEv";
 constexpr const char* kDisplaysChanged = "_ZN15DisplayServices15DisplaysChangedEv";
 
@@ -24,17 +21,7 @@ Function exported(const Plugin& plugin, const char* name) {
   return reinterpret_cast<Function>(symbol);
 }
 
-std::string uuidOf(std::uint32_t number) {
-  const CFUUIDRef uuid = CGDisplayCreateUUIDFromDisplayID(number);
-  if (uuid == nullptr) {
-    return {};
-  }
-  const CFUUIDBytes bytes = CFUUIDGetUUIDBytes(uuid);
-  CFRelease(uuid);
-  return {reinterpret_cast<const char*>(&bytes), sizeof bytes};
-}
-
-/// Those of `some` that are not among `others`.
+/// Those in `some` but not in `others`.
 std::vector<KnownDisplay> missing(const std::vector<KnownDisplay>& some, const std::vector<KnownDisplay>& others) {
   std::vector<KnownDisplay> result;
   std::copy_if(some.begin(), some.end(), std::back_inserter(result), [&](const KnownDisplay& display) {
@@ -62,7 +49,7 @@ bool DisplayChanges::look() {
   added_ = missing(now, displays_);
   removed_ = missing(displays_, now);
   displays_ = std::move(now);
-  // Nothing, when this change happened between the last look's question and its list, and was told then.
+  // Both are empty when the last list already showed this change.
   return !added_.empty() || !removed_.empty();
 }
 

@@ -1,4 +1,4 @@
-// Which displays there are, and which come and go, as the plugin's exported functions report it.
+// The active displays, and their changes as the plugin's exported functions report them.
 #pragma once
 
 #include <cstdint>
@@ -13,7 +13,7 @@ struct KnownDisplay {
   std::uint32_t number = 0;
   std::string uuid;  ///< its 16 bytes; empty when it has none
   std::string name;
-  /// A display with the number of another one is not that one.
+  /// A monitor that takes over another one's number is another display.
   friend bool operator==(const KnownDisplay& a, const KnownDisplay& b) {
     return a.number == b.number && a.uuid == b.uuid;
   }
@@ -21,11 +21,11 @@ struct KnownDisplay {
 
 class DisplayChanges {
  public:
-  /// Takes the displays of this moment as known. Throws PluginError when the plugin does not export the functions that
-  /// report changes.
+  /// Starts with the present displays. Throws PluginError when the plugin does not export the functions that report
+  /// changes.
   explicit DisplayChanges(const Plugin& plugin);
 
-  /// Looks again. True when displays have come or gone since the last look; added() and removed() are those.
+  /// True when displays were added or removed since the last look; added() and removed() list them.
   bool look();
 
   const std::vector<KnownDisplay>& displays() const { return displays_; }

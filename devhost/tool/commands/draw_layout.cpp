@@ -2,11 +2,8 @@
 #include <iostream>
 
 #include "devhost/tool/commands/commands.h"
-#include "devhost/tool/displays.h"
 #include "devhost/tool/layout/layout.h"
-#include "devhost/tool/layout/layout_svg.h"
-#include "devhost/tool/layout/layout_text.h"
-#include "devhost/tool/terminal/exit_status.h"
+#include "devhost/tool/session/displays.h"
 #include "devhost/tool/terminal/json.h"
 #include "devhost/tool/terminal/output_file.h"
 #include "devhost/tool/terminal/terminal.h"
@@ -35,7 +32,7 @@ void printAsJson(const std::vector<Display>& displays, const Layout& layout) {
 
 int drawLayout(Session& session, const LayoutOptions& options) {
   if (session.json() && (options.file || options.ascii || options.width)) {
-    throw ValueError("layout --json draws nothing: neither --output nor --ascii nor --width goes with it");
+    throw ValueError("layout --json draws nothing: it excludes --output, --ascii and --width");
   }
   const std::vector<Display> displays = describePlaces(session.plugin());
   const Layout layout = arrangeLayout(displays);

@@ -17,9 +17,9 @@ constexpr const char* kWholeTool = "ostrevin-host";
 constexpr Example kExamples[] = {
     {kWholeTool, "ostrevin-host                              the displays of this computer"},
     {kWholeTool, "ostrevin-host layout                       the same as a picture"},
-    {kWholeTool, "ostrevin-host doctor                       what is missing, and what would mend it"},
+    {kWholeTool, "ostrevin-host doctor                       what is missing, and how to fix it"},
     {kWholeTool, "ostrevin-host call GetScale 1              a method, with its arguments"},
-    {kWholeTool, "ostrevin-host call SetProfile 1 wide.icc   gives a display a profile"},
+    {kWholeTool, "ostrevin-host call SetProfile 1 wide.icc   assigns a profile to a display"},
     {kWholeTool, "ostrevin-host --desktop office.json list   the displays that a file describes"},
     {kWholeTool, "ostrevin-host layout --help                more about one command"},
 
@@ -46,12 +46,12 @@ constexpr Example kExamples[] = {
 
     {"call", "ostrevin-host call GetRect 1                    by-reference parameters are left out"},
     {"call", "ostrevin-host call DisplayIDForWindow -20 0 640 480"},
-    {"call", "ostrevin-host call SetProfile 1 ./wide.icc      then asks the display whether it has it"},
+    {"call", "ostrevin-host call SetProfile 1 ./wide.icc      then checks that the display has it"},
     {"call", "ostrevin-host call ICCTagExists -- -odd-.icc rXYZ"},
 
     {"profiles", "ostrevin-host profiles                          all that are installed"},
     {"profiles", "ostrevin-host profiles 1                        those of display 1"},
-    {"profiles", "ostrevin-host --check profiles                  and what the plugin forgot to release"},
+    {"profiles", "ostrevin-host --check profiles                  and what the plugin did not release"},
 
     {"tag", "ostrevin-host tag wide.icc rXYZ && echo there"},
     {"tag", "ostrevin-host tag wide.icc vcgt --json"},
@@ -76,22 +76,21 @@ class Formatter : public CLI::Formatter {
 }  // namespace
 
 const char* const kDescription =
-    "Loads the plugin as a host does, and shows what its methods answer. Without a command it\n"
-    "lists the displays. With neither an X server nor a desktop file, the commands that are about\n"
-    "displays (list, layout, call, profiles DISPLAY) show the example desktop that comes with it.";
+    "Loads the plugin as a host does, calls its methods and shows the results. Without a command\n"
+    "it lists the displays. With neither an X server nor a desktop file, the commands that show\n"
+    "displays (list, layout, call, profiles DISPLAY) use the example desktop.";
 
 const char* const kExitStatus =
-    "Everything behind -- is an argument, also when it begins with a dash.\n"
+    "Everything after -- is an argument, even if it begins with a dash.\n"
     "\n"
     "Exit status:\n"
-    "  0  done; of doctor: all is well\n"
-    "  1  the plugin cannot be loaded; or the file has no such tag or document; or the display does\n"
-    "     not report the profile that it was given; or doctor found something missing; or watch\n"
-    "     did not see as many changes as --count asks for; or the output could not be written\n"
+    "  0  done; doctor: all is well\n"
+    "  1  the plugin cannot be loaded; the file has no such tag or document; the display does not\n"
+    "     report the assigned profile; doctor found something missing; watch saw fewer changes\n"
+    "     than --count; the output could not be written\n"
     "  2  wrong usage: an unknown option, method or argument, a wrong number of arguments, an\n"
     "     unusable desktop file\n"
-    "  3  --check found strings or other values that the plugin did not release, or releases that\n"
-    "     were wrong";
+    "  3  --check found strings or other values that the plugin did not release, or wrong releases";
 
 std::string examplesOf(const std::string& command) {
   std::string lines;

@@ -1,4 +1,4 @@
-// What --help says, of the whole tool and of each command: examples first.
+// The texts of --help, for the whole tool and for each command: examples first.
 #pragma once
 
 #include <CLI/CLI.hpp>
@@ -10,7 +10,7 @@ namespace devhost::tool {
 
 /// A description of the tool, without the commands and options.
 extern const char* const kDescription;
-/// What the exit status says.
+/// The meaning of the exit status.
 extern const char* const kExitStatus;
 
 /// Examples of a command by its name, or of the whole tool for "ostrevin-host"; one a line, each with its line end.

@@ -1,10 +1,9 @@
 #include <iostream>
 
 #include "devhost/tool/commands/commands.h"
-#include "devhost/tool/displays.h"
-#include "devhost/tool/terminal/exit_status.h"
+#include "devhost/tool/session/displays.h"
 #include "devhost/tool/terminal/json.h"
-#include "devhost/tool/terminal/table.h"
+#include "devhost/tool/terminal/terminal.h"
 
 namespace devhost::tool {
 namespace {

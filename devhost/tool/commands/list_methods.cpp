@@ -2,7 +2,6 @@
 
 #include "devhost/language/printable.h"
 #include "devhost/tool/commands/commands.h"
-#include "devhost/tool/terminal/exit_status.h"
 #include "devhost/tool/terminal/json.h"
 
 namespace devhost::tool {

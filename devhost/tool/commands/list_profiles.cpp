@@ -4,11 +4,9 @@
 
 #include "devhost/language/arguments.h"
 #include "devhost/tool/commands/commands.h"
-#include "devhost/tool/displays.h"
-#include "devhost/tool/terminal/exit_status.h"
+#include "devhost/tool/session/displays.h"
 #include "devhost/tool/terminal/json.h"
-#include "devhost/tool/terminal/progress.h"
-#include "devhost/tool/terminal/table.h"
+#include "devhost/tool/terminal/terminal.h"
 
 namespace devhost::tool {
 namespace {

@@ -5,8 +5,7 @@
 
 #include "devhost/language/printable.h"
 #include "devhost/tool/commands/commands.h"
-#include "devhost/tool/files.h"
-#include "devhost/tool/terminal/exit_status.h"
+#include "devhost/tool/session/files.h"
 #include "devhost/tool/terminal/json.h"
 
 namespace devhost::tool {

@@ -1,4 +1,4 @@
-// A line whenever displays come or go.
+// A line for each change of the displays.
 #include <fcntl.h>
 #include <unistd.h>
 
@@ -11,7 +11,6 @@
 #include "devhost/language/printable.h"
 #include "devhost/tool/commands/commands.h"
 #include "devhost/tool/commands/display_changes.h"
-#include "devhost/tool/terminal/exit_status.h"
 #include "devhost/tool/terminal/interruptible_wait.h"
 #include "devhost/tool/terminal/json.h"
 
@@ -24,7 +23,7 @@ Clock::duration seconds(double number) {
   return std::chrono::duration_cast<Clock::duration>(std::chrono::duration<double>(number));
 }
 
-/// The time of the clock on the wall, such as 2024-06-07T08:09:10+0200.
+/// The local time, such as 2024-06-07T08:09:10+0200.
 std::string timeStamp() {
   const std::time_t now = std::time(nullptr);
   std::tm local{};
@@ -50,7 +49,7 @@ Json toJson(const std::vector<KnownDisplay>& displays) {
   return list;
 }
 
-void tell(const Session& session, const DisplayChanges& changes) {
+void printChanges(const Session& session, const DisplayChanges& changes) {
   if (session.json()) {
     Json document = jsonDocument("watch");
     document["time"] = timeStamp();
@@ -65,7 +64,7 @@ void tell(const Session& session, const DisplayChanges& changes) {
   std::cout << timeStamp() << "  " << removed << (added.empty() || removed.empty() ? "" : "; ") << added << std::endl;
 }
 
-/// What is still to be written goes nowhere.
+/// Discards what is still buffered.
 void discardOutput() {
   const int nowhere = open("/dev/null", O_WRONLY | O_CLOEXEC);
   dup2(nowhere, STDOUT_FILENO);
@@ -77,15 +76,15 @@ void discardOutput() {
 
 int watchDisplays(Session& session, const WatchOptions& options) {
   if (std::isnan(options.interval) || std::isnan(options.duration.value_or(0))) {
-    throw ValueError("watch: nan is no number of seconds");
+    throw ValueError("watch: nan is not a number of seconds");
   }
   InterruptibleWait waiting;
   const auto deadline = options.duration ? Clock::now() + seconds(*options.duration) : Clock::time_point::max();
   DisplayChanges changes(session.plugin());
   const std::size_t count = changes.displays().size();
   Session::say("watching " + std::to_string(count) + (count == 1 ? " display" : " displays"));
-  std::uint32_t told = 0;
-  while (!options.count || told < *options.count) {
+  std::uint32_t printed = 0;
+  while (!options.count || printed < *options.count) {
     const Clock::duration left = deadline - Clock::now();
     if (left <= Clock::duration::zero()) {
       return options.count ? kNotDone : kDone;
@@ -96,15 +95,15 @@ int watchDisplays(Session& session, const WatchOptions& options) {
     if (!changes.look()) {
       continue;
     }
-    tell(session, changes);
+    printChanges(session, changes);
     if (!std::cout) {
-      // A reader that has seen enough is no failure; an output that cannot be written is one.
+      // A closed pipe is the end of the task; any other failure to write is an error.
       if (waiting.isOver()) {
         discardOutput();
       }
       return kDone;
     }
-    ++told;
+    ++printed;
   }
   return kDone;
 }

@@ -1,4 +1,4 @@
-// What each source answers about the displays, what is missing, and what would mend it.
+// What each source reports about the displays, what is missing, and how to fix that.
 #pragma once
 
 #include <cstdint>
@@ -13,12 +13,12 @@ struct Finding {
   enum class State {
     kGood,
     kMissing,
-    kNote,  ///< neither: worth knowing
+    kNote,  ///< neither
   };
   State state = State::kGood;
-  std::string source;  ///< who was asked, such as "RandR"
-  std::string text;    ///< what it answered, in a sentence without its full stop
-  std::string remedy;  ///< the command that would mend it, or what else would; for what is missing
+  std::string source;  ///< such as "RandR"
+  std::string text;    ///< a sentence without its full stop
+  std::string remedy;  ///< for what is missing: a command or an advice that fixes it
 };
 
 struct DisplayFindings {
@@ -36,13 +36,13 @@ Finding good(std::string source, std::string text);
 Finding missing(std::string source, std::string text, std::string remedy);
 Finding note(std::string source, std::string text);
 
-/// The command that gives a display a profile, to be completed by the name of a file.
+/// The command that assigns a profile to a display; the user replaces FILE.icc.
 std::string assignCommand(std::uint32_t display);
 
 /// A text as one word of a shell's command line, without control characters.
 std::string shellWord(const std::string& text);
 
-/// Asks this system's sources. `plugin` says which names the displays have.
+/// Queries this system's sources; the displays' names come from `plugin`.
 Diagnosis examineDesktop(const Plugin& plugin);
 
 }  // namespace devhost::tool

@@ -1,12 +1,11 @@
-// The sources are the X server with the monitors' EDIDs, colord, and the ICC files; or one desktop file.
+// The sources are the X server with the monitors' EDIDs, colord, and the ICC files; or a desktop file.
 #include <algorithm>
 #include <cstdlib>
 
-#include "desktop/current.h"
 #include "desktop/diagnosis/diagnosis.h"
 #include "devhost/language/value.h"
-#include "devhost/tool/displays.h"
 #include "devhost/tool/doctor/doctor.h"
+#include "devhost/tool/session/displays.h"
 
 namespace devhost::tool {
 namespace {
@@ -22,7 +21,7 @@ constexpr const char* kFiles = "ICC files";
 constexpr const char* kProfile = "profile";
 constexpr const char* kEdid = "EDID";
 constexpr const char* kEdidFile = "check the cable and the adapter, or start Linux with drm.edid_firmware=";
-/// More faults than this are counted only.
+/// Further faults are only counted.
 constexpr std::size_t kMostFaults = 20;
 
 std::string environmentText(const char* name) {
@@ -39,17 +38,17 @@ std::string wordsFor(ProfileFault fault) {
     case ProfileFault::kNone:
       return "is a profile";
     case ProfileFault::kMissing:
-      return "is not there";
+      return "does not exist";
     case ProfileFault::kUnreadable:
       return "cannot be read";
     case ProfileFault::kNotRegular:
-      return "is no regular file";
+      return "is not a regular file";
     case ProfileFault::kTooLarge:
       return "is too large for a profile";
     case ProfileFault::kNotAProfile:
-      return "is no ICC profile";
+      return "is not an ICC profile";
     case ProfileFault::kIncomplete:
-      return "is shorter than its header says";
+      return "is shorter than its header states";
   }
   return "cannot be used";
 }
@@ -62,17 +61,17 @@ Finding aboutXServer(const desktop::XServerReport& x) {
   switch (x.state) {
     case XServerState::kNotNamed:
       return environmentText("WAYLAND_DISPLAY").empty()
-                 ? missing(kXServer, "DISPLAY is not set, so there is no X server to ask for displays",
+                 ? missing(kXServer, "DISPLAY is not set, so no X server can be queried",
                            "export DISPLAY=:0, in a session with an X server")
-                 : missing(kXServer, "DISPLAY is not set: this Wayland session offers no X server to ask for displays",
+                 : missing(kXServer, "DISPLAY is not set: this Wayland session has no X server",
                            "apt-get install xwayland, and log in again");
     case XServerState::kRefused:
-      return missing(kXServer, "there is no X server " + x.display + ", or it does not let this user in",
-                     query + ", which says why");
+      return missing(kXServer, "there is no X server " + x.display + ", or it refuses this user",
+                     query + ", which prints the reason");
     case XServerState::kSilent:
-      return missing(kXServer, server + " does not answer", "end the program that holds it up, or log in again");
+      return missing(kXServer, server + " does not respond", "end the program that blocks it, or log in again");
     case XServerState::kNoRandr:
-      return missing(kXServer, server + " has no RandR 1.2, without which displays cannot be told apart",
+      return missing(kXServer, server + " lacks RandR 1.2, which lists the displays",
                      "start it without \"-extension RANDR\"");
     case XServerState::kReady:
       break;
@@ -89,17 +88,17 @@ Finding aboutXServer(const desktop::XServerReport& x) {
 Finding aboutColord(const desktop::ColordReport& colord) {
   switch (colord.state) {
     case ColordState::kNoBus:
-      return missing(kColord, "the system bus cannot be reached, and so neither can colord, which keeps the profiles",
+      return missing(kColord, "the system bus cannot be reached, nor colord, which stores the profiles",
                      "systemctl start dbus");
     case ColordState::kNotInstalled:
-      return missing(kColord, "the system bus has no colord, which keeps the displays' profiles",
+      return missing(kColord, "the system bus has no colord, which stores the displays' profiles",
                      "apt-get install colord, or if it is installed: systemctl start colord");
     case ColordState::kSilent:
-      return missing(kColord, "colord does not start or does not answer", "systemctl restart colord");
+      return missing(kColord, "colord does not start or does not respond", "systemctl restart colord");
     case ColordState::kReady:
       break;
   }
-  return good(kColord, "answers, and knows " + counted(colord.devices.size(), "display device", "display devices"));
+  return good(kColord, "running, " + counted(colord.devices.size(), "display device", "display devices"));
 }
 
 void addFolders(std::vector<Finding>& findings) {
@@ -118,8 +117,8 @@ void addFolders(std::vector<Finding>& findings) {
     if (folder.faults.size() > kMostFaults) {
       findings.push_back(missing(
           kFiles,
-          folder.path + ": " + std::to_string(folder.faults.size() - kMostFaults) + " more files are no profiles",
-          "mend those above, and ask again"));
+          folder.path + ": " + std::to_string(folder.faults.size() - kMostFaults) + " more files are not profiles",
+          "fix those above, then run doctor again"));
     }
   }
   if (profiles == 0) {
@@ -146,10 +145,10 @@ Finding aboutEdid(const desktop::XServerReport& x, std::size_t index) {
     const bool has_bytes = std::any_of(x.monitors.begin(), x.monitors.end(), [&](const desktop::Monitor& monitor) {
       return monitor.connector == display.connector && !monitor.edid.empty();
     });
-    return missing(kEdid,
-                   has_bytes ? "what the monitor says about itself is no valid EDID, so it has no name"
-                             : "the monitor says nothing about itself, so it has no name",
-                   remedy);
+    return missing(
+        kEdid,
+        has_bytes ? "the monitor's EDID is invalid, so it has no name" : "the monitor sends no EDID, so it has no name",
+        remedy);
   }
   const std::string numbers = "vendor " + hexadecimal(edid->vendor) + ", product " + hexadecimal(edid->product) +
                               ", serial " + std::to_string(edid->serial);
@@ -165,11 +164,11 @@ Finding aboutFile(const std::string& path, const std::string& remedy) {
 void addColord(std::vector<Finding>& findings, const desktop::ColordReport& colord, std::size_t index,
                std::uint32_t number) {
   if (colord.state != ColordState::kReady) {
-    return;  // said once for all displays
+    return;  // reported once for all displays
   }
   const auto match = colord.matches[index];
   if (!match) {
-    findings.push_back(missing(kColord, "knows no device of this display", assignCommand(number)));
+    findings.push_back(missing(kColord, "has no device for this display", assignCommand(number)));
     return;
   }
   const desktop::ColordDevice& device = colord.devices[*match];
@@ -217,7 +216,7 @@ Diagnosis examineFile(const Plugin& plugin, const std::string& file) {
   Diagnosis diagnosis;
   const std::vector<Display> displays = describeDisplays(plugin);
   const std::string remedy = "edit " + shellWord(file) + " (docs/desktop-file.md)";
-  diagnosis.findings.push_back(note(kSource, file + " describes the desktop; the computer's own is not asked"));
+  diagnosis.findings.push_back(note(kSource, file + " describes the desktop; the computer's own is not queried"));
   if (displays.empty()) {
     diagnosis.findings.push_back(missing(kSource, "has no displays", remedy));
   }
@@ -235,7 +234,7 @@ Diagnosis examineFile(const Plugin& plugin, const std::string& file) {
 }  // namespace
 
 Diagnosis examineDesktop(const Plugin& plugin) {
-  const std::string file = environmentText("OSTREVIN_DESKTOP");  // set when a file was chosen by an option, too
+  const std::string file = environmentText("OSTREVIN_DESKTOP");  // chooseDesktop() sets it for the option, too
   return file.empty() ? examineLive(plugin) : examineFile(plugin, file);
 }
 

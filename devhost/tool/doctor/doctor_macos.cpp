@@ -1,10 +1,9 @@
-// The sources are the system's own frameworks; what they answer is asked for through the plugin, and can be seen from
-// its answers.
+// The sources are the system's frameworks, queried through the plugin.
 #include <unistd.h>
 
 #include "devhost/language/value.h"
-#include "devhost/tool/displays.h"
 #include "devhost/tool/doctor/doctor.h"
+#include "devhost/tool/session/displays.h"
 
 namespace devhost::tool {
 namespace {
@@ -18,15 +17,15 @@ Finding aboutName(const Display& display) {
     return good(kIOKit, "\"" + display.name + "\"");
   }
   return missing(kIOKit, "has no display service with a name for it; on Macs with Apple silicon there are none",
-                 "nothing mends that on such a Mac; on another one, connect the monitor again");
+                 "none on such a Mac; on others, connect the monitor again");
 }
 
 Finding aboutProfile(const Display& display) {
   if (display.profile.empty()) {
-    return missing(kColorSync, "knows no current profile", assignCommand(display.number));
+    return missing(kColorSync, "has no current profile", assignCommand(display.number));
   }
   if (access(display.profile.c_str(), R_OK) != 0) {
-    return missing(kColorSync, display.profile + " is not there or cannot be read", assignCommand(display.number));
+    return missing(kColorSync, display.profile + " does not exist or cannot be read", assignCommand(display.number));
   }
   return good(kColorSync, display.profile);
 }

@@ -17,7 +17,7 @@ constexpr std::array<const char*, 16> kBoxDrawing = {" ", "╵", "╷", "│", "
 constexpr std::array<char, 16> kAscii = {' ', '|', '|', '|', '-', '+', '+', '+',
                                          '-', '+', '+', '+', '-', '+', '+', '+'};
 
-/// Takes away the directions `cut` and adds `added`.
+/// Removes the directions `cut` and adds `added`.
 void join(std::uint8_t& cell, unsigned cut, unsigned added) { cell = static_cast<std::uint8_t>((cell & ~cut) | added); }
 
 }  // namespace

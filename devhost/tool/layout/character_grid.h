@@ -1,4 +1,4 @@
-// A grid of character cells with lines in them that know how to join, and texts.
+// A grid of character cells with texts, and with lines that join where they meet.
 #pragma once
 
 #include <cstddef>
@@ -21,9 +21,9 @@ class CharacterGrid {
  public:
   CharacterGrid(std::size_t columns, std::size_t rows) : columns_(columns), rows_(rows), lines_(columns * rows) {}
 
-  /// Draws the outline and clears what is inside. Lines that meet the outline join it. At least two columns and rows.
+  /// Draws the outline and clears its inside. Lines that meet the outline join it. At least two columns and rows.
   void addBox(const CellArea& area);
-  /// Replaces what is there by a text without control characters, `width` columns wide, which must fit into the row.
+  /// Overwrites cells with a text without control characters, `width` columns wide, which must fit into the row.
   void addText(std::size_t column, std::size_t row, std::string text, std::size_t width);
 
   /// The rows without the blanks at their ends, each with a line end.
@@ -39,7 +39,7 @@ class CharacterGrid {
 
   std::size_t columns_;
   std::size_t rows_;
-  std::vector<std::uint8_t> lines_;                            ///< the directions in which a cell's lines leave it
+  std::vector<std::uint8_t> lines_;                            ///< the directions of each cell's lines
   std::map<std::pair<std::size_t, std::size_t>, Text> texts_;  ///< by row and column
 };
 

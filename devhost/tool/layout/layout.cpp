@@ -11,12 +11,11 @@
 namespace devhost::tool {
 namespace {
 
-/// No desktop is larger, and beside what lies further out nothing else could be seen.
+/// Coordinates beyond this are not drawn: at their scale nothing else would be visible.
 constexpr double kFarthest = 1e7;
-/// More covers than this leave no part worth looking for.
+/// With more covers a free part is not searched for.
 constexpr std::size_t kMostCovers = 8;
 constexpr std::size_t kMostNotes = 10;
-constexpr const char* kEllipsis = "…";
 
 bool isDrawable(const Display& display) {
   const double edges[] = {display.x, display.y, display.x + display.width, display.y + display.height};
@@ -67,6 +66,49 @@ std::string scalesText(const LayoutBox& box) {
   return "scale " + joined(each(box, [](const Display& one) { return numberText(one.scale); }), " + ");
 }
 
+/// The lines of a label in several forms, from the most readable to the smallest. Names are cut to `longest_name`
+/// columns.
+std::vector<std::vector<std::string>> labels(const LayoutBox& box, std::size_t longest_name) {
+  const std::string numbers = numbersText(box);
+  const std::string scales = scalesText(box);
+  const std::string size = sizeText(box.displays.front());
+  const std::string position = positionText(box.displays.front());
+  std::vector<std::string> names = each(box, [](const Display& display) { return printable(display.name); });
+  for (std::string& name : names) {
+    name = shortened(name, longest_name, kEllipsis);
+  }
+  const auto label = [&](const std::string& first, const std::vector<std::string>& last) {
+    std::vector<std::string> lines{first};
+    lines.insert(lines.end(), names.begin(), names.end());
+    lines.insert(lines.end(), last.begin(), last.end());
+    return lines;
+  };
+  std::string size_and_position = size;
+  size_and_position.append(" ").append(position);
+  std::string numbers_and_scales = numbers;
+  numbers_and_scales.append(", ").append(scales);
+  return {label(numbers, {size_and_position, scales}), label(numbers, {size, position, scales}),
+          label(numbers_and_scales, {size_and_position}), label(numbers_and_scales, {size, position})};
+}
+
+/// The numbers alone, from the most readable form to the shortest.
+std::vector<std::string> shortLabels(const LayoutBox& box) {
+  const auto brief = [&](const char* mark, const char* between) {
+    return joined(each(box, [&](const Display& one) { return std::to_string(one.number) + (isMain(one) ? mark : ""); }),
+                  between);
+  };
+  return {numbersText(box), brief("*", " + "), brief("*", "+"), brief("", "+")};
+}
+
+bool fits(const std::vector<std::string>& lines, double size, const LabelSpace& space) {
+  std::size_t columns = 0;
+  for (const std::string& line : lines) {
+    columns = std::max(columns, columnsOf(line));
+  }
+  return static_cast<double>(columns) * space.column_width * size <= space.area.width() &&
+         static_cast<double>(lines.size()) * space.line_height * size <= space.area.height();
+}
+
 std::vector<double> edgesWithin(double first, double last, std::vector<double> edges) {
   std::erase_if(edges, [=](double edge) { return edge <= first || edge >= last; });
   edges.push_back(first);
@@ -76,7 +118,7 @@ std::vector<double> edgesWithin(double first, double last, std::vector<double> e
   return edges;
 }
 
-/// Draws the main display's box last where that covers nothing, so that its outline is whole beside its neighbours'.
+/// Draws the main display's box last unless that covers another one, to keep its outline whole beside its neighbours'.
 void raiseMain(std::vector<LayoutBox>& boxes) {
   const auto main = std::find_if(boxes.begin(), boxes.end(), [](const LayoutBox& box) { return box.is_main; });
   if (main != boxes.end() &&
@@ -151,40 +193,50 @@ Area largestFreePart(const Area& area, std::span<const Area> covers) {
   return best;
 }
 
-std::vector<std::vector<std::string>> labels(const LayoutBox& box, std::size_t longest_name) {
-  const std::string numbers = numbersText(box);
-  const std::string scales = scalesText(box);
-  const std::string size = sizeText(box.displays.front());
-  const std::string position = positionText(box.displays.front());
-  std::vector<std::string> names = each(box, [](const Display& display) { return printable(display.name); });
-  for (std::string& name : names) {
-    name = shortened(name, longest_name, kEllipsis);
+std::optional<Label> fitLabel(const LayoutBox& box, const LabelSpace& space) {
+  for (const double size : space.sizes) {
+    for (auto& lines : labels(box, std::string::npos)) {
+      if (fits(lines, size, space)) {
+        return Label{std::move(lines), size, true};
+      }
+    }
   }
-  const auto label = [&](const std::string& first, const std::vector<std::string>& last) {
-    std::vector<std::string> lines{first};
-    lines.insert(lines.end(), names.begin(), names.end());
-    lines.insert(lines.end(), last.begin(), last.end());
-    return lines;
-  };
-  std::string size_and_position = size;
-  size_and_position.append(" ").append(position);
-  std::string numbers_and_scales = numbers;
-  numbers_and_scales.append(", ").append(scales);
-  return {label(numbers, {size_and_position, scales}), label(numbers, {size, position, scales}),
-          label(numbers_and_scales, {size_and_position}), label(numbers_and_scales, {size, position})};
-}
-
-std::vector<std::string> shortLabels(const LayoutBox& box) {
-  const auto brief = [&](const char* mark, const char* between) {
-    return joined(each(box, [&](const Display& one) { return std::to_string(one.number) + (isMain(one) ? mark : ""); }),
-                  between);
-  };
-  return {numbersText(box), brief("*", " + "), brief("*", "+"), brief("", "+")};
+  for (const double size : space.sizes) {
+    const double columns = std::floor(std::max(space.area.width(), 0.0) / space.column_width / size);
+    for (auto& lines : labels(box, static_cast<std::size_t>(columns))) {
+      if (columns >= kShortestName && fits(lines, size, space)) {
+        return Label{std::move(lines), size, false};
+      }
+    }
+  }
+  for (const double size : space.number_sizes) {
+    for (const std::string& line : shortLabels(box)) {
+      if (fits({line}, size, space)) {
+        return Label{{line}, size, false};
+      }
+    }
+  }
+  return std::nullopt;
 }
 
 std::vector<std::string> legendRow(const Display& display) {
   return {std::to_string(display.number), isMain(display) ? "main" : "", printable(display.name),
           sizeText(display) + " " + positionText(display), "scale " + numberText(display.scale)};
+}
+
+std::vector<std::vector<std::string>> legendRows(std::vector<Display> displays, const Layout& layout) {
+  std::stable_sort(displays.begin(), displays.end(), [](const Display& a, const Display& b) {
+    return a.index.value_or(UINT32_MAX) < b.index.value_or(UINT32_MAX);
+  });
+  std::vector<std::vector<std::string>> rows;
+  for (const Display& display : displays) {
+    rows.push_back(legendRow(display));
+  }
+  for (const Display& display : layout.undrawn) {
+    rows.push_back(legendRow(display));
+    rows.back().emplace_back("not drawn");
+  }
+  return rows;
 }
 
 std::vector<std::string> overlapNotes(const Layout& layout) {

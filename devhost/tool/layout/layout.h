@@ -3,15 +3,16 @@
 #pragma once
 
 #include <cstddef>
+#include <optional>
 #include <span>
 #include <string>
 #include <vector>
 
-#include "devhost/tool/displays.h"
+#include "devhost/tool/session/displays.h"
 
 namespace devhost::tool {
 
-/// A rectangle, in whatever unit; y grows downwards.
+/// A rectangle in any unit; y grows downwards.
 struct Area {
   double left = 0;
   double top = 0;
@@ -21,10 +22,10 @@ struct Area {
   double height() const { return bottom - top; }
 };
 
-/// Whether they have more than an edge in common.
+/// Whether they share more than an edge.
 bool overlap(const Area& a, const Area& b);
 
-/// A place on the desktop and the displays that show it: more than one where they mirror one another exactly.
+/// A rectangle of the desktop and the displays that show it: several when they mirror each other exactly.
 struct LayoutBox {
   Area bounds;  ///< in points
   std::vector<Display> displays;
@@ -33,28 +34,65 @@ struct LayoutBox {
 
 struct Layout {
   std::vector<LayoutBox> boxes;  ///< in the order in which to draw them: a box covers those before it
-  std::vector<Display> undrawn;  ///< without an area, or beyond what can be drawn beside others
-  Area bounds;                   ///< of all boxes together; empty without a box
+  std::vector<Display> undrawn;  ///< empty, or too far away to be drawn beside others
+  Area bounds;                   ///< of all boxes together; empty without boxes
 };
 
-/// `displays` with the main one first. Larger boxes come before smaller ones, so that every box has a part that shows.
+/// Takes the main display first. Larger boxes come before smaller ones, so that a part of every box is visible.
 Layout arrangeLayout(const std::vector<Display>& displays);
 
-/// The largest rectangle inside `area` that none of `covers` overlaps; one without an area when there is none, or when
-/// the covers are too many to find it.
+/// The largest rectangle inside `area` that none of `covers` overlaps; empty when there is none, or too many covers to
+/// search.
 Area largestFreePart(const Area& area, std::span<const Area> covers);
 
 // --- texts, all of them printable
 
-/// Lines of a label, from the most readable form to the one that needs least room. `longest_name` is the columns that a
-/// line with a name may take.
-std::vector<std::vector<std::string>> labels(const LayoutBox& box, std::size_t longest_name);
-/// The numbers alone, from the most readable form to the shortest.
-std::vector<std::string> shortLabels(const LayoutBox& box);
+inline constexpr const char* kEllipsis = "…";
+/// Names are not cut to fewer columns.
+inline constexpr std::size_t kShortestName = 8;
+
+/// The space for a label, and how large its letters may be. Lengths of a letter are multiples of its size.
+struct LabelSpace {
+  Area area;
+  double column_width = 1;
+  double line_height = 1;
+  std::span<const double> sizes;         ///< of whole labels, largest first
+  std::span<const double> number_sizes;  ///< of labels that are a number only
+};
+
+struct Label {
+  std::vector<std::string> lines;
+  double size = 0;           ///< of the letters
+  bool is_complete = false;  ///< false: the legend has to repeat it
+};
+
+/// The most readable label of the box that fits; nothing when none does.
+std::optional<Label> fitLabel(const LayoutBox& box, const LabelSpace& space);
 
 /// One display as a row of a legend: number, "main" or nothing, name, bounds, scale.
 std::vector<std::string> legendRow(const Display& display);
-/// Such as "overlap: 1 and 2", one for each pair of boxes, as far as they are few.
+/// The rows of `displays` in order, then those of the displays that are not drawn, with "not drawn" as a sixth cell.
+std::vector<std::vector<std::string>> legendRows(std::vector<Display> displays, const Layout& layout);
+/// Such as "overlap: 1 and 2", for each pair of boxes; a long list is cut.
 std::vector<std::string> overlapNotes(const Layout& layout);
+
+// --- pictures
+
+struct TextStyle {
+  std::size_t columns = 80;  ///< of the terminal; no line is longer
+  bool ascii = false;        ///< ASCII only, for terminals without UTF-8
+};
+
+/// Narrower terminals are taken to have this many columns.
+inline constexpr std::size_t kFewestColumns = 20;
+
+/// Lines, each with its line end. Proportions are right as far as character cells, twice as high as wide, allow. A
+/// display without room for its label has its number there and a line in the legend below.
+std::string drawText(const Layout& layout, const TextStyle& style);
+
+/// An SVG document in UTF-8. Every box is a group with a rectangle, to one scale and one origin, and its displays in
+/// data attributes; see docs/json.md. The picture has no background: its colours suit a light page and a dark one, and
+/// follow the reader's preference where the viewer supports it.
+std::string drawSvg(const Layout& layout);
 
 }  // namespace devhost::tool

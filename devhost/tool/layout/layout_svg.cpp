@@ -1,11 +1,10 @@
-#include "devhost/tool/layout/layout_svg.h"
-
 #include <algorithm>
 #include <cmath>
 #include <optional>
 
 #include "devhost/language/printable.h"
 #include "devhost/language/value.h"
+#include "devhost/tool/layout/layout.h"
 
 namespace devhost::tool {
 namespace {
@@ -19,14 +18,12 @@ constexpr double kNarrowestPicture = 480;
 constexpr double kPadding = 6;
 constexpr double kLegendSize = 12;
 constexpr double kLineHeight = 1.3;  ///< of the size of the letters
-/// A character of a monospaced font takes 0.6 of its size; a little more is left, for fonts that are wider.
+/// A character of a monospaced font takes 0.6 of its size; wider fonts a little more.
 constexpr double kColumnWidth = 0.62;
 constexpr double kLabelSizes[] = {14, 12, 11, 10};
 constexpr double kNumberSizes[] = {16, 12, 10, 8, 6, 4};
-constexpr std::size_t kShortestName = 8;
-constexpr const char* kEllipsis = "…";
 
-/// The colours in the attributes can be read on any page; these are for readers who say what they prefer.
+/// For readers with a preference; the colours in the attributes are readable on any page.
 constexpr const char* kStyle =
     "  <style>\n"
     "    @media (prefers-color-scheme: light) {\n"
@@ -68,7 +65,7 @@ std::string escaped(const std::string& text) {
   return result;
 }
 
-/// To a thousandth, in the same form in every locale.
+/// To a thousandth, independent of the locale.
 std::string lengthText(double length) { return numberText(std::round(length * 1000) / 1000); }
 
 std::string attribute(const char* name, const std::string& value) {
@@ -83,20 +80,6 @@ std::string areaAttributes(const Area& area) {
 std::string textElement(double x, double y, const std::string& text, bool is_bold = false) {
   return "<text" + attribute("x", lengthText(x)) + attribute("y", lengthText(y)) +
          (is_bold ? " font-weight=\"bold\"" : "") + ">" + escaped(text) + "</text>";
-}
-
-struct Label {
-  std::vector<std::string> lines;
-  double size = 0;  ///< of the letters
-};
-
-bool fits(const std::vector<std::string>& lines, double size, const Area& part) {
-  std::size_t columns = 0;
-  for (const std::string& line : lines) {
-    columns = std::max(columns, columnsOf(line));
-  }
-  return static_cast<double>(columns) * kColumnWidth * size <= part.width() &&
-         static_cast<double>(lines.size()) * kLineHeight * size <= part.height();
 }
 
 class Picture {
@@ -145,35 +128,6 @@ class Picture {
     return {x(points.left), y(points.top), x(points.right), y(points.bottom)};
   }
 
-  /// What is written into the free part of a box; nothing when there is no room. What does not fit goes into the
-  /// legend.
-  std::optional<Label> labelFor(const LayoutBox& box, const Area& part) {
-    for (const double size : kLabelSizes) {
-      for (auto& lines : labels(box, std::string::npos)) {
-        if (fits(lines, size, part)) {
-          return Label{std::move(lines), size};
-        }
-      }
-    }
-    legend_.insert(legend_.end(), box.displays.begin(), box.displays.end());
-    for (const double size : kLabelSizes) {
-      const double columns = std::floor(std::max(part.width(), 0.0) / kColumnWidth / size);
-      for (auto& lines : labels(box, static_cast<std::size_t>(columns))) {
-        if (columns >= kShortestName && fits(lines, size, part)) {
-          return Label{std::move(lines), size};
-        }
-      }
-    }
-    for (const double size : kNumberSizes) {
-      for (const std::string& line : shortLabels(box)) {
-        if (fits({line}, size, part)) {
-          return Label{{line}, size};
-        }
-      }
-    }
-    return std::nullopt;
-  }
-
   std::string boxElement(std::size_t index, const std::vector<Area>& areas) {
     const LayoutBox& box = layout_.boxes[index];
     const Area& area = areas[index];
@@ -183,17 +137,21 @@ class Picture {
                           ">\n    <title>" + escaped(titleOf(box)) + "</title>\n    <rect" + areaAttributes(area) +
                           " " + (box.is_main ? kMainColours : kDisplayColours) +
                           attribute("stroke-width", box.is_main ? "2.5" : "1.5") +
-                          // Where it covers another one, that one's edges are to show through.
+                          // The edges of a covered box show through.
                           (is_above ? " fill-opacity=\"0.88\"" : "") + "/>\n";
     Area part = largestFreePart(area, std::span(areas).subspan(index + 1));
     part = {part.left + kPadding, part.top + kPadding / 2, part.right - kPadding, part.bottom - kPadding / 2};
-    if (const auto label = labelFor(box, part)) {
+    const auto label = fitLabel(box, {part, kColumnWidth, kLineHeight, kLabelSizes, kNumberSizes});
+    if (!label || !label->is_complete) {
+      legend_.insert(legend_.end(), box.displays.begin(), box.displays.end());
+    }
+    if (label) {
       element += labelElement(*label, part, area, index);
     }
     return element + "  </g>\n";
   }
 
-  /// The lines in the middle of `part`; whatever a font makes of them, nothing is painted outside the box.
+  /// The lines in the middle of `part`, clipped to the box.
   static std::string labelElement(const Label& label, const Area& part, const Area& box, std::size_t index) {
     const std::string clip = "box" + std::to_string(index);
     const double height = kLineHeight * label.size;
@@ -225,7 +183,7 @@ class Picture {
            attribute("data-height", numberText(box.displays.front().height));
   }
 
-  /// What viewers show under the pointer.
+  /// The tooltip.
   static std::string titleOf(const LayoutBox& box) {
     std::string title;
     for (const Display& display : box.displays) {
@@ -237,17 +195,11 @@ class Picture {
     return title;
   }
 
-  /// Below the picture; `bottom` is where that ends, and then where the legend does.
+  /// Below the picture. `bottom` is the end of the picture, and is set to that of the legend.
   std::string legend(double& bottom) {
-    std::stable_sort(legend_.begin(), legend_.end(), [](const Display& a, const Display& b) {
-      return a.index.value_or(UINT32_MAX) < b.index.value_or(UINT32_MAX);
-    });
     std::vector<std::string> lines;
-    for (const Display& display : legend_) {
-      lines.push_back(legendLine(display, ""));
-    }
-    for (const Display& display : layout_.undrawn) {
-      lines.push_back(legendLine(display, ", not drawn"));
+    for (const auto& row : legendRows(legend_, layout_)) {
+      lines.push_back(legendLine(row));
     }
     const auto notes = overlapNotes(layout_);
     lines.insert(lines.end(), notes.begin(), notes.end());
@@ -273,11 +225,10 @@ class Picture {
     return static_cast<std::size_t>((width_ - 2 * kMargin) / kColumnWidth / kLegendSize);
   }
 
-  /// The name is what is cut when the line is too long.
-  std::string legendLine(const Display& display, const std::string& end) const {
-    std::vector<std::string> cells = legendRow(display);
-    std::string before = cells[0] + (cells[1].empty() ? "" : " " + cells[1]) + ": ";
-    std::string after = ", " + cells[3] + ", " + cells[4] + end;
+  /// Cuts the name of a line that is too long.
+  std::string legendLine(const std::vector<std::string>& cells) const {
+    const std::string before = cells[0] + (cells[1].empty() ? "" : " " + cells[1]) + ": ";
+    const std::string after = ", " + cells[3] + ", " + cells[4] + (cells.size() > 5 ? ", " + cells[5] : "");
     const std::size_t others = columnsOf(before) + columnsOf(after);
     const std::size_t left = legendColumns() > others + kShortestName ? legendColumns() - others : kShortestName;
     return before + shortened(cells[2], left, kEllipsis) + after;

@@ -1,24 +1,20 @@
-#include "devhost/tool/layout/layout_text.h"
-
 #include <algorithm>
 #include <cmath>
 #include <optional>
 
 #include "devhost/language/printable.h"
 #include "devhost/tool/layout/character_grid.h"
+#include "devhost/tool/layout/layout.h"
 
 namespace devhost::tool {
 namespace {
 
 /// A character cell is about this many times as high as it is wide.
 constexpr double kCellHeight = 2;
-/// The drawing is to stay on the screen together with the command; and one display alone need not fill it.
+/// The drawing fits on the screen together with the command, and one display alone does not fill it.
 constexpr double kMostRows = 24;
 constexpr double kWidestBox = 40;
-/// A name that is cut to fewer columns than this says too little.
-constexpr std::size_t kShortestName = 8;
 constexpr std::size_t kGap = 2;
-constexpr const char* kEllipsis = "…";
 constexpr const char* kAsciiEllipsis = "~";
 
 class Drawing {
@@ -36,12 +32,7 @@ class Drawing {
   }
 
  private:
-  struct Placed {
-    CellArea cells;
-    Area area;  ///< the same, as something that another one may cover
-  };
-
-  /// Points to the column, so that everything fits.
+  /// Points per column at which everything fits.
   double pointsPerColumn() const {
     double widest = 0;
     for (const LayoutBox& box : layout_.boxes) {
@@ -51,7 +42,7 @@ class Drawing {
                      layout_.bounds.height() / kCellHeight / (kMostRows - 1), widest / (kWidestBox - 1)});
   }
 
-  /// The cells of a span's edges. Two at least, so that there is an outline to draw.
+  /// The cells of a span's edges: at least two, for an outline.
   static std::pair<std::size_t, std::size_t> edges(double first, double last, double unit, std::size_t count) {
     auto begin = static_cast<std::size_t>(std::lround(first / unit));
     auto end = static_cast<std::size_t>(std::lround(last / unit));
@@ -76,7 +67,7 @@ class Drawing {
       const auto [top, bottom] =
           edges(box.bounds.top - layout_.bounds.top, box.bounds.bottom - layout_.bounds.top, unit * kCellHeight, rows);
       places.push_back({left, top, right, bottom});
-      // One cell more, so that a cover's outline counts as covering, and a neighbour's does not.
+      // One cell more: a cover's outline counts as covering, a neighbour's does not.
       areas.push_back({static_cast<double>(left), static_cast<double>(top), static_cast<double>(right) + 1,
                        static_cast<double>(bottom) + 1});
       grid.addBox(places.back());
@@ -100,11 +91,6 @@ class Drawing {
     return asciiOnly(text);
   }
 
-  static bool fits(const std::vector<std::string>& lines, std::size_t columns, std::size_t rows) {
-    return lines.size() <= rows &&
-           std::all_of(lines.begin(), lines.end(), [=](const std::string& line) { return columnsOf(line) <= columns; });
-  }
-
   /// Lines in the middle of the free cells.
   void writeLines(CharacterGrid& grid, const std::vector<std::string>& lines, const Area& free) const {
     const auto columns = static_cast<std::size_t>(free.width());
@@ -118,44 +104,18 @@ class Drawing {
   }
 
   void write(CharacterGrid& grid, const LayoutBox& box, const Area& free) {
-    const auto columns = static_cast<std::size_t>(std::max(free.width(), 0.0));
-    const auto rows = static_cast<std::size_t>(std::max(free.height(), 0.0));
-    for (const auto& lines : labels(box, columns == 0 ? 0 : std::string::npos)) {
-      if (fits(lines, columns, rows)) {
-        writeLines(grid, lines, free);
-        return;
-      }
+    constexpr double kSize[] = {1};
+    const auto label = fitLabel(box, {free, 1, 1, kSize, kSize});
+    if (label) {
+      writeLines(grid, label->lines, free);
     }
-    legend_.insert(legend_.end(), box.displays.begin(), box.displays.end());
-    if (columns >= kShortestName) {
-      for (const auto& lines : labels(box, columns)) {
-        if (fits(lines, columns, rows)) {
-          writeLines(grid, lines, free);
-          return;
-        }
-      }
-    }
-    for (const std::string& line : shortLabels(box)) {
-      if (fits({line}, columns, rows)) {
-        writeLines(grid, {line}, free);
-        return;
-      }
+    if (!label || !label->is_complete) {
+      legend_.insert(legend_.end(), box.displays.begin(), box.displays.end());
     }
   }
 
   std::string legend() {
-    std::stable_sort(legend_.begin(), legend_.end(), [](const Display& a, const Display& b) {
-      return a.index.value_or(UINT32_MAX) < b.index.value_or(UINT32_MAX);
-    });
-    std::vector<std::vector<std::string>> rows;
-    for (const Display& display : legend_) {
-      rows.push_back(legendRow(display));
-    }
-    for (const Display& display : layout_.undrawn) {
-      rows.push_back(legendRow(display));
-      rows.back().emplace_back("not drawn");
-    }
-    std::string result = table(rows);
+    std::string result = table(legendRows(legend_, layout_));
     for (const std::string& note : overlapNotes(layout_)) {
       result += shortened(note, columns_, ellipsis()) + '\n';
     }
@@ -164,7 +124,7 @@ class Drawing {
 
   const char* ellipsis() const { return style_.ascii ? kAsciiEllipsis : kEllipsis; }
 
-  /// Rows of cells in columns; names are cut where a line would be too long, and lines if that is not enough.
+  /// Rows of cells in columns. In lines that are too long, the name is cut, then the line.
   std::string table(std::vector<std::vector<std::string>> rows) const {
     constexpr std::size_t kName = 2;
     std::vector<std::size_t> widths(6, 0);

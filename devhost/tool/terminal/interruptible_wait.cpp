@@ -15,7 +15,8 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
-/// The signal handler writes to the second, so that a wait on the first ends however close before it the signal came.
+/// A pipe: the signal handler writes to the second end, and waits poll the first, so no signal is lost between two
+/// waits.
 std::array<int, 2> ends = {-1, -1};
 
 void endWaits(int /*signal*/) {
@@ -58,7 +59,7 @@ bool InterruptibleWait::wait(Clock::duration time) {
   while (true) {
     const auto left = std::chrono::ceil<std::chrono::milliseconds>(deadline - Clock::now()).count();
     const int limit = static_cast<int>(std::clamp<std::int64_t>(left, 0, INT_MAX));
-    // Without events, the output's end reports only that its other end is closed.
+    // With no events requested, poll reports of the output only that its reader has closed it.
     std::array<pollfd, 2> watched{pollfd{ends[0], POLLIN, 0}, pollfd{STDOUT_FILENO, 0, 0}};
     const int ready = poll(watched.data(), watched.size(), limit);
     if (ready > 0) {

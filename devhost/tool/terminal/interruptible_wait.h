@@ -1,4 +1,4 @@
-// Waiting that ends early when the process is asked to end, or when nobody reads its output any more. One thread, one
+// Waiting that ends early at SIGINT, at SIGTERM, and when the reader of the standard output closes it. One thread, one
 // object at a time.
 #pragma once
 
@@ -7,8 +7,8 @@
 
 namespace devhost::tool {
 
-/// While it lives, SIGINT and SIGTERM end waits instead of the process, and writing to a closed pipe is an error
-/// instead of the end.
+/// While it exists, SIGINT and SIGTERM end waits instead of the process, and writing to a closed pipe fails instead of
+/// ending the process.
 class InterruptibleWait {
  public:
   /// Throws std::runtime_error when the system is out of descriptors.

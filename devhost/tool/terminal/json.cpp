@@ -2,7 +2,7 @@
 
 #include <iostream>
 
-#include "devhost/entries/host.h"
+#include "devhost/runtime/objects.h"
 
 namespace devhost::tool {
 namespace {
@@ -11,7 +11,7 @@ struct Converter {
   Json operator()(bool truth) const { return truth; }
   Json operator()(std::int64_t number) const { return number; }
   Json operator()(std::uint64_t number) const { return number; }
-  Json operator()(double number) const { return number; }  // written as null when it is no finite number
+  Json operator()(double number) const { return number; }  // written as null unless finite
   Json operator()(const std::string& text) const { return text; }
   Json operator()(const Values& elements) const {
     Json list = Json::array();

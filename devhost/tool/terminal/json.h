@@ -1,4 +1,4 @@
-// JSON documents of the tool; docs/json.md describes them.
+// The tool's JSON documents; docs/json.md describes them.
 #pragma once
 
 #include <nlohmann/json.hpp>
@@ -7,16 +7,16 @@
 
 namespace devhost::tool {
 
-/// Changes whenever a member changes its meaning or goes away; new members may come without a change.
+/// Changes when a member changes its meaning or is removed; new members do not change it.
 inline constexpr int kJsonVersion = 1;
 
 using Json = nlohmann::ordered_json;
 
-/// A document with the members that every one has.
+/// A document with the members that all have in common.
 Json jsonDocument(const char* command);
-/// Numbers, truth values, texts and lists; null for nil, NaN, infinities and everything that has no other form.
+/// Numbers, truth values, texts and lists; null for nil, NaN, infinities and all other types.
 Json jsonValue(const Value& value);
-/// To the standard output, indented, with a line end. Bytes that are no UTF-8 come out as U+FFFD.
+/// Prints to the standard output, indented, with a line end. Invalid UTF-8 becomes U+FFFD.
 void printJson(const Json& document);
 
 }  // namespace devhost::tool

@@ -14,10 +14,10 @@
 namespace devhost::tool {
 namespace {
 
-constexpr mode_t kNewFileMode = 0666;  // less what the user's mask takes away
+constexpr mode_t kNewFileMode = 0666;  // less the user's mask
 constexpr mode_t kPermissions = 07777;
 
-/// A file beside the one to be written, gone again unless it was moved into that one's place.
+/// A temporary file beside the target, removed unless it was moved into the target's place.
 class NewFile {
  public:
   explicit NewFile(const std::string& target) : path_(target + ".new" + std::to_string(getpid())) {
@@ -49,7 +49,7 @@ class NewFile {
   }
 
   bool moveTo(const std::string& target) {
-    // Some file systems tell only here that there was no room.
+    // Some file systems report a full disk only here.
     const bool is_closed = close(std::exchange(descriptor_, -1)) == 0;
     if (is_closed && rename(path_.c_str(), target.c_str()) == 0) {
       return true;
@@ -69,24 +69,24 @@ class NewFile {
   throw OutputError(path + ": cannot be written: " + std::strerror(errno));
 }
 
-/// Where the file is that `path` names, links followed; `path` itself where there is none.
+/// `path` with links followed; `path` itself when there is no such file.
 std::string followed(const std::string& path) {
   char target[PATH_MAX];
   return realpath(path.c_str(), target) == nullptr ? path : std::string(target);
 }
 
-/// The permissions of the regular file that is there; nothing when there is none.
+/// The permissions of the regular file at `path`; nothing when there is none.
 std::optional<mode_t> modeOfFile(const std::string& path) {
   struct stat status {};
   if (stat(path.c_str(), &status) != 0) {
     struct stat link {};
     if (lstat(path.c_str(), &link) == 0) {
-      throw OutputError(path + ": not written: it is a link that leads nowhere");
+      throw OutputError(path + ": not written: it is a dangling link");
     }
     return std::nullopt;
   }
   if (!S_ISREG(status.st_mode)) {
-    throw OutputError(path + ": not written: it is no regular file (\"-o -\" writes to the standard output)");
+    throw OutputError(path + ": not written: it is not a regular file (\"-o -\" writes to the standard output)");
   }
   if (access(path.c_str(), W_OK) != 0) {
     fail(path);

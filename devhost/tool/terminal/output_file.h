@@ -1,4 +1,4 @@
-// A file that the tool writes because the user named it.
+// Writes a file that the user named.
 #pragma once
 
 #include <stdexcept>
@@ -6,15 +6,14 @@
 
 namespace devhost::tool {
 
-/// A file that cannot be written. What() is one line that says why.
+/// A file that cannot be written. What() is one line with the reason.
 class OutputError : public std::runtime_error {
  public:
   using std::runtime_error::runtime_error;
 };
 
-/// Puts `content` at `path`: a new file, or in place of a regular file that is there, whole or not at all. A symbolic
-/// link is followed and stays. A device, a pipe, a socket or a directory is refused; for those the user has the shell's
-/// redirection. Throws OutputError.
+/// Creates or replaces the regular file at `path` atomically. A symbolic link is followed and stays. Devices, pipes,
+/// sockets and directories are refused; the shell's redirection serves for those. Throws OutputError.
 void writeFile(const std::string& path, const std::string& content);
 
 }  // namespace devhost::tool

@@ -1,13 +1,51 @@
-// What is known about the terminal that the standard output goes to.
+// Texts on the terminal.
 #pragma once
 
 #include <cstddef>
+#include <iosfwd>
+#include <string>
+#include <vector>
 
 namespace devhost::tool {
 
-/// Its width; 80 where the output goes elsewhere, or the terminal does not say.
+/// Width of the terminal behind the standard output; 80 where there is none, or it does not report one.
 std::size_t terminalColumns();
-/// Whether texts are UTF-8 by the user's locale, as LC_ALL, LC_CTYPE and LANG name it. Leaves the process's own alone.
+/// Whether the user's locale, set by LC_ALL, LC_CTYPE and LANG, is UTF-8. Does not change the process's locale.
 bool localeIsUtf8();
+
+/// Columns as wide as their widest cell, two blanks between them, cells made printable, the last column not padded.
+class Table {
+ public:
+  explicit Table(std::vector<std::string> headings);
+  /// As many cells as there are headings.
+  void addRow(std::vector<std::string> cells);
+  friend std::ostream& operator<<(std::ostream& out, const Table& table);
+
+ private:
+  std::vector<std::vector<std::string>> rows_;
+};
+
+/// Shorter lists show no progress.
+inline constexpr std::size_t kLongList = 1000;
+
+/// Counts the items of a long list on the terminal behind the standard error output, if there is one.
+class Progress {
+ public:
+  /// `what` is counted, such as "profiles".
+  explicit Progress(std::string what);
+  /// Clears the line.
+  ~Progress();
+  Progress(const Progress&) = delete;
+  Progress& operator=(const Progress&) = delete;
+
+  /// One more.
+  void step();
+
+ private:
+  std::string what_;
+  std::size_t count_ = 0;
+  bool on_terminal_;
+  bool shown_ = false;
+};
 
 }  // namespace devhost::tool

@@ -1,11 +1,10 @@
-// ostrevin-host doctor: on real servers of the test's own, with and without what a display needs.
+// ostrevin-host doctor, on private servers with and without what a display needs.
 #include <gmock/gmock.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <filesystem>
 
-#include "devhost/tool/layout_desktops.h"
 #include "devhost/tool/tool_runner.h"
 #include "support/private_colord.h"
 #include "support/x_proxy.h"
@@ -50,7 +49,7 @@ void expectMissing(const json& about, const std::string& source, const std::stri
 
 class Doctor : public tool_test::ToolTest {
  protected:
-  /// Runs with a profile folder of the test's own, beside the computer's.
+  /// Runs with a private profile folder beside the computer's.
   ToolRun run(std::vector<std::string> options = {}, const std::string& display = "",
               test_support::Environment more = {}) {
     options.insert(options.begin(), "doctor");
@@ -60,33 +59,31 @@ class Doctor : public tool_test::ToolTest {
     }
     return runTool(options, {display, "", more});
   }
-  std::string path(const std::string& name) const { return (folder_.path() / name).string(); }
 };
 
-TEST_F(Doctor, WithoutADisplayVariableSaysSo) {
-  const ToolRun told = run();
-  EXPECT_EQ(told.exit_status, 1);
-  EXPECT_THAT(told.output,
-              HasSubstr("X server   missing  DISPLAY is not set, so there is no X server to ask for displays\n"
-                        "                    to mend it: export DISPLAY=:0"));
-  EXPECT_THAT(told.output, HasSubstr("2 things are missing.\n"));
-  EXPECT_THAT(told.errors, IsEmpty());
+TEST_F(Doctor, ReportsMissingDisplayVariable) {
+  const ToolRun result = run();
+  EXPECT_EQ(result.exit_status, 1);
+  EXPECT_THAT(result.output, HasSubstr("X server   missing  DISPLAY is not set, so no X server can be queried\n"
+                                       "                    fix: export DISPLAY=:0"));
+  EXPECT_THAT(result.output, HasSubstr("2 things are missing.\n"));
+  EXPECT_THAT(result.errors, IsEmpty());
   expectMissing(run({"--json"}, "", {"WAYLAND_DISPLAY=wayland-0"}).document(), "X server", "Wayland session",
                 "xwayland");
 }
 
-TEST_F(Doctor, WithoutAServerSaysWhichAndHowToSeeWhy) {
-  const ToolRun told = run({"--json"}, ":64999");
-  EXPECT_EQ(told.exit_status, 1);
-  EXPECT_EQ(told.document()["well"], false);
-  expectMissing(told.document(), "X server", "there is no X server :64999", "DISPLAY=:64999 xrandr --query");
+TEST_F(Doctor, ReportsUnreachableServer) {
+  const ToolRun result = run({"--json"}, ":64999");
+  EXPECT_EQ(result.exit_status, 1);
+  EXPECT_EQ(result.document()["well"], false);
+  expectMissing(result.document(), "X server", "there is no X server :64999", "DISPLAY=:64999 xrandr --query");
 }
 
-TEST_F(Doctor, WithoutABusSaysSo) {
+TEST_F(Doctor, ReportsUnreachableBus) {
   expectMissing(run({"--json"}).document(), "colord", "the system bus cannot be reached", "systemctl start dbus");
 }
 
-TEST_F(Doctor, TellsBrokenFilesInTheProfileFolders) {
+TEST_F(Doctor, ReportsBrokenFilesInProfileFolders) {
   fs::create_directories(path("icc/deeper"));
   fs::copy_file("/usr/share/color/icc/colord/sRGB.icc", path("icc/sound.icc"));
   std::string sound = contentOf(path("icc/sound.icc"));
@@ -100,16 +97,16 @@ TEST_F(Doctor, TellsBrokenFilesInTheProfileFolders) {
   ASSERT_EQ(truncate(path("icc/huge.icc").c_str(), off_t{10} << 30), 0);
 
   const json document = run({"--json"}).document();
-  expectMissing(document, "ICC files", path("icc/deeper/short.ICM") + " is shorter than its header says", "rm -- ");
-  expectMissing(document, "ICC files", "is no ICC profile", "rm -- $'");
-  expectMissing(document, "ICC files", path("icc/pipe.icc") + " is no regular file", "rm -- ");
-  expectMissing(document, "ICC files", path("icc/dangling.icc") + " is not there", "rm -- ");
-  expectMissing(document, "ICC files", path("icc/zero.icc") + " is no regular file", "rm -- ");
+  expectMissing(document, "ICC files", path("icc/deeper/short.ICM") + " is shorter than its header states", "rm -- ");
+  expectMissing(document, "ICC files", "is not an ICC profile", "rm -- $'");
+  expectMissing(document, "ICC files", path("icc/pipe.icc") + " is not a regular file", "rm -- ");
+  expectMissing(document, "ICC files", path("icc/dangling.icc") + " does not exist", "rm -- ");
+  expectMissing(document, "ICC files", path("icc/zero.icc") + " is not a regular file", "rm -- ");
   expectMissing(document, "ICC files", path("icc/huge.icc") + " is too large for a profile", "rm -- ");
   EXPECT_THAT(run().output, HasSubstr(path("icc") + ": 1 profile\n"));
   EXPECT_THAT(run().output, Not(HasSubstr("\x1b")));
 
-  // The commands do what they say, and no more.
+  // Each command removes what it names and nothing else.
   for (const json& finding : findings(document, "ICC files")) {
     if (finding["state"] == "missing") {
       const std::string remedy = finding["remedy"];
@@ -125,18 +122,18 @@ TEST_F(Doctor, TellsBrokenFilesInTheProfileFolders) {
   EXPECT_FALSE(fs::exists(path("x")));
 }
 
-TEST_F(Doctor, OfADesktopFileLooksAtWhatTheFileSays) {
+TEST_F(Doctor, ReadsDesktopFile) {
   const std::string well = write("well.json", R"({"displays": [{"number": 9, "bounds": [0, 0, 8, 6], "name": "Nine",
       "profiles": ["/usr/share/color/icc/colord/sRGB.icc"]}]})");
-  const ToolRun told = runTool({"--desktop", well, "doctor"});
-  EXPECT_EQ(told.exit_status, 0);
-  EXPECT_EQ(told.output, "desktop file  note     " + well +
-                             " describes the desktop; the computer's own is not asked\n\n" +
-                             "Display 9, Nine\n"
-                             "  name     ok       Nine\n"
-                             "  profile  ok       /usr/share/color/icc/colord/sRGB.icc\n\n"
-                             "All is well.\n");
-  EXPECT_EQ(runTool({"doctor"}, {"", well}).output, told.output);
+  const ToolRun result = runTool({"--desktop", well, "doctor"});
+  EXPECT_EQ(result.exit_status, 0);
+  EXPECT_EQ(result.output, "desktop file  note     " + well +
+                               " describes the desktop; the computer's own is not queried\n\n" +
+                               "Display 9, Nine\n"
+                               "  name     ok       Nine\n"
+                               "  profile  ok       /usr/share/color/icc/colord/sRGB.icc\n\n"
+                               "All is well.\n");
+  EXPECT_EQ(runTool({"doctor"}, {"", well}).output, result.output);
 
   const std::string ill = write("ill.json", R"({"displays": [{"number": 9, "bounds": [0, 0, 8, 6]}]})");
   const json document = runTool({"--desktop", ill, "doctor", "--json"}).document();
@@ -170,15 +167,15 @@ class LiveDoctor : public ::testing::Test {
   test_support::XorgServer server_;
 };
 
-TEST_F(LiveDoctor, FindsThatAllIsWell) {
+TEST_F(LiveDoctor, FindsNothingMissing) {
   setMonitor("DUMMY0", "Good One");
   ASSERT_EQ(tool({"call", "SetProfile", number(), "/usr/share/color/icc/colord/sRGB.icc"}).exit_status, 0);
-  const ToolRun told = tool({"doctor"});
-  EXPECT_EQ(told.exit_status, 0) << told.output;
+  const ToolRun result = tool({"doctor"});
+  EXPECT_EQ(result.exit_status, 0) << result.output;
   EXPECT_THAT(
-      told.output,
+      result.output,
       AllOf(HasSubstr("X server   ok       " + server_.display() + ", RandR 1."), HasSubstr(", 1 display, scale 1\n"),
-            HasSubstr("colord     ok       answers, and knows 1 display device\n"),
+            HasSubstr("colord     ok       running, 1 display device\n"),
             HasSubstr("\nDisplay " + number() + ", Good One\n"),
             HasSubstr("  RandR    ok       DUMMY0, 1024 x 768 at 0, 0, main\n"),
             HasSubstr("  EDID     ok       \"Good One\", vendor 0x3e74, product 0x2a17, serial 20240607\n"),
@@ -189,46 +186,46 @@ TEST_F(LiveDoctor, FindsThatAllIsWell) {
   EXPECT_EQ(findings(display(), "colord")[0]["text"], "device " + device + ", 1 profile");
 }
 
-TEST_F(LiveDoctor, ADisplayWithoutADeviceIsMendedByTheCommandThatItTells) {
+TEST_F(LiveDoctor, PrintsTheCommandThatFixesDisplayWithoutDevice) {
   setMonitor("DUMMY0", "Plain");
   const json about = display();
   EXPECT_EQ(about["name"], "Plain");
   const std::string remedy = "ostrevin-host call SetProfile " + number() + " FILE.icc";
-  expectMissing(about, "colord", "knows no device of this display", remedy);
+  expectMissing(about, "colord", "has no device for this display", remedy);
   ASSERT_EQ(tool({"call", "SetProfile", number(), "/usr/share/color/icc/colord/sRGB.icc"}).exit_status, 0);
   EXPECT_EQ(tool({"doctor"}).exit_status, 0);
 }
 
-TEST_F(LiveDoctor, TellsADeviceWithoutAProfile) {
+TEST_F(LiveDoctor, ReportsDeviceWithoutProfile) {
   setMonitor("DUMMY0", "Plain");
   colord_.registerDevice("xrandr-test", {{"XRANDR_name", "DUMMY0"}});
   expectMissing(display(), "colord", "the device xrandr-test has no profile", "SetProfile " + number());
 }
 
-TEST_F(LiveDoctor, TellsAProfileWhoseFileIsGone) {
+TEST_F(LiveDoctor, ReportsProfileWithoutFile) {
   setMonitor("DUMMY0", "Plain");
   const fs::path file = colord_.copyOfProfile("AdobeRGB1998.icc", "own.icc");
   ASSERT_EQ(tool({"call", "SetProfile", number(), file.string()}).exit_status, 0);
   EXPECT_EQ(tool({"doctor"}).exit_status, 0);
   fs::remove(file);
   const json about = display();
-  expectMissing(about, "profile", file.string() + " is not there", "SetProfile " + number());
-  std::ofstream(file) << "no profile any more";
-  expectMissing(display(), "profile", file.string() + " is no ICC profile", "SetProfile " + number());
+  expectMissing(about, "profile", file.string() + " does not exist", "SetProfile " + number());
+  std::ofstream(file) << "not a profile";
+  expectMissing(display(), "profile", file.string() + " is not an ICC profile", "SetProfile " + number());
 }
 
-TEST_F(LiveDoctor, TellsADisplayWithoutAnEdidOrWithABrokenOneOrWithoutAName) {
+TEST_F(LiveDoctor, ReportsMissingInvalidAndNamelessEdid) {
   server_.removeEdid("DUMMY0");
-  expectMissing(display(), "EDID", "the monitor says nothing about itself", "drm.edid_firmware=DUMMY0:");
+  expectMissing(display(), "EDID", "the monitor sends no EDID", "drm.edid_firmware=DUMMY0:");
   test_support::EdidBytes broken = test_support::makeEdid();
   broken[20] ^= 1;
   server_.setEdid("DUMMY0", broken);
-  expectMissing(display(), "EDID", "is no valid EDID", "drm.edid_firmware=DUMMY0:");
+  expectMissing(display(), "EDID", "the monitor's EDID is invalid", "drm.edid_firmware=DUMMY0:");
   setMonitor("DUMMY0", std::nullopt);
   expectMissing(display(), "EDID", "serial 20240607, and no name", "drm.edid_firmware=DUMMY0:");
 }
 
-TEST_F(LiveDoctor, ToldOfAPartOfTheScreenSaysThatItHasNoOutput) {
+TEST_F(LiveDoctor, ReportsMonitorWithoutOutput) {
   server_.setMonitor("half", "512/100x768/200+0+0", "none");
   const json displays = document()["displays"];
   ASSERT_EQ(displays.size(), 2U);
@@ -236,37 +233,37 @@ TEST_F(LiveDoctor, ToldOfAPartOfTheScreenSaysThatItHasNoOutput) {
   EXPECT_EQ(findings(part, "EDID")[0]["text"], "a part of the screen without an output, which has no EDID and no name");
 }
 
-TEST_F(LiveDoctor, WithoutADisplayThatIsOnSaysHowToSwitchOneOn) {
+TEST_F(LiveDoctor, ReportsServerWithoutActiveDisplay) {
   server_.off("DUMMY0");
-  const json told = document();
-  expectMissing(told, "X server", "has no display that is on", "DISPLAY=" + server_.display() + " xrandr --auto");
-  EXPECT_THAT(told["displays"], IsEmpty());
+  const json result = document();
+  expectMissing(result, "X server", "has no display that is on", "DISPLAY=" + server_.display() + " xrandr --auto");
+  EXPECT_THAT(result["displays"], IsEmpty());
 }
 
-TEST_F(LiveDoctor, WithoutColordSaysSoOnceForAllDisplays) {
+TEST_F(LiveDoctor, ReportsMissingColordOnce) {
   setMonitor("DUMMY0", "Plain");
   colord_.stop();
-  const ToolRun told = tool({"doctor", "--json"});
-  EXPECT_EQ(told.exit_status, 1);
-  expectMissing(told.document(), "colord", "the system bus has no colord", "systemctl start colord");
-  EXPECT_THAT(findings(told.document()["displays"][0], "colord"), IsEmpty());
+  const ToolRun result = tool({"doctor", "--json"});
+  EXPECT_EQ(result.exit_status, 1);
+  expectMissing(result.document(), "colord", "the system bus has no colord", "systemctl start colord");
+  EXPECT_THAT(findings(result.document()["displays"][0], "colord"), IsEmpty());
 }
 
-TEST_F(LiveDoctor, OfAColordThatHangsSaysSo) {
+TEST_F(LiveDoctor, ReportsHangingColord) {
   colord_.suspend();
-  expectMissing(document(), "colord", "does not answer", "systemctl restart colord");
+  expectMissing(document(), "colord", "does not respond", "systemctl restart colord");
 }
 
-TEST_F(LiveDoctor, OfAServerThatHangsSaysSo) {
+TEST_F(LiveDoctor, ReportsHangingServer) {
   test_support::XProxy proxy(server_.socket());
   proxy.limit(0, test_support::XProxy::AtLimit::kStall);
-  const test_support::ProcessResult told = test_support::run(
+  const test_support::ProcessResult result = test_support::run(
       {OSTREVIN_HOST, "doctor", "--json"}, {"DISPLAY=" + proxy.display(), "OSTREVIN_DESKTOP=", "XAUTHORITY="});
-  EXPECT_EQ(told.exit_status, 1);
-  expectMissing(json::parse(told.output), "X server", "the X server " + proxy.display() + " does not answer", "");
+  EXPECT_EQ(result.exit_status, 1);
+  expectMissing(json::parse(result.output), "X server", "the X server " + proxy.display() + " does not respond", "");
 }
 
-/// An X server inside a window of another one, without the extension that tells displays.
+/// An X server inside a window of another one, without RandR.
 class ServerWithoutRandr final : public test_support::XServer {
  public:
   explicit ServerWithoutRandr(const XServer& outer) {
@@ -274,13 +271,13 @@ class ServerWithoutRandr final : public test_support::XServer {
   }
 };
 
-TEST_F(LiveDoctor, OfAServerWithoutRandrSaysSo) {
+TEST_F(LiveDoctor, ReportsServerWithoutRandr) {
   const ServerWithoutRandr server(server_);
   test_support::Environment environment = server.environment();
   environment.emplace_back("OSTREVIN_DESKTOP=");
-  const test_support::ProcessResult told = test_support::run({OSTREVIN_HOST, "doctor", "--json"}, environment);
-  EXPECT_EQ(told.exit_status, 1);
-  expectMissing(json::parse(told.output), "X server", server.display() + " has no RandR 1.2", "-extension RANDR");
+  const test_support::ProcessResult result = test_support::run({OSTREVIN_HOST, "doctor", "--json"}, environment);
+  EXPECT_EQ(result.exit_status, 1);
+  expectMissing(json::parse(result.output), "X server", server.display() + " lacks RandR 1.2", "-extension RANDR");
 }
 
 }  // namespace

@@ -1,9 +1,8 @@
-// The help of ostrevin-host, and what repeats it: the man page, and completion in shells.
+// The help of ostrevin-host, and what repeats it: the man page and the shells' completion.
 #include <gmock/gmock.h>
 
 #include <regex>
 #include <set>
-#include <sstream>
 
 #include "devhost/tool/tool_runner.h"
 
@@ -30,11 +29,10 @@ std::string helpOf(const std::string& command) {
 }
 
 /// The lines of a part of a help text, without their indentation.
-Words linesOf(const std::string& help, const std::string& heading) {
+Words sectionOf(const std::string& help, const std::string& heading) {
   Words lines;
-  std::istringstream stream(help);
   bool inside = false;
-  for (std::string line; std::getline(stream, line);) {
+  for (const std::string& line : tool_test::linesOf(help)) {
     if (inside && line.starts_with("  ")) {
       lines.push_back(line.substr(2));
     } else {
@@ -46,7 +44,7 @@ Words linesOf(const std::string& help, const std::string& heading) {
 
 Words commands() {
   Words names;
-  for (const std::string& line : linesOf(helpOf(""), "Subcommands:")) {
+  for (const std::string& line : sectionOf(helpOf(""), "Subcommands:")) {
     if (line.front() != ' ') {
       names.push_back(line.substr(0, line.find(' ')));
     }
@@ -54,11 +52,11 @@ Words commands() {
   return names;
 }
 
-/// The names of a command's own options, or of those that every command has.
+/// The names of a command's own options, or of the common ones for an empty name.
 Words optionsOf(const std::string& command) {
   Words names;
   const std::regex name("(^|,)(--?[a-z]+)");
-  for (const std::string& line : linesOf(helpOf(command), "Options:")) {
+  for (const std::string& line : sectionOf(helpOf(command), "Options:")) {
     const std::string before = line.substr(0, line.find(' '));
     for (std::sregex_iterator match(before.begin(), before.end(), name), end; match != end; ++match) {
       names.push_back((*match)[2]);
@@ -67,7 +65,7 @@ Words optionsOf(const std::string& command) {
   return names;
 }
 
-/// What bash offers for the last of these words; they begin with the tool's name.
+/// Bash's completions of the last of these words, of which the first is the tool's name.
 Words offered(Words words) {
   const std::string script =
       "source \"$1\"; shift; COMP_WORDS=(\"$@\"); COMP_CWORD=$(($# - 1)); "
@@ -76,46 +74,40 @@ Words offered(Words words) {
   words.insert(words.begin(), {"bash", "--norc", "-c", script, "bash", kBashFile});
   const auto result = test_support::run(words, {"DISPLAY=", "OSTREVIN_DESKTOP="});
   EXPECT_THAT(result.errors, IsEmpty());
-  std::istringstream stream(result.output);
-  Words found;
-  for (std::string line; std::getline(stream, line);) {
-    found.push_back(line);
-  }
-  return found;
+  return tool_test::linesOf(result.output);
 }
 
-TEST(Help, ListsTheCommands) {
+TEST(Help, ListsCommandsAndOptions) {
   EXPECT_THAT(commands(),
               ElementsAre("list", "layout", "watch", "doctor", "methods", "call", "profiles", "tag", "qv02"));
   EXPECT_THAT(optionsOf(""), ElementsAre("-h", "--help", "--json", "--check", "--plugin", "--desktop", "--version"));
   EXPECT_THAT(optionsOf("layout"), ElementsAre("-h", "--help", "-o", "--output", "--ascii", "--width"));
 }
 
-TEST(Help, BeginsWithExamplesOfEachCommand) {
+TEST(Help, BeginsWithExamples) {
   for (const std::string& command : commands()) {
     const std::string help = helpOf(command);
-    const Words examples = linesOf(help, "Examples:");
+    const Words examples = sectionOf(help, "Examples:");
     EXPECT_THAT(examples, Contains(AllOf(StartsWith("ostrevin-host"), HasSubstr(command)))) << command;
     EXPECT_LT(help.find("Examples:"), help.find("Usage:")) << command;
     EXPECT_LT(help.find("Usage:"), help.find("Options:")) << command;
   }
 }
 
-TEST(Help, HasNoLineThatATerminalWouldBreak) {
+TEST(Help, HasNoLineOverHundredColumns) {
   Words all = commands();
   all.emplace_back();
   for (const std::string& command : all) {
-    std::istringstream stream(helpOf(command));
-    for (std::string line; std::getline(stream, line);) {
+    for (const std::string& line : tool_test::linesOf(helpOf(command))) {
       EXPECT_LE(line.size(), 100U) << line;
     }
   }
 }
 
-/// The examples that need nothing but the tool, run as they are written, in a shell that finds it.
-TEST(Help, ExamplesAreAccepted) {
+/// Runs the examples that need nothing but the tool, as written, in a shell that finds it.
+TEST(Help, HasWorkingExamples) {
   for (const std::string& command : commands()) {
-    for (const std::string& example : linesOf(helpOf(command), "Examples:")) {
+    for (const std::string& example : sectionOf(helpOf(command), "Examples:")) {
       const std::string line = example.substr(0, example.find("   "));
       if (line.find("FILE") != std::string::npos || line.find('|') != std::string::npos) {
         continue;
@@ -140,7 +132,7 @@ TEST(ManPage, HasNoMistakes) {
   EXPECT_THAT(lint.output + lint.errors, IsEmpty());
 }
 
-TEST(ManPage, NamesEveryCommandAndOptionAndNoOther) {
+TEST(ManPage, NamesEveryCommandAndOptionOnly) {
   const std::string shown = test_support::runSuccessfully({"mandoc", "-T", "ascii", kManPage});
   const std::string text = std::regex_replace(shown, std::regex(".\b"), "");
   Words all = commands();
@@ -167,7 +159,7 @@ TEST(BashCompletion, OffersEveryCommand) {
   EXPECT_THAT(offered({"ostrevin-host", "--plugin", "x.so", "do"}), ElementsAre("doctor"));
 }
 
-TEST(BashCompletion, OffersEveryOptionAndNoOther) {
+TEST(BashCompletion, OffersEveryOptionOnly) {
   EXPECT_THAT(offered({"ostrevin-host", "-"}), ::testing::UnorderedElementsAreArray(optionsOf("")));
   for (const std::string& command : commands()) {
     Words expected = optionsOf(command);

@@ -6,7 +6,6 @@
 #include <fstream>
 #include <sstream>
 
-#include "devhost/tool/layout_desktops.h"
 #include "devhost/tool/tool_runner.h"
 
 namespace {
@@ -34,29 +33,29 @@ struct Box {
 
 class LayoutSvg : public tool_test::ToolTest {
  protected:
-  /// Draws a picture, which must be well-formed; later questions are about it.
+  /// Draws the picture that the other members read, and expects it to be well-formed.
   void draw(const std::string& desktop) {
-    path_ = (folder_.path() / "picture.svg").string();
+    path_ = path("picture.svg");
     const ToolRun run = runTool({"--desktop", write("desktop.json", desktop), "layout", "-o", path_});
     ASSERT_EQ(run.exit_status, 0) << run.errors;
     EXPECT_THAT(run.output, IsEmpty());
     test_support::runSuccessfully({"xmllint", "--noout", path_});
   }
 
-  /// What an XPath expression gives as a text.
-  std::string ask(const std::string& expression) const {
-    std::string answer = test_support::runSuccessfully({"xmllint", "--xpath", expression, path_});
-    answer.erase(answer.find_last_not_of('\n') + 1);
-    return answer;
+  /// The result of an XPath expression as a text.
+  std::string query(const std::string& expression) const {
+    std::string text = test_support::runSuccessfully({"xmllint", "--xpath", expression, path_});
+    text.erase(text.find_last_not_of('\n') + 1);
+    return text;
   }
-  double number(const std::string& expression) const { return std::stod(ask("number(" + expression + ")")); }
+  double number(const std::string& expression) const { return std::stod(query("number(" + expression + ")")); }
   Box box(const std::string& numbers) const {
     const std::string rect = "//*[@data-numbers='" + numbers + "']/*[local-name()='rect']";
     return {number(rect + "/@x"), number(rect + "/@y"), number(rect + "/@width"), number(rect + "/@height")};
   }
   int count(const std::string& nodes) const { return static_cast<int>(number("count(" + nodes + ")")); }
 
-  /// The rectangle of every display of the desktop lies where its bounds say, to one scale and from one origin.
+  /// Expects the rectangles of all displays at their bounds, to one scale and from one origin.
   void expectTrueToScale(const std::string& desktop) {
     const json displays = json::parse(desktop)["displays"];
     draw(desktop);
@@ -76,16 +75,16 @@ class LayoutSvg : public tool_test::ToolTest {
     expectEverythingInside();
   }
 
-  /// Every box is inside the picture, and every line of a label inside its box: a character of a monospaced font is
-  /// 0.6 of its size wide.
+  /// Expects every box inside the picture, and every line of a label inside its box, with characters of 0.6 of their
+  /// size.
   void expectEverythingInside() {
     const double width = number("/*/@width");
     const double height = number("/*/@height");
-    EXPECT_EQ(ask("string(/*/@viewBox)"), "0 0 " + ask("string(/*/@width)") + " " + ask("string(/*/@height)"));
+    EXPECT_EQ(query("string(/*/@viewBox)"), "0 0 " + query("string(/*/@width)") + " " + query("string(/*/@height)"));
     const int boxes = count("//*[@data-numbers]");
     for (int i = 1; i <= boxes; ++i) {
       const std::string group = "(//*[@data-numbers])[" + std::to_string(i) + "]";
-      const Box area = box(ask("string(" + group + "/@data-numbers)"));
+      const Box area = box(query("string(" + group + "/@data-numbers)"));
       EXPECT_GE(area.x, 0);
       EXPECT_GE(area.y, 0);
       EXPECT_LE(area.x + area.width, width);
@@ -119,52 +118,42 @@ std::string twelveDisplays() {
   return json{{"displays", displays}}.dump();
 }
 
-TEST_F(LayoutSvg, OfOneDisplayIsTrueToScale) { expectTrueToScale(kOneDisplay); }
+TEST_F(LayoutSvg, DrawsThreeDisplaysToScale) { expectTrueToScale(kThreeDisplays); }
 
-TEST_F(LayoutSvg, OfThreeDisplaysWithNegativeOriginsIsTrueToScale) { expectTrueToScale(kThreeDisplays); }
+TEST_F(LayoutSvg, DrawsTwelveDisplaysToScale) { expectTrueToScale(twelveDisplays()); }
 
-TEST_F(LayoutSvg, OfTwelveDisplaysIsTrueToScale) { expectTrueToScale(twelveDisplays()); }
-
-TEST_F(LayoutSvg, OfAWideRowIsTrueToScale) {
-  json displays = json::array();
-  for (int i = 0; i < 40; ++i) {
-    displays.push_back({{"number", i + 1}, {"bounds", {i * 1920, 0, 1920, 1200}}, {"model", i + 1}});
-  }
-  expectTrueToScale(json{{"displays", displays}}.dump());
-}
-
-TEST_F(LayoutSvg, LabelsTellNumberNameBoundsAndScale) {
+TEST_F(LayoutSvg, LabelsBoxesWithNumberNameBoundsAndScale) {
   draw(kThreeDisplays);
   const std::string lines = "//*[@data-numbers='2']//*[local-name()='text']";
-  EXPECT_EQ(ask("string((" + lines + ")[1])"), "2");
-  EXPECT_EQ(ask("string((" + lines + ")[2])"), "Wide");
-  EXPECT_EQ(ask("string((" + lines + ")[3])"), "2560 x 1440 at -2560, -540");
-  EXPECT_EQ(ask("string((" + lines + ")[4])"), "scale 1");
-  EXPECT_EQ(ask("string(//*[@data-numbers='3']/@data-scales)"), "1.5");
+  EXPECT_EQ(query("string((" + lines + ")[1])"), "2");
+  EXPECT_EQ(query("string((" + lines + ")[2])"), "Wide");
+  EXPECT_EQ(query("string((" + lines + ")[3])"), "2560 x 1440 at -2560, -540");
+  EXPECT_EQ(query("string((" + lines + ")[4])"), "scale 1");
+  EXPECT_EQ(query("string(//*[@data-numbers='3']/@data-scales)"), "1.5");
   EXPECT_EQ(count("//*[@class='legend']"), 0);
 }
 
-TEST_F(LayoutSvg, MarksTheMainDisplayAndNoOther) {
+TEST_F(LayoutSvg, MarksMainDisplayOnly) {
   draw(kThreeDisplays);
-  EXPECT_EQ(ask("string(//*[@class='display main']/@data-numbers)"), "1");
+  EXPECT_EQ(query("string(//*[@class='display main']/@data-numbers)"), "1");
   EXPECT_EQ(count("//*[@class='display main']"), 1);
-  EXPECT_EQ(ask("string(//*[@data-numbers='1']//*[local-name()='text'])"), "1 main");
+  EXPECT_EQ(query("string(//*[@data-numbers='1']//*[local-name()='text'])"), "1 main");
 }
 
-TEST_F(LayoutSvg, TheMainDisplayIsDrawnLastSoThatItsOutlineIsWhole) {
+TEST_F(LayoutSvg, DrawsMainDisplayLast) {
   draw(twelveDisplays());
-  EXPECT_EQ(ask("string((//*[@data-numbers])[last()]/@data-numbers)"), "65");
+  EXPECT_EQ(query("string((//*[@data-numbers])[last()]/@data-numbers)"), "65");
 }
 
-TEST_F(LayoutSvg, AMirrorSharesABoxAndWhatLiesOverItIsDrawnLater) {
+TEST_F(LayoutSvg, DrawsMirrorsAsOneBoxBelowOverlappingOnes) {
   draw(kOverlappingDisplays);
   EXPECT_EQ(count("//*[@data-numbers]"), 3);
-  EXPECT_EQ(ask("string((//*[@data-numbers])[1]/@data-numbers)"), "1 2");
-  EXPECT_EQ(ask("string(//*[@data-numbers='1 2']//*[local-name()='text'])"), "1 main + 2");
-  EXPECT_EQ(ask("string(//*[@class='legend']/*[1])"), "overlap: 3 and 1+2");
+  EXPECT_EQ(query("string((//*[@data-numbers])[1]/@data-numbers)"), "1 2");
+  EXPECT_EQ(query("string(//*[@data-numbers='1 2']//*[local-name()='text'])"), "1 main + 2");
+  EXPECT_EQ(query("string(//*[@class='legend']/*[1])"), "overlap: 3 and 1+2");
   expectEverythingInside();
 
-  // The label of the box below keeps out of the way of those above.
+  // The lower box's label avoids the boxes above it.
   const std::string label = "(//*[@data-numbers='1 2']//*[local-name()='text'])[1]";
   const Box within = box("4");
   const Box half_over = box("3");
@@ -173,28 +162,28 @@ TEST_F(LayoutSvg, AMirrorSharesABoxAndWhatLiesOverItIsDrawnLater) {
   EXPECT_LE(number(label + "/@y"), half_over.y);
 }
 
-TEST_F(LayoutSvg, HostileNamesAreTextAndNothingElse) {
+TEST_F(LayoutSvg, EscapesHostileNames) {
   draw(R"({"displays": [{"number": 1, "bounds": [0, 0, 1440, 900], "name": ")" +
        std::string(R"(</text><script>\"&]]>\u0007\u202e\ufffe\uffff 日本)") + R"("}]})");
   EXPECT_EQ(count("//*[local-name()='script']"), 0);
-  EXPECT_EQ(ask("string((//*[@data-numbers='1']//*[local-name()='text'])[2])"),
+  EXPECT_EQ(query("string((//*[@data-numbers='1']//*[local-name()='text'])[2])"),
             R"(</text><script>"&]]>\x07\u202e\ufffe\uffff 日本)");
   expectEverythingInside();
 }
 
-TEST_F(LayoutSvg, ALongNameIsCutInTheBoxAndWholeInItsTitle) {
+TEST_F(LayoutSvg, CutsLongNameInBoxButNotInTitle) {
   const std::string name(200, 'n');
   draw(R"({"displays": [{"number": 1, "bounds": [0, 0, 1440, 900], "name": ")" + name + R"("}]})");
-  EXPECT_THAT(ask("string(//*[@data-numbers]/*[local-name()='title'])"), HasSubstr(name));
-  EXPECT_THAT(ask("string((//*[@data-numbers]//*[local-name()='text'])[2])"), HasSubstr("nnn…"));
+  EXPECT_THAT(query("string(//*[@data-numbers]/*[local-name()='title'])"), HasSubstr(name));
+  EXPECT_THAT(query("string((//*[@data-numbers]//*[local-name()='text'])[2])"), HasSubstr("nnn…"));
   EXPECT_EQ(count("//*[@class='legend']/*"), 1);
   EXPECT_LE(16 + number("string-length(//*[@class='legend']/*[1])") * 0.6 * 12, number("/*/@width"));
   expectEverythingInside();
 }
 
-TEST_F(LayoutSvg, HasColoursForLightAndDarkPagesAndForReadersThatDoNotSay) {
+TEST_F(LayoutSvg, HasColoursForLightAndDarkPages) {
   draw(kOneDisplay);
-  const std::string style = ask("string(//*[local-name()='style'])");
+  const std::string style = query("string(//*[local-name()='style'])");
   EXPECT_THAT(style, HasSubstr("@media (prefers-color-scheme: light)"));
   EXPECT_THAT(style, HasSubstr("@media (prefers-color-scheme: dark)"));
   EXPECT_EQ(style.substr(0, style.find_first_not_of(" \n") + 6), "\n    @media");
@@ -202,14 +191,14 @@ TEST_F(LayoutSvg, HasColoursForLightAndDarkPagesAndForReadersThatDoNotSay) {
   EXPECT_EQ(count("//*[@data-numbers]/*[local-name()='g'][@fill]"), 1);
 }
 
-TEST_F(LayoutSvg, WithoutDisplaysSaysSo) {
+TEST_F(LayoutSvg, ReportsNoDisplays) {
   draw("{}");
-  EXPECT_EQ(ask("string(//*[@class='legend']/*[1])"), "no displays");
+  EXPECT_EQ(query("string(//*[@class='legend']/*[1])"), "no displays");
 }
 
-TEST_F(LayoutSvg, GoesToTheStandardOutputForADash) {
+TEST_F(LayoutSvg, WritesToStandardOutputForDash) {
   draw(kThreeDisplays);
-  const ToolRun run = runTool({"--desktop", (folder_.path() / "desktop.json").string(), "layout", "--output", "-"});
+  const ToolRun run = runTool({"--desktop", path("desktop.json"), "layout", "--output", "-"});
   EXPECT_EQ(run.exit_status, 0);
   EXPECT_EQ(run.output, contentOf(path_));
   EXPECT_THAT(run.errors, IsEmpty());

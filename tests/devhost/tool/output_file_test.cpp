@@ -5,7 +5,6 @@
 
 #include <filesystem>
 
-#include "devhost/tool/layout_desktops.h"
 #include "devhost/tool/terminal/output_file.h"
 #include "devhost/tool/tool_runner.h"
 #include "support/unprivileged.h"
@@ -25,8 +24,6 @@ class OutputFile : public tool_test::ToolTest {
   ToolRun drawTo(const std::string& path) {
     return runTool({"--desktop", write("desktop.json", tool_test::kOneDisplay), "layout", "-o", path});
   }
-  std::string path(const std::string& name) const { return (folder_.path() / name).string(); }
-
   void expectRefused(const std::string& target, const std::string& reason) {
     const ToolRun run = drawTo(target);
     EXPECT_EQ(run.exit_status, 1) << target;
@@ -44,7 +41,7 @@ class OutputFile : public tool_test::ToolTest {
   }
 };
 
-TEST_F(OutputFile, ThatIsNewHasTheUsersMask) {
+TEST_F(OutputFile, NewFileHonoursUmask) {
   EXPECT_EQ(drawTo(path("new.svg")).exit_status, 0);
   EXPECT_THAT(contentOf(path("new.svg")), StartsWith("<?xml"));
   const mode_t mask = umask(0);
@@ -55,7 +52,7 @@ TEST_F(OutputFile, ThatIsNewHasTheUsersMask) {
   EXPECT_THAT(files(), ::testing::UnorderedElementsAre("new.svg", "desktop.json"));
 }
 
-TEST_F(OutputFile, InPlaceOfAnotherOneKeepsItsPermissions) {
+TEST_F(OutputFile, ReplacingKeepsPermissions) {
   const std::string old = write("old.svg", std::string(100000, 'x'));
   ASSERT_EQ(chmod(old.c_str(), 0640), 0);
   EXPECT_EQ(drawTo(old).exit_status, 0);
@@ -65,7 +62,7 @@ TEST_F(OutputFile, InPlaceOfAnotherOneKeepsItsPermissions) {
   EXPECT_EQ(status.st_mode & 07777U, 0640U);
 }
 
-TEST_F(OutputFile, BehindALinkIsReplacedAndTheLinkStays) {
+TEST_F(OutputFile, ReplacesTargetOfLink) {
   fs::create_directory(path("elsewhere"));
   write("elsewhere/target.svg", "old");
   fs::create_symlink("elsewhere/target.svg", path("link.svg"));
@@ -74,28 +71,28 @@ TEST_F(OutputFile, BehindALinkIsReplacedAndTheLinkStays) {
   EXPECT_THAT(contentOf(path("elsewhere/target.svg")), StartsWith("<?xml"));
 }
 
-TEST_F(OutputFile, ThatIsNoRegularFileIsRefused) {
+TEST_F(OutputFile, RefusesOtherThanRegularFiles) {
   ASSERT_EQ(mkfifo(path("pipe").c_str(), 0600), 0);
   fs::create_symlink("pipe", path("link-to-pipe"));
   fs::create_symlink("nowhere", path("link-to-nothing"));
   for (const std::string& target : {path("pipe"), path("link-to-pipe"), folder_.path().string(),
                                     std::string("/dev/null"), std::string("/dev/zero"), std::string("/dev/full")}) {
-    expectRefused(target, target + ": not written: it is no regular file");
+    expectRefused(target, target + ": not written: it is not a regular file");
   }
-  expectRefused(path("link-to-nothing"), "not written: it is a link that leads nowhere");
+  expectRefused(path("link-to-nothing"), "not written: it is a dangling link");
   EXPECT_FALSE(fs::exists(path("nowhere")));
 }
 
-TEST_F(OutputFile, ThatCannotBeMadeIsOneLine) {
+TEST_F(OutputFile, ReportsUncreatableFileInOneLine) {
   expectRefused(path("no/such/folder/new.svg"), "cannot be written: No such file or directory");
   expectRefused("", "cannot be written");
 }
 
-TEST_F(OutputFile, ThatMayNotBeWrittenStaysAsItIs) {
+TEST_F(OutputFile, KeepsUnwritableFile) {
   const std::string old = write("old.svg", "old");
   ASSERT_EQ(chmod(old.c_str(), 0444), 0);
   ASSERT_EQ(chmod(folder_.path().c_str(), 0777), 0);
-  // Not with the tool as a program: what it was built in may be closed to other users.
+  // Not by running the tool: other users may lack access to the build folder.
   EXPECT_TRUE(support::holdsUnprivileged([&] {
     try {
       devhost::tool::writeFile(old, "new");
@@ -108,10 +105,10 @@ TEST_F(OutputFile, ThatMayNotBeWrittenStaysAsItIs) {
   EXPECT_THAT(files(), ::testing::ElementsAre("old.svg"));
 }
 
-TEST_F(OutputFile, ThatDoesNotFitLeavesNothingBehind) {
+TEST_F(OutputFile, RemovesPartOfFileThatDoesNotFit) {
   const std::string old = write("old.svg", "old");
   const std::string desktop = write("desktop.json", tool_test::kOneDisplay);
-  // A limit of 0 bytes; the signal that comes with it is ignored, so that writing fails.
+  // A limit of 0 bytes; with its signal ignored, writing fails.
   const auto run = test_support::run({"sh", "-c", "trap '' XFSZ; ulimit -f 0; exec \"$@\"", "sh", OSTREVIN_HOST,
                                       "--desktop", desktop, "layout", "-o", old});
   EXPECT_EQ(run.exit_status, 1);

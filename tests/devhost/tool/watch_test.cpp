@@ -1,4 +1,4 @@
-// ostrevin-host watch on a real X server of the test's own.
+// ostrevin-host watch on a private X server.
 #include <gmock/gmock.h>
 
 #include <chrono>
@@ -17,7 +17,7 @@ using ::testing::IsEmpty;
 using ::testing::MatchesRegex;
 using ::testing::Not;
 
-/// ostrevin-host watch, running beside the test.
+/// ostrevin-host watch, running in parallel to the test.
 class Watcher {
  public:
   Watcher(const test_support::XorgServer& server, const std::vector<std::string>& options)
@@ -32,7 +32,7 @@ class Watcher {
     return variables;
   }
 
-  /// What was printed, once that contains the text.
+  /// Waits until the output contains the text, and returns the output.
   std::string awaitText(const std::string& text) const {
     const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(20);
     std::string content;
@@ -47,7 +47,7 @@ class Watcher {
     return content;
   }
 
-  /// The lines of the standard output, once there are so many; the first line of the file is a message.
+  /// Waits for so many lines of the standard output, and returns them; the log's first line is a message.
   std::vector<std::string> awaitLines(std::size_t count) const {
     std::vector<std::string> lines;
     while (lines.size() < count) {
@@ -91,7 +91,7 @@ class Watch : public ::testing::Test {
 
 constexpr const char* kTime = "[0-9]+-[0-9]+-[0-9]+T[0-9]+:[0-9]+:[0-9]+[+-][0-9]+  ";
 
-TEST_F(Watch, TellsWhichDisplaysComeAndGo) {
+TEST_F(Watch, PrintsAddedAndRemovedDisplays) {
   setMonitor("DUMMY0", "First");
   setMonitor("DUMMY1", "Second");
   const Watcher watcher(server_, {});
@@ -102,7 +102,7 @@ TEST_F(Watch, TellsWhichDisplaysComeAndGo) {
   EXPECT_THAT(watcher.awaitText("watching"), HasSubstr("ostrevin-host: watching 1 display\n"));
 }
 
-TEST_F(Watch, SaysNothingOfAChangeOfResolution) {
+TEST_F(Watch, IgnoresChangeOfResolution) {
   server_.setMode("DUMMY1", 800, 600, 1024, 0);
   const Watcher watcher(server_, {});
   server_.setMode("DUMMY1", 640, 480, 1024, 0);
@@ -110,7 +110,7 @@ TEST_F(Watch, SaysNothingOfAChangeOfResolution) {
   EXPECT_THAT(watcher.awaitLines(1).front(), HasSubstr("  removed " + number("DUMMY1") + " "));
 }
 
-TEST_F(Watch, AnotherMonitorAtTheSameConnectorIsAnotherDisplay) {
+TEST_F(Watch, ReportsOtherMonitorAtSameConnector) {
   setMonitor("DUMMY0", "Old");
   const Watcher watcher(server_, {});
   setMonitor("DUMMY0", "New");
@@ -118,7 +118,7 @@ TEST_F(Watch, AnotherMonitorAtTheSameConnectorIsAnotherDisplay) {
               EndsWith("  removed " + number("DUMMY0") + " (Old); added " + number("DUMMY0") + " (New)"));
 }
 
-TEST_F(Watch, AsJsonIsAnObjectALine) {
+TEST_F(Watch, PrintsJsonObjectPerLine) {
   setMonitor("DUMMY0", "First");
   setMonitor("DUMMY1", "Second");
   const Watcher watcher(server_, {"--json"});
@@ -136,7 +136,7 @@ TEST_F(Watch, AsJsonIsAnObjectALine) {
   EXPECT_EQ(removed["displays"].size(), 1U);
 }
 
-TEST_F(Watch, EndsInOrderWhenItIsAskedTo) {
+TEST_F(Watch, EndsAtSignal) {
   for (const char* signal : {"INT", "TERM"}) {
     const test_support::TemporaryDirectory folder;
     const auto ended = run({"sh", "-c",
@@ -148,22 +148,22 @@ TEST_F(Watch, EndsInOrderWhenItIsAskedTo) {
   }
 }
 
-TEST_F(Watch, EndsInOrderWhenNobodyReadsAnyMore) {
-  // "true" ends at once, and with it the pipe; nothing has to change for that to be noticed.
+TEST_F(Watch, EndsWhenOutputIsClosed) {
+  // "true" ends at once and closes the pipe; watch notices without a change of the displays.
   const auto ended =
       run({"sh", "-c", "{ \"$1\" watch --interval 60; echo \"ended $?\" >&2; } | true", "sh", OSTREVIN_HOST});
   EXPECT_THAT(ended.errors, EndsWith("ended 0\n"));
   EXPECT_THAT(ended.errors, Not(HasSubstr("could not be written")));
 }
 
-TEST_F(Watch, EndsAfterTheTime) {
+TEST_F(Watch, EndsAfterTime) {
   EXPECT_EQ(run({OSTREVIN_HOST, "watch", "--for", "0.05"}).exit_status, 0);
   const auto too_few = run({OSTREVIN_HOST, "watch", "--for", "0.05", "--count", "1"});
   EXPECT_EQ(too_few.exit_status, 1);
   EXPECT_THAT(too_few.output, IsEmpty());
 }
 
-TEST_F(Watch, EndsAfterTheChanges) {
+TEST_F(Watch, EndsAfterCount) {
   const test_support::TemporaryDirectory folder;
   const auto ended = run({"sh", "-c",
                           "mkfifo \"$2\"; \"$1\" watch --interval 0.02 --count 1 2>\"$2\" & read -r line <\"$2\"; "
@@ -172,7 +172,7 @@ TEST_F(Watch, EndsAfterTheChanges) {
   EXPECT_THAT(ended.output, MatchesRegex("[^\n]*  removed [0-9]+ [^\n]*\nended 0\n")) << ended.errors;
 }
 
-TEST_F(Watch, OptionsThatMakeNoSenseAreWrongUsage) {
+TEST_F(Watch, RefusesUnusableOptions) {
   for (const std::vector<std::string>& options : std::vector<std::vector<std::string>>{{"--interval", "0"},
                                                                                        {"--interval", "x"},
                                                                                        {"--interval", "nan"},
@@ -186,7 +186,7 @@ TEST_F(Watch, OptionsThatMakeNoSenseAreWrongUsage) {
   }
 }
 
-TEST_F(Watch, AnOutputThatCannotBeWrittenIsAnError) {
+TEST_F(Watch, ReportsUnwritableOutput) {
   const test_support::TemporaryDirectory folder;
   const auto ended =
       run({"sh", "-c",
@@ -196,7 +196,7 @@ TEST_F(Watch, AnOutputThatCannotBeWrittenIsAnError) {
   EXPECT_EQ(ended.output, "ended 1\nostrevin-host: the output could not be written\n");
 }
 
-TEST(WatchWithoutAServer, APluginWithoutTheFunctionsIsOneLine) {
+TEST(WatchWithoutServer, ReportsPluginWithoutFunctionsInOneLine) {
   const auto run = tool_test::runTool({"--desktop", "live", "--plugin", SAMPLE_PLUGIN, "watch"});
   EXPECT_EQ(run.exit_status, 1);
   EXPECT_THAT(run.errors, HasSubstr(" does not export "));

@@ -1,4 +1,5 @@
-// The active displays as the plugin's methods describe them.
+// The active displays as the plugin's methods describe them. Only their numbers and UUIDs come from the frameworks,
+// since no method returns them.
 #pragma once
 
 #include <cstdint>
@@ -13,7 +14,7 @@ namespace devhost::tool {
 
 struct Display {
   std::uint32_t number = 0;
-  std::optional<std::uint32_t> index;  ///< nothing when the display went away meanwhile
+  std::optional<std::uint32_t> index;  ///< nothing when the display was removed meanwhile
   std::string name;
   double x = 0;
   double y = 0;
@@ -23,12 +24,12 @@ struct Display {
   std::string profile;  ///< empty when there is none
 };
 
-/// Numbers of the active displays, the main one first, as a host's program gets them.
+/// Numbers of the active displays, the main one first, from CoreGraphics, as a host program gets them.
 std::vector<std::uint32_t> activeDisplayNumbers();
-/// Whether it is the first one.
+/// The 16 bytes of the display's UUID from ColorSync; empty when it has none.
+std::string uuidOf(std::uint32_t number);
 bool isMain(const Display& display);
-/// All active displays without their profiles, which cost more than the rest. Throws ValueError when the plugin lacks a
-/// method.
+/// All active displays without their profiles, which take longest. Throws ValueError when the plugin lacks a method.
 std::vector<Display> describePlaces(const Plugin& plugin);
 /// The same with the profiles.
 std::vector<Display> describeDisplays(const Plugin& plugin);

@@ -1,8 +1,10 @@
-#include "devhost/tool/displays.h"
+#include "devhost/tool/session/displays.h"
 
+#include <ColorSync/ColorSync.h>
+#include <CoreFoundation/CoreFoundation.h>
 #include <CoreGraphics/CoreGraphics.h>
 
-#include "devhost/tool/terminal/progress.h"
+#include "devhost/tool/terminal/terminal.h"
 
 namespace devhost::tool {
 namespace {
@@ -55,14 +57,24 @@ std::vector<std::uint32_t> activeDisplayNumbers() {
   return numbers;
 }
 
+std::string uuidOf(std::uint32_t number) {
+  const CFUUIDRef uuid = CGDisplayCreateUUIDFromDisplayID(number);
+  if (uuid == nullptr) {
+    return {};
+  }
+  const CFUUIDBytes bytes = CFUUIDGetUUIDBytes(uuid);
+  CFRelease(uuid);
+  return {reinterpret_cast<const char*>(&bytes), sizeof bytes};
+}
+
 bool isMain(const Display& display) { return display.index == 0U; }
 
 std::vector<Display> describePlaces(const Plugin& plugin) { return describeAll(plugin, describePlace); }
 
 std::vector<Display> describeDisplays(const Plugin& plugin) {
-  return describeAll(plugin, [](const Plugin& asked, std::uint32_t number) {
-    Display display = describePlace(asked, number);
-    display.profile = asked.call("GetProfilePath", {number})["path"].text();
+  return describeAll(plugin, [](const Plugin& plugin, std::uint32_t number) {
+    Display display = describePlace(plugin, number);
+    display.profile = plugin.call("GetProfilePath", {number})["path"].text();
     return display;
   });
 }

@@ -1,4 +1,4 @@
-#include "devhost/tool/files.h"
+#include "devhost/tool/session/files.h"
 
 #include <sys/stat.h>
 #include <unistd.h>
@@ -7,12 +7,12 @@
 #include <cstdlib>
 #include <string_view>
 
-#include "devhost/tool/executable_path.h"
+#include "devhost/tool/session/system.h"
 
 namespace devhost::tool {
 namespace {
 
-/// Up to and without the last slash; "/" for a file in the root directory, "." for a path without a slash.
+/// Without the last component: "/" for a file in the root directory, "." for a path without a slash.
 std::string folderOf(const std::string& path) {
   const std::size_t slash = path.rfind('/');
   if (slash == std::string::npos) {
@@ -23,8 +23,8 @@ std::string folderOf(const std::string& path) {
 
 bool exists(const std::string& path) { return access(path.c_str(), F_OK) == 0; }
 
-/// The first of the places, seen from the folder of the program's own folder, at which there is a file; else the first
-/// one.
+/// The first of the places, relative to the parent of the program's folder, at which there is a file; the first one
+/// when there is none.
 std::string findBeside(std::initializer_list<const char*> places) {
   const std::string tree = folderOf(folderOf(executablePath()));
   for (const char* place : places) {

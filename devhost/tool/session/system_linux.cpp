@@ -1,12 +1,13 @@
-// The live desktop is that of the X server, and may be replaced by one that a file describes.
+// The live desktop is that of the X server; a desktop that a file describes may replace it.
 #include <xcb/xcb.h>
 
+#include <climits>
 #include <cstdlib>
 #include <memory>
 
 #include "desktop/current.h"
 #include "desktop/script/scripted.h"
-#include "devhost/tool/desktop_choice.h"
+#include "devhost/tool/session/system.h"
 
 namespace devhost::tool {
 namespace {
@@ -18,7 +19,7 @@ std::string environmentText(const char* name) {
   return value == nullptr ? std::string() : std::string(value);
 }
 
-bool xServerIsThere() {
+bool canConnectToXServer() {
   if (environmentText("DISPLAY").empty()) {
     return false;
   }
@@ -28,7 +29,7 @@ bool xServerIsThere() {
   return connected;
 }
 
-/// The variable is set as well, for what this process may start or ask later.
+/// Sets the variable too, for child processes and for the doctor.
 void useFile(const std::string& path) {
   try {
     platform::desktop::setCurrent(
@@ -51,11 +52,16 @@ std::string chooseDesktop(const std::string& option, bool needs_displays, const 
     useFile(path);
     return {};
   }
-  if (!needs_displays || example_path.empty() || xServerIsThere()) {
+  if (!needs_displays || example_path.empty() || canConnectToXServer()) {
     return {};
   }
   useFile(example_path);
   return "no X server: showing the example desktop " + example_path;
+}
+
+std::string executablePath() {
+  char path[PATH_MAX];
+  return realpath("/proc/self/exe", path) == nullptr ? std::string() : std::string(path);
 }
 
 }  // namespace devhost::tool

@@ -1,5 +1,11 @@
 // The frameworks are the system's own: there is one desktop, the live one.
-#include "devhost/tool/desktop_choice.h"
+#include <mach-o/dyld.h>
+
+#include <climits>
+#include <cstdint>
+#include <cstdlib>
+
+#include "devhost/tool/session/system.h"
 
 namespace devhost::tool {
 
@@ -8,6 +14,16 @@ std::string chooseDesktop(const std::string& option, bool /*needs_displays*/, co
     throw DesktopError(option + ": this system's frameworks show the live desktop only");
   }
   return {};
+}
+
+std::string executablePath() {
+  char reported[PATH_MAX];
+  std::uint32_t size = sizeof reported;
+  char path[PATH_MAX];
+  if (_NSGetExecutablePath(reported, &size) != 0 || realpath(reported, path) == nullptr) {
+    return {};
+  }
+  return path;
 }
 
 }  // namespace devhost::tool

@@ -1,10 +1,9 @@
-#include "devhost/tool/session.h"
+#include "devhost/tool/session/session.h"
 
 #include <iostream>
 
 #include "devhost/language/printable.h"
-#include "devhost/tool/files.h"
-#include "devhost/tool/terminal/exit_status.h"
+#include "devhost/tool/session/files.h"
 
 namespace devhost::tool {
 

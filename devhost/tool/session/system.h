@@ -1,0 +1,28 @@
+// What each system does in its own way: choosing the desktop behind the frameworks, and finding the running program.
+#pragma once
+
+#include <stdexcept>
+#include <string>
+
+namespace devhost::tool {
+
+/// The option's word for the computer's own desktop.
+inline constexpr const char* kLiveDesktop = "live";
+
+/// A desktop that cannot be used. What() is one line.
+class DesktopError : public std::runtime_error {
+ public:
+  using std::runtime_error::runtime_error;
+};
+
+/// Chooses the desktop that the frameworks show in this process; to be called before the first call of a framework.
+/// `option` is kLiveDesktop, the path of a desktop file, or empty: then the environment variable OSTREVIN_DESKTOP names
+/// the file, and without it the live desktop is chosen. If in that last case `needs_displays` and there is no X server,
+/// the file at `example_path` is chosen instead, unless that path is empty. Returns a line for the user, or an empty
+/// text. Throws DesktopError for a file that cannot be used.
+std::string chooseDesktop(const std::string& option, bool needs_displays, const std::string& example_path);
+
+/// Absolute path of the running program, symbolic links resolved; empty when the system does not report it.
+std::string executablePath();
+
+}  // namespace devhost::tool
