@@ -6,9 +6,9 @@
 #include <string>
 #include <vector>
 
-#include "desktop/icc/icc_language.h"
 #include "desktop/model/desktop.h"
 #include "desktop/model/export.h"
+#include "desktop/model/language.h"
 
 namespace platform::desktop {
 

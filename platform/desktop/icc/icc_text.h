@@ -16,8 +16,8 @@
 #include <string>
 
 #include "desktop/icc/icc_file.h"
-#include "desktop/icc/icc_language.h"
 #include "desktop/icc/icc_profile.h"
+#include "desktop/model/language.h"
 
 namespace platform::desktop {
 

@@ -9,8 +9,8 @@
 #include <vector>
 
 #include "desktop/icc/icc_cache.h"
-#include "desktop/icc/icc_language.h"
 #include "desktop/model/desktop.h"
+#include "desktop/model/language.h"
 
 namespace platform::desktop {
 

@@ -3,20 +3,23 @@
 
 #import <Foundation/Foundation.h>
 
+#include <algorithm>
 #include <memory>
 #include <optional>
+#include <string>
 #include <string_view>
+#include <utility>
+#include <vector>
 
 #include "desktop/current.h"
+#include "desktop/model/language.h"
 #include "frameworks/Foundation/autorelease_pool.h"
 #include "frameworks/Foundation/utf8_objects.h"
 #include "frameworks/IOKit/io_handles.h"
-#include "frameworks/IOKit/preferred_name.h"
 #include "frameworks/hooks/answers.h"
 #include "frameworks/hooks/calls.h"
 
 using platform::IoHandles;
-using platform::ProductNames;
 using platform::ScopedPool;
 using platform::calls::Call;
 using platform::desktop::DisplayService;
@@ -47,6 +50,21 @@ void setNumber(NSMutableDictionary* info, const char* key, std::optional<std::ui
   }
 }
 
+/// By language code, such as "en" or "en_GB".
+using ProductNames = std::vector<std::pair<std::string, std::string>>;
+
+/// The name with the greatest languageRank for the user, the first of equals; empty when there is no name.
+ProductNames onlyPreferred(const ProductNames& names) {
+  const auto wanted = platform::desktop::userLanguage();
+  const auto rank = [&](const auto& name) {
+    const auto offered = platform::desktop::languageOfLocale(name.first);
+    return platform::desktop::languageRank(offered.language, offered.country, wanted);
+  };
+  const auto best = std::max_element(names.begin(), names.end(),
+                                     [&](const auto& first, const auto& second) { return rank(first) < rank(second); });
+  return best == names.end() ? ProductNames{} : ProductNames{*best};
+}
+
 NSDictionary* nameDictionary(const ProductNames& names) {
   NSMutableDictionary* const entries = [NSMutableDictionary dictionary];
   for (const auto& [language, name] : names) {
@@ -66,7 +84,7 @@ NSDictionary* copyInfo(const DisplayService& service, bool only_preferred_name) 
   setNumber(info, kDisplaySerialNumber, service.serial);
   if (service.product_names) {
     const ProductNames& names = *service.product_names;
-    [info setObject:nameDictionary(only_preferred_name ? platform::onlyPreferred(names) : names)
+    [info setObject:nameDictionary(only_preferred_name ? onlyPreferred(names) : names)
              forKey:text(kDisplayProductName)];
   }
   return [[NSDictionary alloc] initWithDictionary:info];

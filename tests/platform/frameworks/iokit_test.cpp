@@ -13,7 +13,6 @@
 #include "base/owned_ref.h"
 #include "desktop/current.h"
 #include "desktop/script/scripted.h"
-#include "frameworks/IOKit/preferred_name.h"
 #include "frameworks/hooks/calls.h"
 #include "support/environment_variables.h"
 
@@ -267,34 +266,37 @@ TEST_F(Services, GiveAnInformationDictionaryThatTheCallerOwns) {
 
 // --- the preferred name
 
-std::string preferred(const Names& names) {
-  const Names only = platform::onlyPreferred(names);
-  return only.size() == 1 ? only[0].first : "(" + std::to_string(only.size()) + " names)";
-}
+class PreferredName : public Services {
+ protected:
+  /// The languages of the names that are left.
+  std::vector<std::string> preferred(const Names& names) {
+    std::vector<std::string> languages;
+    for (const auto& [language, name] : namesIn(infoOf({.product_names = names}, kIODisplayOnlyPreferredName).get())) {
+      languages.push_back(language);
+    }
+    return languages;
+  }
+};
 
-TEST(PreferredName, IsInTheLanguageOfTheEnvironment) {
+TEST_F(PreferredName, IsInTheUsersLanguage) {
   const Names names = {{"fr", ""}, {"en", ""}, {"de", ""}, {"de_CH", ""}};
   const auto german = support::userLanguage({{"LANG", "fr_FR"}, {"LC_MESSAGES", "de_DE.UTF-8"}});
-  EXPECT_EQ(preferred(names), "de");
+  EXPECT_THAT(preferred(names), ElementsAre("de"));
   const auto swiss = support::userLanguage({{"LANG", "fr_FR"}, {"LC_ALL", "de_CH@euro"}});
-  EXPECT_EQ(preferred(names), "de_CH");
+  EXPECT_THAT(preferred(names), ElementsAre("de_CH"));
   const auto list = support::userLanguage({{"LC_ALL", "en_GB"}, {"LANGUAGE", "fr:de"}});
-  EXPECT_EQ(preferred(names), "fr");
+  EXPECT_THAT(preferred(names), ElementsAre("fr"));
 }
 
-TEST(PreferredName, IsEnglishWhenTheEnvironmentDoesNotSay) {
-  const Names names = {{"fr", ""}, {"en_GB", ""}, {"en", ""}};
-  const auto none = support::userLanguage({});
-  EXPECT_EQ(preferred(names), "en");
+TEST_F(PreferredName, IsEnglishInTheCLocale) {
   const auto c = support::userLanguage({{"LANG", "C.UTF-8"}});
-  EXPECT_EQ(preferred(names), "en");
+  EXPECT_THAT(preferred({{"fr", ""}, {"en_GB", ""}, {"en", ""}}), ElementsAre("en"));
 }
 
-TEST(PreferredName, IsEnglishOrTheFirstWhenTheLanguageIsMissing) {
+TEST_F(PreferredName, IsEnglishElseTheFirstWithoutTheUsersLanguage) {
   const auto japanese = support::userLanguage({{"LANG", "ja_JP"}});
-  EXPECT_EQ(preferred({{"fr", ""}, {"en_GB", ""}}), "en_GB");
-  EXPECT_EQ(preferred({{"fr", ""}, {"de", ""}}), "fr");
-  EXPECT_EQ(preferred({}), "(0 names)");
+  EXPECT_THAT(preferred({{"fr", ""}, {"en_GB", ""}}), ElementsAre("en_GB"));
+  EXPECT_THAT(preferred({{"fr", ""}, {"de", ""}}), ElementsAre("fr"));
 }
 
 // --- hooks

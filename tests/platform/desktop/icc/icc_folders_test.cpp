@@ -421,7 +421,7 @@ TEST_F(RememberingFolders, FollowTheUsersLanguage) {
       "m.icc", IccMaker().tag("desc", support::mlucElement({{"enUS", u"English"}, {"deDE", u"Deutsch"}})).bytes()));
   const auto english = support::userLanguage({{"LC_ALL", "en_US.UTF-8"}});
   EXPECT_THAT(list(), Contains("m.icc: English"));
-  const auto german = support::userLanguage({{"LC_ALL", "de_DE.UTF-8"}});
+  const auto german = support::userLanguage({{"LC_ALL", "en_US.UTF-8"}, {"LANGUAGE", "de:en"}});
   EXPECT_THAT(list(), Contains("m.icc: Deutsch"));
 }
 

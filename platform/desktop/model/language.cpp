@@ -1,0 +1,46 @@
+#include "desktop/model/language.h"
+
+#include <glib.h>
+
+#include <algorithm>
+#include <cstdlib>
+
+namespace platform::desktop {
+namespace {
+
+bool isSame(std::string_view first, std::string_view second) {
+  return first.size() == second.size() && g_ascii_strncasecmp(first.data(), second.data(), first.size()) == 0;
+}
+
+}  // namespace
+
+Language languageOfLocale(std::string_view locale) {
+  locale = locale.substr(0, locale.find_first_of(".@:"));
+  const std::string_view language = locale.substr(0, locale.find_first_of("_-"));
+  if (language.empty() || language == "C" || language == "POSIX") {
+    return {"en", "US"};
+  }
+  return {std::string(language), std::string(locale.substr(std::min(language.size() + 1, locale.size())))};
+}
+
+Language userLanguage() {
+  for (const char* const variable : {"LANGUAGE", "LC_ALL", "LC_MESSAGES", "LANG"}) {
+    const char* const locale = std::getenv(variable);
+    if (locale != nullptr && *locale != '\0') {
+      return languageOfLocale(locale);
+    }
+  }
+  return languageOfLocale("");
+}
+
+int languageRank(std::string_view language, std::string_view country, const Language& wanted) {
+  if (isSame(language, wanted.language)) {
+    return isSame(country, wanted.country) ? 5 : country.empty() ? 4 : 3;
+  }
+  if (isSame(language, "en")) {
+    return country.empty() ? 2 : 1;
+  }
+  return 0;
+}
+
+}  // namespace platform::desktop
