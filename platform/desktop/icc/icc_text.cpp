@@ -1,11 +1,12 @@
 #include "desktop/icc/icc_text.h"
 
+#include <glib.h>
+
 #include <algorithm>
 #include <array>
 
 #include "desktop/model/big_endian.h"
 #include "desktop/model/utf8.h"
-#include "desktop/script/script_text.h"
 
 namespace platform::desktop {
 namespace {
@@ -34,7 +35,7 @@ constexpr char16_t kByteOrderMark = 0xFEFF;
 /// Reads inside one element.
 class Element {
  public:
-  Element(const IccFile& file, const IccTag& tag) : file_(file), tag_(tag) {}
+  Element(const IccFile& profile, const IccTag& tag) : profile_(profile), tag_(tag) {}
 
   std::uint32_t size() const { return tag_.size; }
 
@@ -43,7 +44,7 @@ class Element {
   }
 
   bool read(std::uint64_t offset, void* target, std::size_t count) const {
-    return holds(offset, count) && file_.read(tag_.offset + offset, target, count);
+    return holds(offset, count) && profile_.read(tag_.offset + offset, target, count);
   }
 
   std::optional<std::uint32_t> number(std::uint64_t offset) const {
@@ -67,7 +68,7 @@ class Element {
   }
 
  private:
-  const IccFile& file_;
+  const IccFile& profile_;
   IccTag tag_;
 };
 
@@ -77,49 +78,46 @@ bool isAscii(std::string_view text) {
 
 void endAtNul(std::string& text) { text.resize(std::min(text.find('\0'), text.size())); }
 
-std::string utf8FromLatin1(std::string_view latin1) {
+/// Big-endian UTF-16 up to the first NUL; a last odd byte is ignored.
+std::string utf8FromUtf16(std::string_view bytes) {
+  const auto* const data = reinterpret_cast<const std::uint8_t*>(bytes.data());
+  const std::size_t count = bytes.size() / 2;
+  const auto unit = [&](std::size_t i) -> char32_t { return bigEndian16(data + 2 * i); };
   std::string text;
-  text.reserve(latin1.size() + static_cast<std::size_t>(std::count_if(latin1.begin(), latin1.end(), [](char byte) {
-                 return static_cast<unsigned char>(byte) >= 0x80;
-               })));
-  for (const char byte : latin1) {
+  text.reserve(3 * count);  // at most; growing by steps would take more
+  for (std::size_t i = count > 0 && unit(0) == kByteOrderMark ? 1 : 0; i < count && unit(i) != 0; ++i) {
+    const char32_t first = unit(i);
+    if (first < 0xD800 || first > 0xDFFF) {
+      appendUtf8(text, first);
+    } else if (first < 0xDC00 && i + 1 < count && unit(i + 1) >= 0xDC00 && unit(i + 1) <= 0xDFFF) {
+      appendUtf8(text, 0x10000 + ((first - 0xD800) << 10) + (unit(++i) - 0xDC00));
+    } else {
+      appendUtf8(text, kReplacementCharacter);
+    }
+  }
+  return text;
+}
+
+/// As UTF-8 when they are that, else as Latin-1.
+std::string utf8FromBytes(std::string bytes) {
+  if (g_utf8_validate(bytes.data(), static_cast<gssize>(bytes.size()), nullptr) != FALSE) {
+    return bytes;
+  }
+  std::string text;
+  text.reserve(2 * bytes.size());
+  for (const char byte : bytes) {
     appendUtf8(text, static_cast<unsigned char>(byte));
   }
   return text;
 }
 
-/// Calls `take` with each character of big-endian UTF-16 up to the first NUL; a last odd byte is not looked at.
-template <typename Take>
-void decodeUtf16(std::string_view bytes, const Take& take) {
-  const auto* const data = reinterpret_cast<const std::uint8_t*>(bytes.data());
-  const std::size_t count = bytes.size() / 2;
-  const auto unit = [&](std::size_t i) -> char32_t { return bigEndian16(data + 2 * i); };
-  for (std::size_t i = count > 0 && unit(0) == kByteOrderMark ? 1 : 0; i < count && unit(i) != 0; ++i) {
-    const char32_t first = unit(i);
-    if (first < 0xD800 || first > 0xDFFF) {
-      take(first);
-    } else if (first < 0xDC00 && i + 1 < count && unit(i + 1) >= 0xDC00 && unit(i + 1) <= 0xDFFF) {
-      take(0x10000 + ((first - 0xD800) << 10) + (unit(++i) - 0xDC00));
-    } else {
-      take(kReplacementCharacter);
-    }
-  }
-}
-
-std::string utf8FromUtf16(std::string_view bytes) {
-  std::size_t size = 0;
-  decodeUtf16(bytes, [&](char32_t character) { size += utf8Size(character); });
-  std::string text;
-  text.reserve(size);
-  decodeUtf16(bytes, [&](char32_t character) { appendUtf8(text, character); });
-  return text;
-}
-
-std::string utf8FromBytes(std::string bytes) {
-  if (isUtf8(bytes)) {
-    return bytes;
-  }
-  return utf8FromLatin1(bytes);
+/// `script` is a Script Manager code of the Macintosh; of one that is not known, only ASCII is read.
+std::string utf8FromScript(std::uint16_t script, std::string_view bytes) {
+  constexpr std::array<std::pair<std::uint16_t, const char*>, 6> kEncodings = {
+      {{0, "MACINTOSH"}, {1, "SHIFT_JIS"}, {2, "BIG5"}, {3, "EUC-KR"}, {7, "MAC-CYRILLIC"}, {25, "EUC-CN"}}};
+  const auto* const known = std::find_if(kEncodings.begin(), kEncodings.end(),
+                                         [&](const auto& encoding) { return encoding.first == script; });
+  return utf8From(known != kEncodings.end() ? known->second : "ASCII", bytes);
 }
 
 /// The Unicode part of a 'desc' element, or its ScriptCode part; empty when it has neither. `offset` is where the ASCII
@@ -220,8 +218,8 @@ std::optional<std::string> readPlain(const Element& element) {
 
 }  // namespace
 
-std::optional<std::string> readIccText(const IccFile& file, const IccTag& tag, const Language& wanted) {
-  const Element element(file, tag);
+std::optional<std::string> readIccText(const IccFile& profile, const IccTag& tag, const Language& wanted) {
+  const Element element(profile, tag);
   switch (element.number(0).value_or(0)) {
     case iccSignature("desc"):
       return readDesc(element);

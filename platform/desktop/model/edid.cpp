@@ -2,8 +2,9 @@
 
 #include <algorithm>
 #include <array>
+#include <iterator>
 
-#include "desktop/model/code_page_437.h"
+#include "desktop/model/utf8.h"
 
 namespace platform::desktop {
 namespace {
@@ -36,13 +37,16 @@ bool isProductName(Block block, std::size_t descriptor) {
          block[descriptor + 3] == kProductNameTag;
 }
 
-/// A text ends with a line feed and is then filled up with blanks; monitors that end or fill it with zero bytes or with
-/// a carriage return are common enough to be understood as well.
+/// A text is in code page 437, ends with a line feed and is then filled up with blanks; many monitors end or fill it
+/// with zero bytes or a carriage return. Control characters are left out: a display's name is shown on one line.
 std::string descriptorText(Block block, std::size_t descriptor) {
   constexpr std::array<std::uint8_t, 3> kEnds = {'\n', '\r', '\0'};
   const auto field = block.subspan(descriptor + kDescriptorTextOffset, kDescriptorTextSize);
   const auto end = std::find_first_of(field.begin(), field.end(), kEnds.begin(), kEnds.end());
-  std::string text = fromCodePage437(field.first(static_cast<std::size_t>(end - field.begin())));
+  std::string bytes;
+  std::copy_if(field.begin(), end, std::back_inserter(bytes),
+               [](std::uint8_t byte) { return byte >= 0x20 && byte != 0x7F; });
+  std::string text = utf8From("CP437", bytes);
   text.erase(text.find_last_not_of(' ') + 1);
   return text;
 }

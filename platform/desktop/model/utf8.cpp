@@ -1,69 +1,37 @@
 #include "desktop/model/utf8.h"
 
-#include <cstdint>
+#include <glib.h>
+
+#include <array>
 
 namespace platform::desktop {
-namespace {
-
-/// Bytes in the sequence that begins at `index`, or 0 when there is no well-formed one.
-std::size_t sequenceSize(std::string_view text, std::size_t index) {
-  const auto byte = [&](std::size_t i) { return static_cast<std::uint8_t>(text[i]); };
-  const std::uint8_t lead = byte(index);
-  if (lead < 0x80) {
-    return 1;
-  }
-  if (lead < 0xC2 || lead > 0xF4) {
-    return 0;
-  }
-  const std::size_t size = lead < 0xE0 ? 2 : lead < 0xF0 ? 3 : 4;
-  if (text.size() - index < size) {
-    return 0;
-  }
-  for (std::size_t i = 1; i < size; ++i) {
-    if ((byte(index + i) & 0xC0) != 0x80) {
-      return 0;
-    }
-  }
-  const std::uint8_t second = byte(index + 1);
-  const bool overlong = (lead == 0xE0 && second < 0xA0) || (lead == 0xF0 && second < 0x90);
-  const bool surrogate = lead == 0xED && second >= 0xA0;
-  const bool too_large = lead == 0xF4 && second >= 0x90;
-  return overlong || surrogate || too_large ? 0 : size;
-}
-
-}  // namespace
 
 void appendUtf8(std::string& text, char32_t character) {
-  const auto put = [&](char32_t byte) { text.push_back(static_cast<char>(byte)); };
-  switch (utf8Size(character)) {
-    case 1:
-      put(character);
-      return;
-    case 2:
-      put(0xC0 | character >> 6);
-      break;
-    case 3:
-      put(0xE0 | character >> 12);
-      put(0x80 | (character >> 6 & 0x3F));
-      break;
-    default:
-      put(0xF0 | character >> 18);
-      put(0x80 | (character >> 12 & 0x3F));
-      put(0x80 | (character >> 6 & 0x3F));
-      break;
-  }
-  put(0x80 | (character & 0x3F));
+  std::array<char, 6> bytes;
+  text.append(bytes.data(), static_cast<std::size_t>(g_unichar_to_utf8(character, bytes.data())));
 }
 
-bool isUtf8(std::string_view text) {
-  for (std::size_t index = 0; index < text.size();) {
-    const std::size_t size = sequenceSize(text, index);
-    if (size == 0) {
-      return false;
+std::string utf8From(const char* encoding, std::string_view bytes) {
+  std::string text;
+  while (!bytes.empty()) {
+    gsize read = 0;
+    gsize written = 0;
+    g_autofree char* converted =
+        g_convert(bytes.data(), static_cast<gssize>(bytes.size()), "UTF-8", encoding, &read, &written, nullptr);
+    if (converted == nullptr && read > 0) {
+      // GLib returns nothing when a later byte is wrong: the bytes before that one.
+      converted = g_convert(bytes.data(), static_cast<gssize>(read), "UTF-8", encoding, nullptr, &written, nullptr);
     }
-    index += size;
+    if (converted != nullptr && read > 0) {
+      text.append(converted, written);
+      bytes.remove_prefix(read);
+      continue;
+    }
+    const auto byte = static_cast<unsigned char>(bytes.front());
+    appendUtf8(text, byte < 0x80 ? byte : kReplacementCharacter);
+    bytes.remove_prefix(1);
   }
-  return true;
+  return text;
 }
 
 }  // namespace platform::desktop

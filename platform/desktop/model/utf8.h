@@ -1,7 +1,6 @@
-// Writing UTF-8, and telling whether bytes are UTF-8. Any thread may call.
+// Text of other encodings in UTF-8. Any thread may call.
 #pragma once
 
-#include <cstddef>
 #include <string>
 #include <string_view>
 
@@ -9,15 +8,11 @@ namespace platform::desktop {
 
 inline constexpr char32_t kReplacementCharacter = 0xFFFD;
 
-/// Bytes that `character`, a Unicode scalar value, takes.
-constexpr std::size_t utf8Size(char32_t character) {
-  return character < 0x80 ? 1 : character < 0x800 ? 2 : character < 0x10000 ? 3 : 4;
-}
-
 /// `character` is a Unicode scalar value.
 void appendUtf8(std::string& text, char32_t character);
 
-/// True for well-formed UTF-8 (no overlong forms, no surrogates, nothing above U+10FFFF).
-bool isUtf8(std::string_view text);
+/// The bytes in UTF-8. `encoding` is a name of iconv's, of an encoding that contains ASCII. A byte that the encoding
+/// does not define becomes U+FFFD, as does every byte above 0x7F when this system cannot convert from the encoding.
+std::string utf8From(const char* encoding, std::string_view bytes);
 
 }  // namespace platform::desktop
