@@ -1,5 +1,5 @@
-// The plugin's reader of one profile file: the document in its QV02 tag, and the question whether it has a tag. Both
-// are compared with what a second, plain reader finds in memory.
+// The plugin's reader of one profile file: the document in its QV02 tag, and whether it has a tag. Both are compared
+// with what a second, plain reader finds in memory.
 #include <algorithm>
 #include <cstdint>
 #include <optional>
@@ -35,7 +35,7 @@ bool isAscii(std::string_view text) {
   return std::all_of(text.begin(), text.end(), [](char c) { return static_cast<unsigned char>(c) < 0x80; });
 }
 
-/// Asks for the first tag of the file's own table, as far as its signature is one that can be asked for.
+/// Looks for the first tag of the file's own table, if its signature is ASCII.
 void checkFirstTag(CFURLRef url, const fuzz::ReferenceProfile& reference) {
   if (reference.lines.empty() || !isAscii(reference.lines.front().signature)) {
     return;
@@ -63,7 +63,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
             "the document is the element without its first eight bytes");
   }
   require(ProfileServices::ICCTagExists(profile.url.get(), newText("QV02").get()) == element.has_value(),
-          "the tag's existence is no other question");
+          "a tag exists when it can be read");
   if (reference) {
     checkFirstTag(profile.url.get(), *reference);
   }

@@ -7,36 +7,33 @@
 #include <vector>
 
 #include "desktop/colord/glib_refs.h"
+#include "desktop/icc/icc_profile.h"
 #include "desktop/model/regular_file.h"
 
 namespace platform::desktop {
 namespace {
 
 /// Profiles of displays have some kilobytes, with large tables a few megabytes.
-constexpr off_t kMostBytes = 64 << 20;
+constexpr std::uint64_t kMostBytes = 64 << 20;
 /// An ICC header, and the tag count after it.
-constexpr off_t kFewestBytes = 132;
+constexpr std::uint64_t kFewestBytes = 132;
 
 std::optional<std::vector<std::uint8_t>> readProfile(const std::string& path) {
   const RegularFile file(path);
   if (!file || file.size() < kFewestBytes || file.size() > kMostBytes) {
     return std::nullopt;
   }
-  std::vector<std::uint8_t> bytes(static_cast<std::size_t>(file.size()));
-  const bool is_whole = file.read(bytes.data(), bytes.size()) == file.size();
+  std::vector<std::uint8_t> bytes(file.size());
+  const bool is_whole = file.read(0, bytes.data(), bytes.size()) == static_cast<ssize_t>(bytes.size());
   return is_whole ? std::optional(std::move(bytes)) : std::nullopt;
-}
-
-/// The size that an ICC header states: its first four bytes, the most significant first.
-std::size_t statedSize(const std::vector<std::uint8_t>& bytes) {
-  return std::size_t{bytes[0]} << 24 | std::size_t{bytes[1]} << 16 | std::size_t{bytes[2]} << 8 | bytes[3];
 }
 
 }  // namespace
 
 bool isDisplayProfileFile(const std::string& path) {
   const auto bytes = readProfile(path);
-  if (!bytes || statedSize(*bytes) > bytes->size()) {
+  // The header begins with the size of the profile.
+  if (!bytes || bigEndian32(bytes->data()) > bytes->size()) {
     return false;
   }
   const ObjectRef<CdIcc> profile(cd_icc_new());

@@ -1,4 +1,3 @@
-#include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -6,11 +5,9 @@
 #include <filesystem>
 
 #include "desktop/diagnosis/diagnosis.h"
-#include "desktop/icc/icc_file.h"
 #include "desktop/icc/icc_folders.h"
 #include "desktop/icc/icc_profile.h"
 #include "desktop/icc/known_folder.h"
-#include "desktop/model/big_endian.h"
 
 namespace platform::desktop {
 namespace {
@@ -43,25 +40,23 @@ ProfileFolder examine(const std::string& path) {
 }  // namespace
 
 ProfileFault faultOfProfile(const std::string& path) {
-  struct stat status {};
-  if (stat(path.c_str(), &status) != 0) {
-    return errno == EACCES ? ProfileFault::kUnreadable : ProfileFault::kMissing;
+  const RegularFile file(path);
+  std::uint8_t byte = 0;
+  if (!file) {
+    const bool is_missing = errno == ENOENT || errno == ENOTDIR || errno == ELOOP;
+    return errno == 0 ? ProfileFault::kNotRegular : is_missing ? ProfileFault::kMissing : ProfileFault::kUnreadable;
   }
-  if (!S_ISREG(status.st_mode)) {
-    return ProfileFault::kNotRegular;
-  }
-  if (static_cast<std::uint64_t>(status.st_size) > kMaxIccFileSize) {
+  if (file.size() > kMaxIccFileSize) {
     return ProfileFault::kTooLarge;
   }
-  const auto file = IccFile::open(path);
-  if (!file) {
+  if (file.read(0, &byte, 1) < 0) {
     return ProfileFault::kUnreadable;
   }
-  const auto profile = IccProfile::parse(*file);
+  const auto profile = IccProfile::of(file);
   if (!profile) {
     return ProfileFault::kNotAProfile;
   }
-  return bigEndian32(profile->header().data()) > file->size() ? ProfileFault::kIncomplete : ProfileFault::kNone;
+  return bigEndian32(profile->header().data()) > file.size() ? ProfileFault::kIncomplete : ProfileFault::kNone;
 }
 
 std::vector<ProfileFolder> examineProfileFolders() {

@@ -5,8 +5,8 @@ namespace platform::desktop {
 bool laterChangesShow(const FileIdentity& identity, FileTime now) {
   // Some file systems count in whole seconds, or in pairs of them.
   constexpr std::int64_t kCoarsestTick = 2;
-  if (identity.changed.nanoseconds == 0) {
-    return identity.changed.seconds + kCoarsestTick < now.seconds;
+  if (identity.changed.second == 0) {
+    return identity.changed.first + kCoarsestTick < now.first;
   }
   return identity.changed < now;
 }

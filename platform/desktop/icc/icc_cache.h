@@ -9,9 +9,9 @@
 #include <string>
 #include <vector>
 
-#include "desktop/icc/file_identity.h"
 #include "desktop/model/desktop.h"
 #include "desktop/model/export.h"
+#include "desktop/model/regular_file.h"
 
 namespace platform::desktop {
 

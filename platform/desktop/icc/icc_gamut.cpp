@@ -11,20 +11,15 @@
 #include <memory>
 #include <vector>
 
-#include "desktop/icc/icc_elements.h"
-#include "desktop/icc/icc_file.h"
-#include "desktop/icc/icc_profile.h"
-#include "desktop/model/big_endian.h"
-
 namespace platform::desktop {
 namespace {
 
 constexpr double kLeastShareOfP3 = 0.9;
 
-/// Elements that are larger than this are not handed to lcms2, and it gets no larger piece of memory.
+/// lcms2 gets no larger element, and may allocate no larger piece of memory.
 constexpr std::uint32_t kMaxElement = 16 << 20;
 
-// --- lcms2, with a bound on what it may allocate: the size of a table is whatever a profile says it is
+// --- lcms2, with a bound on what it may allocate: a profile gives the size of its tables itself
 
 void* boundedMalloc(cmsContext, cmsUInt32Number size) { return size <= kMaxElement ? std::malloc(size) : nullptr; }
 void boundedFree(cmsContext, void* memory) { std::free(memory); }
@@ -119,14 +114,20 @@ double areaOfDisplayP3() {
 
 bool isWide(const Primaries& primaries) {
   static const double kLeastArea = kLeastShareOfP3 * areaOfDisplayP3();
-  return area(primaries) >= kLeastArea;  // false, too, for an area that is no number
+  return area(primaries) >= kLeastArea;  // false, too, for NaN
 }
 
 // --- the part of a profile that lcms2 needs for this, in memory
 
-/// A profile with the same header and, of the tags, those that say what the device's colours are; the file may have
-/// more tags than lcms2 admits.
-std::vector<std::uint8_t> colorPart(const IccFile& file, const IccProfile& profile) {
+void putBigEndian32(std::uint8_t* bytes, std::uint32_t value) {
+  for (int i = 0; i < 4; ++i) {
+    bytes[i] = static_cast<std::uint8_t>(value >> (24 - 8 * i));
+  }
+}
+
+/// A profile with the same header and only the tags that describe the device's colours, since the file may have more
+/// tags than lcms2 accepts.
+std::vector<std::uint8_t> colorPart(const IccProfile& profile) {
   constexpr std::array<std::uint32_t, 9> kTags = {iccSignature("rXYZ"), iccSignature("gXYZ"), iccSignature("bXYZ"),
                                                   iccSignature("wtpt"), iccSignature("rTRC"), iccSignature("gTRC"),
                                                   iccSignature("bTRC"), iccSignature("A2B0"), iccSignature("A2B1")};
@@ -142,7 +143,7 @@ std::vector<std::uint8_t> colorPart(const IccFile& file, const IccProfile& profi
       continue;
     }
     part.resize(offset + tag->size);
-    if (!file.read(tag->offset, part.data() + offset, tag->size)) {
+    if (!profile.read(tag->offset, part.data() + offset, tag->size)) {
       return {};
     }
     std::uint8_t* const entry = &part[table + count++ * kEntrySize];
@@ -162,13 +163,8 @@ bool describesColorSpace(cmsProfileClassSignature profile_class) {
 
 }  // namespace
 
-std::optional<ColorSpace> colorSpaceOf(const std::string& profile_path) {
-  const auto file = IccFile::open(profile_path);
-  const auto parsed = file ? IccProfile::parse(*file) : std::nullopt;
-  if (!parsed) {
-    return std::nullopt;
-  }
-  const std::vector<std::uint8_t> part = colorPart(*file, *parsed);
+std::optional<ColorSpace> colorSpaceOf(const IccProfile& file) {
+  const std::vector<std::uint8_t> part = colorPart(file);
   const Context context = makeContext();
   if (part.empty() || !context) {
     return std::nullopt;

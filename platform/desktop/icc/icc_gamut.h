@@ -2,8 +2,8 @@
 #pragma once
 
 #include <optional>
-#include <string>
 
+#include "desktop/icc/icc_profile.h"
 #include "desktop/model/export.h"
 
 namespace platform::desktop {
@@ -16,8 +16,8 @@ struct ColorSpace {
   bool is_wide = false;
 };
 
-/// Nothing when the file is no profile, or a profile that does not describe a device's or an encoding's colour space (a
-/// link between two devices, an abstract transformation, a named-colour list).
-PLATFORM_API std::optional<ColorSpace> colorSpaceOf(const std::string& profile_path);
+/// Nothing for a profile that does not describe a device's or an encoding's colour space (a link between two devices,
+/// an abstract transformation, a named-colour list), or that cannot be read.
+PLATFORM_API std::optional<ColorSpace> colorSpaceOf(const IccProfile& file);
 
 }  // namespace platform::desktop

@@ -1,8 +1,7 @@
 #include "desktop/icc/icc_profile.h"
 
 #include <algorithm>
-
-#include "desktop/model/big_endian.h"
+#include <cstring>
 
 namespace platform::desktop {
 namespace {
@@ -34,22 +33,44 @@ bool isProfileHeader(const IccProfile::Header& header) {
   return bigEndian32(&header[kMarkField]) == iccSignature("acsp") && version_is_known && class_is_known;
 }
 
+bool readWhole(const RegularFile& file, std::uint64_t offset, void* target, std::size_t count) {
+  return file.read(offset, target, count) == static_cast<ssize_t>(count);
+}
+
 }  // namespace
 
-std::optional<IccProfile> IccProfile::parse(const IccFile& file) {
-  Header header;
-  std::array<std::uint8_t, kTagCountSize> count;
-  if (!file.read(0, header.data(), header.size()) || !isProfileHeader(header) ||
-      !file.read(kHeaderSize, count.data(), count.size())) {
+std::optional<IccProfile> IccProfile::open(const std::string& path) {
+  const RegularFile file(path);
+  IccProfile profile;
+  if (!file || !profile.load(file, kKeptSize)) {
     return std::nullopt;
   }
-  IccProfile profile(file, header);
-  profile.tag_count_ = bigEndian32(count.data());
-  profile.end_ = std::min<std::uint64_t>(file.size(), bigEndian32(&header[kSizeField]));
-  if (profile.tag_count_ > kMaxIccTags || kTableStart + profile.tag_count_ * kTagEntrySize > file.size()) {
-    return std::nullopt;
-  }
+  profile.path_ = path;
   return profile;
+}
+
+std::optional<IccProfile> IccProfile::of(const RegularFile& file) {
+  // Header, tag table and, in most profiles, the description.
+  constexpr std::size_t kBeginning = 4096;
+  IccProfile profile;
+  profile.file_ = &file;
+  return profile.load(file, kBeginning) ? std::optional(std::move(profile)) : std::nullopt;
+}
+
+bool IccProfile::load(const RegularFile& file, std::size_t kept_size) {
+  identity_ = file.identity();
+  if (fileSize() < kTableStart || fileSize() > kMaxIccFileSize) {
+    return false;
+  }
+  kept_.resize(std::min<std::uint64_t>(kept_size, fileSize()));
+  if (!readWhole(file, 0, kept_.data(), kept_.size())) {
+    return false;
+  }
+  std::copy_n(kept_.begin(), kHeaderSize, header_.begin());
+  tag_count_ = bigEndian32(&kept_[kHeaderSize]);
+  end_ = std::min<std::uint64_t>(fileSize(), bigEndian32(&header_[kSizeField]));
+  return isProfileHeader(header_) && tag_count_ <= kMaxIccTags &&
+         kTableStart + tag_count_ * kTagEntrySize <= fileSize();
 }
 
 std::optional<std::string> IccProfile::deviceClass() const {
@@ -62,7 +83,7 @@ std::optional<IccTag> IccProfile::find(std::uint32_t signature) const {
   std::array<std::uint8_t, kEntriesAtOnce * kTagEntrySize> table;
   for (std::uint32_t done = 0; done < tag_count_; done += kEntriesAtOnce) {
     const std::size_t entries = std::min(kEntriesAtOnce, tag_count_ - done);
-    if (!file_->read(kTableStart + std::uint64_t{done} * kTagEntrySize, table.data(), entries * kTagEntrySize)) {
+    if (!read(kTableStart + std::uint64_t{done} * kTagEntrySize, table.data(), entries * kTagEntrySize)) {
       return std::nullopt;
     }
     for (std::size_t i = 0; i < entries; ++i) {
@@ -74,6 +95,21 @@ std::optional<IccTag> IccProfile::find(std::uint32_t signature) const {
     }
   }
   return std::nullopt;
+}
+
+bool IccProfile::read(std::uint64_t offset, void* target, std::size_t count) const {
+  if (offset > fileSize() || count > fileSize() - offset) {
+    return false;
+  }
+  if (offset + count <= kept_.size()) {
+    std::memcpy(target, kept_.data() + offset, count);
+    return true;
+  }
+  if (file_ != nullptr) {
+    return readWhole(*file_, offset, target, count);
+  }
+  const RegularFile again(path_);
+  return again && again.identity() == identity_ && readWhole(again, offset, target, count);
 }
 
 }  // namespace platform::desktop

@@ -1,27 +1,41 @@
-// The header and the tag table of an ICC profile, read from its file with every bound checked. Any thread may call.
+// The reader of one ICC profile file: its header and its tag table, with every bound checked. Any thread may call.
 //
 // This reader stands beside lcms2 because lcms2 refuses profiles with more than 100 tags and costs more than a listing
-// may spend on each file. It judges a file as lcms2 2.14 does: a file is no profile without the "acsp" mark, with a
-// version above 5.0, with a class that ICC.1 does not name, or with a tag table that the file does not hold; a tag that
-// reaches out of the file, or beyond the size that the header states, is not there. In two things it is more patient:
-// an element may be empty, and of several tags with one signature the first counts, where lcms2 passes over the tag and
-// refuses the file. Layout: ICC.1:2022, 7.2 and 7.3.
+// may spend on each file. It judges a file as lcms2 2.14 does: a profile has the "acsp" mark, a version up to 5.0, a
+// class that ICC.1 names, and its whole tag table in the file; a tag that reaches out of the file, or beyond the size
+// in the header, is absent. There are two differences: an element may be empty, and of several tags with one signature
+// the first counts, where lcms2 ignores the tag and refuses the file. Layout: ICC.1:2022, 7.2 and 7.3.
 #pragma once
 
 #include <array>
+#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <vector>
 
-#include "desktop/icc/icc_file.h"
 #include "desktop/model/export.h"
+#include "desktop/model/regular_file.h"
 
 namespace platform::desktop {
 
-/// More tags than this make a file no profile. (Well over anything in use, it bounds what a hostile table can cost.)
+/// Files above this size are refused; the largest profiles in use have some tens of MiB.
+inline constexpr std::uint64_t kMaxIccFileSize = std::uint64_t{1} << 30;
+
+/// A file with more tags than this is refused: far more than any in use, it bounds what a hostile table can cost.
 inline constexpr std::uint32_t kMaxIccTags = 65536;
 
-/// Four characters as ICC files store them: big-endian, in one number.
+// Numbers as ICC files store them, most significant byte first; the caller has checked the bounds.
+
+constexpr std::uint16_t bigEndian16(const std::uint8_t* bytes) {
+  return static_cast<std::uint16_t>(bytes[0] << 8 | bytes[1]);
+}
+
+constexpr std::uint32_t bigEndian32(const std::uint8_t* bytes) {
+  return std::uint32_t{bigEndian16(bytes)} << 16 | bigEndian16(bytes + 2);
+}
+
+/// Four characters in one number.
 constexpr std::uint32_t iccSignature(const char (&text)[5]) {
   std::uint32_t value = 0;
   for (int i = 0; i < 4; ++i) {
@@ -41,21 +55,35 @@ struct IccTag {
 class PLATFORM_API IccProfile {
  public:
   static constexpr std::size_t kHeaderSize = 128;
+  /// Of a profile that is opened by its path, this much is kept in memory.
+  static constexpr std::size_t kKeptSize = 64 << 10;
   using Header = std::array<std::uint8_t, kHeaderSize>;
 
-  /// Nothing when the file is no profile. `file` must outlive the profile.
-  static std::optional<IccProfile> parse(const IccFile& file);
+  /// Nothing unless `path` leads to a readable profile. No file stays open. The file's first kKeptSize bytes are read
+  /// once; what lies behind them is read from the file when it is asked for, if the file is still in the same state.
+  static std::optional<IccProfile> open(const std::string& path);
+  /// Of a file that outlives the profile; nothing when it is not a profile.
+  static std::optional<IccProfile> of(const RegularFile& file);
 
   const Header& header() const { return header_; }
+  std::uint64_t fileSize() const { return identity_.size; }
   /// The four characters of the header's class field; nothing when it is zero, as some old writers left it.
   std::optional<std::string> deviceClass() const;
   std::optional<IccTag> find(std::uint32_t signature) const;
 
- private:
-  IccProfile(const IccFile& file, const Header& header) : file_(&file), header_(header) {}
+  /// Fills `target` with `count` bytes from `offset` on. False, with `target` undefined, when the file does not have
+  /// them all, or is no longer the file that was opened.
+  bool read(std::uint64_t offset, void* target, std::size_t count) const;
 
-  const IccFile* file_;
-  Header header_;
+ private:
+  IccProfile() = default;
+  bool load(const RegularFile& file, std::size_t kept_size);
+
+  std::string path_;
+  const RegularFile* file_ = nullptr;  ///< null when the file is opened by its path
+  FileIdentity identity_;
+  std::vector<std::uint8_t> kept_;  ///< the beginning of the file
+  Header header_{};
   std::uint32_t tag_count_ = 0;
   std::uint64_t end_ = 0;  ///< no element reaches beyond this offset
 };

@@ -5,7 +5,6 @@
 #include <algorithm>
 #include <array>
 
-#include "desktop/model/big_endian.h"
 #include "desktop/model/utf8.h"
 
 namespace platform::desktop {
@@ -35,7 +34,7 @@ constexpr char16_t kByteOrderMark = 0xFEFF;
 /// Reads inside one element.
 class Element {
  public:
-  Element(const IccFile& profile, const IccTag& tag) : profile_(profile), tag_(tag) {}
+  Element(const IccProfile& profile, const IccTag& tag) : profile_(profile), tag_(tag) {}
 
   std::uint32_t size() const { return tag_.size; }
 
@@ -68,7 +67,7 @@ class Element {
   }
 
  private:
-  const IccFile& profile_;
+  const IccProfile& profile_;
   IccTag tag_;
 };
 
@@ -218,7 +217,7 @@ std::optional<std::string> readPlain(const Element& element) {
 
 }  // namespace
 
-std::optional<std::string> readIccText(const IccFile& profile, const IccTag& tag, const Language& wanted) {
+std::optional<std::string> readIccText(const IccProfile& profile, const IccTag& tag, const Language& wanted) {
   const Element element(profile, tag);
   switch (element.number(0).value_or(0)) {
     case iccSignature("desc"):

@@ -5,7 +5,6 @@
 
 #include <algorithm>
 
-#include "desktop/icc/icc_file.h"
 #include "desktop/icc/icc_profile.h"
 #include "desktop/icc/icc_text.h"
 #include "desktop/icc/known_folder.h"
@@ -117,13 +116,13 @@ std::shared_ptr<const InstalledProfile> IccWalk::readFile(int directory, const s
   file.content = nullptr;
   file.is_kept = false;
   const FileTime opened = fileSystemTime();
-  const std::unique_ptr<IccFile> open_file = IccFile::openAt(directory, file.name.c_str());
+  const RegularFile open_file(directory, file.name.c_str());
   if (!open_file) {
     return nullptr;
   }
-  file.identity = open_file->identity();
+  file.identity = open_file.identity();
   file.is_kept = laterChangesShow(file.identity, opened);
-  const auto profile = IccProfile::parse(*open_file);
+  const auto profile = IccProfile::of(open_file);
   if (!profile) {
     return nullptr;
   }
@@ -132,7 +131,7 @@ std::shared_ptr<const InstalledProfile> IccWalk::readFile(int directory, const s
   content->profile_class = profile->deviceClass();
   content->path = path;
   if (const auto description = profile->find(iccSignature("desc"))) {
-    content->description = readIccText(*open_file, *description, language_);
+    content->description = readIccText(*profile, *description, language_);
   }
   file.is_kept = file.is_kept && content->description.value_or("").size() <= IccCache::kMaxDescription;
   if (file.is_kept) {

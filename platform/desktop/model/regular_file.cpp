@@ -5,10 +5,12 @@
 #include <unistd.h>
 
 #include <cerrno>
-#include <cstdint>
 
 namespace platform::desktop {
 namespace {
+
+/// Without blocking: the file may become a pipe or a terminal between the look at it and the opening.
+constexpr int kOpenFlags = O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC;
 
 bool isRegular(const struct stat& status) {
   errno = 0;
@@ -17,24 +19,34 @@ bool isRegular(const struct stat& status) {
 
 }  // namespace
 
+FileIdentity identityOf(const struct stat& status) {
+  return {.device = status.st_dev,
+          .inode = status.st_ino,
+          .size = static_cast<std::uint64_t>(status.st_size),
+          .modified = {status.st_mtim.tv_sec, status.st_mtim.tv_nsec},
+          .changed = {status.st_ctim.tv_sec, status.st_ctim.tv_nsec}};
+}
+
 RegularFile::RegularFile(const std::string& path) {
   struct stat status {};
-  // A look first: some devices do things when they are merely opened.
-  if (stat(path.c_str(), &status) != 0 || !isRegular(status)) {
-    return;
+  // A look first: opening some devices has effects.
+  if (stat(path.c_str(), &status) == 0 && isRegular(status)) {
+    adopt(open(path.c_str(), kOpenFlags));
   }
-  const int descriptor = open(path.c_str(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC);
-  if (descriptor < 0) {
-    return;
-  }
-  if (fstat(descriptor, &status) != 0 || !isRegular(status)) {
+}
+
+RegularFile::RegularFile(int directory, const char* name) { adopt(openat(directory, name, kOpenFlags)); }
+
+void RegularFile::adopt(int descriptor) {
+  struct stat status {};
+  if (descriptor >= 0 && fstat(descriptor, &status) == 0 && isRegular(status)) {
+    descriptor_ = descriptor;
+    identity_ = identityOf(status);
+  } else if (descriptor >= 0) {
     const int reason = errno;
     close(descriptor);
     errno = reason;
-    return;
   }
-  descriptor_ = descriptor;
-  size_ = status.st_size;
 }
 
 RegularFile::~RegularFile() {
@@ -43,10 +55,11 @@ RegularFile::~RegularFile() {
   }
 }
 
-ssize_t RegularFile::read(void* target, std::size_t count) const {
+ssize_t RegularFile::read(std::uint64_t offset, void* target, std::size_t count) const {
   std::size_t done = 0;
   while (done < count) {
-    const ssize_t more = ::read(descriptor_, static_cast<std::uint8_t*>(target) + done, count - done);
+    const ssize_t more =
+        pread(descriptor_, static_cast<std::uint8_t*>(target) + done, count - done, static_cast<off_t>(offset + done));
     if (more < 0 && errno != EINTR) {
       return -1;
     }

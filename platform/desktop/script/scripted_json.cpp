@@ -264,7 +264,7 @@ std::string contentOf(const std::string& path) {
     failToRead(path);
   }
   std::string content(kMaxBytes + 1, '\0');
-  const ssize_t size = file.read(content.data(), content.size());
+  const ssize_t size = file.read(0, content.data(), content.size());
   if (size < 0) {
     failToRead(path);
   }

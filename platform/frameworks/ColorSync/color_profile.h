@@ -7,18 +7,21 @@
 #include <mutex>
 #include <string>
 
-/// An opened profile: where its file is, and the tag element that was asked for last. It holds no open file, so one
-/// that is never released costs no more than memory. Any thread may message it.
+#include "desktop/icc/icc_profile.h"
+
+/// An opened profile: the reader of its file, and the tag element that was copied last. It keeps no file open, so one
+/// that is never released costs no more than memory: at most IccProfile::kKeptSize, unless a tag is copied. Any thread
+/// may message it.
 @interface PlatformColorProfile : NSObject {
-  std::string* _path;
+  const platform::desktop::IccProfile* _reader;
   std::mutex* _mutex;
   std::uint32_t _signature;
   NSData* _element;
 }
 /// Null when the file cannot be read as a profile.
 - (instancetype)initWithPath:(const std::string&)path;
-- (const std::string&)path;
-/// The tag's element as the file holds it at the first of successive calls for one tag: a second copy of the same tag
-/// is the same immutable object. The caller releases; null when there is no such tag.
+- (const platform::desktop::IccProfile&)reader;
+/// The tag's element. Successive copies of one tag are the same immutable object. The caller releases; null when there
+/// is no such tag, or when it lies behind what the reader keeps and the file has changed since it was opened.
 - (NSData*)copyElement:(std::uint32_t)signature;
 @end

@@ -49,7 +49,7 @@ CGColorSpaceRef CGColorSpaceCreateWithPlatformColorSpace(const void* ref) {
   if (![profile isKindOfClass:[PlatformColorProfile class]]) {
     return nullptr;
   }
-  const auto space = platform::desktop::colorSpaceOf([profile path]);
+  const auto space = platform::desktop::colorSpaceOf([profile reader]);
   return space ? reinterpret_cast<CGColorSpaceRef>([[PlatformColorSpace alloc] initWithSpace:*space]) : nullptr;
 }
 

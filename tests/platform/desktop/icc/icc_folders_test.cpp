@@ -12,7 +12,7 @@
 #include <thread>
 #include <vector>
 
-#include "desktop/icc/file_identity.h"
+#include "desktop/model/regular_file.h"
 #include "support/environment_variables.h"
 #include "support/icc_maker.h"
 #include "support/temporary_folder.h"

@@ -5,7 +5,7 @@
 
 #include <array>
 #include <cstdint>
-#include <filesystem>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -16,6 +16,7 @@ namespace {
 
 using platform::desktop::ColorSpace;
 using platform::desktop::colorSpaceOf;
+using platform::desktop::IccProfile;
 using support::IccMaker;
 using support::TemporaryFolder;
 using support::xyzElement;
@@ -43,52 +44,51 @@ std::string rgbProfile(const cmsCIExyY& white, const cmsCIExyYTRIPLE& primaries,
   return saved(profile, version);
 }
 
-ColorSpace spaceOf(const std::string& bytes) {
+std::optional<ColorSpace> tryToMakeSpace(const std::string& bytes) {
   const TemporaryFolder folder;
-  const auto space = colorSpaceOf(folder.write("a.icc", bytes));
+  return colorSpaceOf(IccProfile::open(folder.write("a.icc", bytes)).value());
+}
+
+ColorSpace spaceOf(const std::string& bytes) {
+  const auto space = tryToMakeSpace(bytes);
   EXPECT_TRUE(space);
   return space.value_or(ColorSpace{});
 }
 
-bool makesASpace(const std::string& bytes) {
-  const TemporaryFolder folder;
-  return colorSpaceOf(folder.write("a.icc", bytes)).has_value();
-}
-
-TEST(WideGamut, IsNotThatOfSrgb) {
+TEST(WideGamut, IsFalseForSrgb) {
   const ColorSpace space = spaceOf(saved(cmsCreate_sRGBProfile(), 4.3));
   EXPECT_TRUE(space.is_rgb);
   EXPECT_FALSE(space.is_wide);
 }
 
-TEST(WideGamut, IsThatOfDisplayP3) {
+TEST(WideGamut, IsTrueForDisplayP3) {
   EXPECT_TRUE(spaceOf(rgbProfile(kD65, {{0.680, 0.320, 1}, {0.265, 0.690, 1}, {0.150, 0.060, 1}})).is_wide);
 }
 
-TEST(WideGamut, IsThatOfTheCinemasP3) {
+TEST(WideGamut, IsTrueForDciP3) {
   EXPECT_TRUE(
       spaceOf(rgbProfile({0.314, 0.351, 1}, {{0.680, 0.320, 1}, {0.265, 0.690, 1}, {0.150, 0.060, 1}}, 2.6)).is_wide);
 }
 
-TEST(WideGamut, IsThatOfAdobeRgb) {
+TEST(WideGamut, IsTrueForAdobeRgb) {
   EXPECT_TRUE(spaceOf(rgbProfile(kD65, {{0.640, 0.330, 1}, {0.210, 0.710, 1}, {0.150, 0.060, 1}})).is_wide);
 }
 
-TEST(WideGamut, IsThatOfRec2020InBothVersionsOfProfiles) {
+TEST(WideGamut, IsTrueForRec2020InBothVersionsOfProfiles) {
   const cmsCIExyYTRIPLE primaries = {{0.708, 0.292, 1}, {0.170, 0.797, 1}, {0.131, 0.046, 1}};
   EXPECT_TRUE(spaceOf(rgbProfile(kD65, primaries, 2.4, 4.3)).is_wide);
   EXPECT_TRUE(spaceOf(rgbProfile(kD65, primaries, 2.4, 2.1)).is_wide);
 }
 
-TEST(WideGamut, IsThatOfProPhoto) {
+TEST(WideGamut, IsTrueForProPhoto) {
   EXPECT_TRUE(spaceOf(rgbProfile(kD50, {{0.7347, 0.2653, 1}, {0.1596, 0.8404, 1}, {0.0366, 0.0001, 1}}, 1.8)).is_wide);
 }
 
-TEST(WideGamut, IsNotThatOfAnOfficeMonitor) {
+TEST(WideGamut, IsFalseForAnOfficeMonitor) {
   EXPECT_FALSE(spaceOf(rgbProfile(kD65, {{0.652, 0.335, 1}, {0.321, 0.614, 1}, {0.154, 0.063, 1}})).is_wide);
 }
 
-TEST(WideGamut, IsThatOfAMonitorWithNearlyAllOfP3) {
+TEST(WideGamut, IsTrueForNearlyAllOfP3) {
   EXPECT_TRUE(spaceOf(rgbProfile(kD65, {{0.675, 0.322, 1}, {0.268, 0.680, 1}, {0.151, 0.062, 1}})).is_wide);
 }
 
@@ -136,7 +136,7 @@ TEST(WideGamut, IsFoundInAProfileOfTables) {
   EXPECT_FALSE(spaceOf(tableProfile(saved(cmsCreate_sRGBProfile(), 4.3))).is_wide);
 }
 
-TEST(WideGamut, IsFoundInAProfileWithMoreTagsThanLcmsAdmits) {
+TEST(WideGamut, IsFoundInAProfileWithMoreTagsThanLcmsAccepts) {
   IccMaker maker;
   for (int i = 100; i < 400; ++i) {
     maker.tag("x" + std::to_string(i), "1234");
@@ -148,13 +148,13 @@ TEST(WideGamut, IsFoundInAProfileWithMoreTagsThanLcmsAdmits) {
   EXPECT_TRUE(spaceOf(maker.bytes()).is_wide);
 }
 
-TEST(WideGamut, IsNotThatOfAProfileThatSaysNothingAboutItsColors) {
+TEST(WideGamut, IsFalseWithoutPrimaries) {
   const ColorSpace space = spaceOf(IccMaker().bytes());
   EXPECT_TRUE(space.is_rgb);
   EXPECT_FALSE(space.is_wide);
 }
 
-TEST(WideGamut, IsNotThatOfPrimariesWithoutAnyLight) {
+TEST(WideGamut, IsFalseForBlackPrimaries) {
   IccMaker maker;
   for (const char* const signature : {"rXYZ", "gXYZ", "bXYZ"}) {
     maker.tag(signature, xyzElement(0, 0, 0));
@@ -162,7 +162,7 @@ TEST(WideGamut, IsNotThatOfPrimariesWithoutAnyLight) {
   EXPECT_FALSE(spaceOf(maker.bytes()).is_wide);
 }
 
-TEST(WideGamut, IsNotThatOfASpaceThatIsNotRgb) {
+TEST(WideGamut, IsFalseForASpaceThatIsNotRgb) {
   IccMaker maker;
   maker.colorSpace("GRAY").tag("rXYZ", xyzElement(0.7977, 0.2880, 0)).tag("gXYZ", xyzElement(0.1352, 0.7119, 0));
   maker.tag("bXYZ", xyzElement(0.0313, 0.0001, 0.8249));
@@ -171,30 +171,23 @@ TEST(WideGamut, IsNotThatOfASpaceThatIsNotRgb) {
   EXPECT_FALSE(space.is_wide);
 }
 
-TEST(ColorSpace, IsMadeFromEveryClassThatDescribesOne) {
+TEST(ColorSpace, IsMadeFromTheClassesThatDescribeOne) {
   for (const char* const profile_class : {"mntr", "scnr", "prtr", "spac"}) {
-    EXPECT_TRUE(makesASpace(IccMaker().deviceClass(profile_class).bytes())) << profile_class;
+    EXPECT_TRUE(tryToMakeSpace(IccMaker().deviceClass(profile_class).bytes())) << profile_class;
   }
   for (const char* const profile_class : {"link", "abst", "nmcl"}) {
-    EXPECT_FALSE(makesASpace(IccMaker().deviceClass(profile_class).bytes())) << profile_class;
+    EXPECT_FALSE(tryToMakeSpace(IccMaker().deviceClass(profile_class).bytes())) << profile_class;
   }
 }
 
-TEST(ColorSpace, IsNotMadeFromWhatIsNoProfile) {
-  EXPECT_FALSE(makesASpace(""));
-  EXPECT_FALSE(makesASpace(std::string(1000, 'x')));
-  EXPECT_FALSE(colorSpaceOf("/dev/zero"));
-  EXPECT_FALSE(colorSpaceOf(""));
-}
-
-TEST(ColorSpace, SurvivesATableThatClaimsToBeHuge) {
+TEST(ColorSpace, IsMadeWithoutATableThatIsLargerThanTheFile) {
   // lut16: 3 inputs, 3 outputs, 255 grid points in each direction, and nothing behind the head.
   std::string table = "mft2" + support::bigEndian32(0) + std::string("\x03\x03\xFF\x00", 4) + std::string(36, '\0');
   table += support::bigEndian16(2) + support::bigEndian16(2) + std::string(24, '\0');
   EXPECT_FALSE(spaceOf(IccMaker().tag("A2B0", table).bytes()).is_wide);
 }
 
-TEST(ColorSpace, PassesOverAnElementThatIsTooLargeToBeLookedAt) {
+TEST(ColorSpace, IgnoresAnElementAboveTheBound) {
   IccMaker maker;
   maker.tag("A2B0", std::string((16 << 20) + 1, 'x')).tag("rXYZ", xyzElement(0.7977, 0.2880, 0));
   maker.tag("gXYZ", xyzElement(0.1352, 0.7119, 0)).tag("bXYZ", xyzElement(0.0313, 0.0001, 0.8249));

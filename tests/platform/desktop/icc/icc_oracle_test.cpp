@@ -1,4 +1,4 @@
-// The real profiles that are installed on this computer, as this library reads them and as lcms2 and ArgyllCMS do.
+// The profiles that are installed on this computer, beside what lcms2 and ArgyllCMS read.
 #include <gmock/gmock.h>
 #include <lcms2.h>
 
@@ -14,11 +14,11 @@
 
 #include "desktop/icc/icc_folders.h"
 #include "desktop/icc/icc_profile.h"
+#include "support/environment_variables.h"
 #include "support/icu_text.h"
 
 namespace {
 
-using platform::desktop::IccFile;
 using platform::desktop::IccFolders;
 using platform::desktop::IccProfile;
 using platform::desktop::IccTag;
@@ -88,7 +88,7 @@ std::map<std::string, ClassAndName> listOfLcms(const char* language, const char*
 }
 
 std::map<std::string, ClassAndName> ownList(const char* locale) {
-  setenv("LC_ALL", locale, 1);
+  const auto language = support::userLanguage({{"LC_ALL", locale}});
   IccFolders folders({kInstalled});
   std::map<std::string, ClassAndName> list;
   folders.visit([&](const InstalledProfile& entry) {
@@ -114,9 +114,7 @@ TEST(InstalledProfiles, HaveTheTagsThatLcmsSees) {
   std::size_t tags = 0;
   for (const std::string& file : profileFiles()) {
     const Profile lcms(cmsOpenProfileFromFile(file.c_str(), "r"));
-    const auto opened = IccFile::open(file);
-    ASSERT_TRUE(opened) << file;
-    const auto profile = IccProfile::parse(*opened);
+    const auto profile = IccProfile::open(file);
     ASSERT_EQ(profile.has_value(), lcms != nullptr) << file;
     if (!lcms) {
       continue;
@@ -128,7 +126,7 @@ TEST(InstalledProfiles, HaveTheTagsThatLcmsSees) {
       std::string expected(cmsReadRawTag(lcms.get(), signature, nullptr, 0), '\0');
       cmsReadRawTag(lcms.get(), signature, expected.data(), static_cast<cmsUInt32Number>(expected.size()));
       std::string element(tag->size, '\0');
-      ASSERT_TRUE(opened->read(tag->offset, element.data(), element.size()));
+      ASSERT_TRUE(profile->read(tag->offset, element.data(), element.size()));
       EXPECT_TRUE(element == expected) << file << ' ' << fourCharacters(signature);
       ++tags;
     }
@@ -165,8 +163,7 @@ std::vector<IccTag> tagsOfIccdump(const std::string& file) {
 TEST(InstalledProfiles, HaveTheTagsThatIccdumpPrints) {
   std::size_t tags = 0;
   for (const std::string& file : profileFiles()) {
-    const auto opened = IccFile::open(file);
-    const auto profile = IccProfile::parse(*opened);
+    const auto profile = IccProfile::open(file);
     ASSERT_TRUE(profile) << file;
     for (const IccTag& tag : tagsOfIccdump(file)) {
       EXPECT_EQ(profile->find(tag.signature), tag) << file << ' ' << fourCharacters(tag.signature);

@@ -2,9 +2,10 @@
 
 #include <gmock/gmock.h>
 #include <lcms2.h>
+#include <unistd.h>
 
 #include <cstdint>
-#include <memory>
+#include <filesystem>
 #include <optional>
 #include <string>
 
@@ -13,10 +14,10 @@
 
 namespace {
 
-using platform::desktop::IccFile;
 using platform::desktop::IccProfile;
 using platform::desktop::iccSignature;
 using platform::desktop::IccTag;
+using platform::desktop::kMaxIccFileSize;
 using platform::desktop::kMaxIccTags;
 using support::IccMaker;
 using support::TemporaryFolder;
@@ -26,17 +27,20 @@ using testing::Optional;
 /// A profile in a file of its own.
 class OpenProfile {
  public:
-  explicit OpenProfile(const std::string& bytes) : file_(IccFile::open(folder_.write("a.icc", bytes))) {
-    profile_ = IccProfile::parse(*file_);
-  }
+  explicit OpenProfile(const std::string& bytes) : profile_(IccProfile::open(folder_.write("a.icc", bytes))) {}
   explicit operator bool() const { return profile_.has_value(); }
   const IccProfile* operator->() const { return &*profile_; }
   bool has(const char (&signature)[5]) const { return profile_->find(iccSignature(signature)).has_value(); }
-  std::string path() const { return folder_.path("a.icc"); }
+  /// The element of a tag that the table has; nothing when it cannot be read.
+  std::optional<std::string> element(const char (&signature)[5]) const {
+    const IccTag tag = profile_->find(iccSignature(signature)).value();
+    std::string bytes(tag.size, '\0');
+    return profile_->read(tag.offset, bytes.data(), bytes.size()) ? std::optional(bytes) : std::nullopt;
+  }
+  const TemporaryFolder& folder() const { return folder_; }
 
  private:
   TemporaryFolder folder_;
-  std::unique_ptr<IccFile> file_;
   std::optional<IccProfile> profile_;
 };
 
@@ -49,7 +53,7 @@ bool opensInLcms(const std::string& bytes) {
   return true;
 }
 
-TEST(IccProfile, FindsEachTagWhereItLies) {
+TEST(IccProfile, ReturnsWhereATagLies) {
   const OpenProfile profile(IccMaker().tag("desc", "12345").tag("QV02", "1234567890").bytes());
   ASSERT_TRUE(profile);
   EXPECT_THAT(profile->find(iccSignature("desc")), Optional(Eq(IccTag{iccSignature("desc"), 156, 5})));
@@ -58,7 +62,7 @@ TEST(IccProfile, FindsEachTagWhereItLies) {
   EXPECT_FALSE(profile.has("DESC"));
 }
 
-TEST(IccProfile, HasAClassThatIccNamesOrNone) {
+TEST(IccProfile, AcceptsTheClassesThatIccNamesOrNone) {
   for (const char* const known : {"mntr", "prtr", "scnr", "spac", "link", "abst", "nmcl"}) {
     const std::string bytes = IccMaker().deviceClass(known).bytes();
     EXPECT_THAT(OpenProfile(bytes)->deviceClass(), Optional(Eq(known)));
@@ -74,7 +78,7 @@ TEST(IccProfile, HasAClassThatIccNamesOrNone) {
   EXPECT_TRUE(opensInLcms(without));
 }
 
-TEST(IccProfile, IsOfAVersionUpToFive) {
+TEST(IccProfile, AcceptsVersionsUpToFive) {
   for (const std::uint32_t version :
        {0x00000000U, 0x02100000U, 0x04400000U, 0x05000000U, 0x05010000U, 0x06000000U, 0xFFFFFFFFU}) {
     std::string bytes = support::displayProfile("a");
@@ -84,20 +88,20 @@ TEST(IccProfile, IsOfAVersionUpToFive) {
   }
 }
 
-TEST(IccProfile, MayHaveNoTagAtAll) {
+TEST(IccProfile, AcceptsAFileWithoutTags) {
   const OpenProfile profile(IccMaker().bytes());
   ASSERT_TRUE(profile);
   EXPECT_FALSE(profile.has("desc"));
 }
 
-TEST(IccProfile, IsNoFileWithoutTheMark) {
+TEST(IccProfile, RefusesAFileWithoutTheMark) {
   std::string bytes = support::displayProfile("a");
   bytes[36] = 'A';
   EXPECT_FALSE(OpenProfile(bytes));
   EXPECT_FALSE(opensInLcms(bytes));
 }
 
-TEST(IccProfile, IsNoFileThatEndsBeforeTheTagTableDoes) {
+TEST(IccProfile, RefusesAFileThatEndsBeforeTheTagTable) {
   const std::string bytes = IccMaker().tag("desc", "").tag("cprt", "").bytes();
   ASSERT_EQ(bytes.size(), 156U);
   for (std::size_t size = 0; size < bytes.size(); ++size) {
@@ -106,7 +110,7 @@ TEST(IccProfile, IsNoFileThatEndsBeforeTheTagTableDoes) {
   EXPECT_TRUE(OpenProfile(bytes));
 }
 
-TEST(IccProfile, IsNoFileWhoseTagCountIsALie) {
+TEST(IccProfile, RefusesATagCountAboveTheFilesSize) {
   for (const std::uint32_t count : {3U, 0x7FFFFFFFU, 0x80000000U, 0x15555556U, 0xFFFFFFFFU}) {
     EXPECT_FALSE(
         OpenProfile(IccMaker().description("a").declaredTagCount(count).declaredSize(200).bytes().substr(0, 160)))
@@ -114,13 +118,13 @@ TEST(IccProfile, IsNoFileWhoseTagCountIsALie) {
   }
 }
 
-TEST(IccProfile, SeesOnlyTheTagsThatTheTableCounts) {
+TEST(IccProfile, IgnoresEntriesAfterTheTagCount) {
   const OpenProfile profile(IccMaker().tag("desc", "1").tag("cprt", "2").declaredTagCount(1).bytes());
   EXPECT_TRUE(profile.has("desc"));
   EXPECT_FALSE(profile.has("cprt"));
 }
 
-TEST(IccProfile, HasNoTagThatReachesOutOfTheFile) {
+TEST(IccProfile, IgnoresATagThatReachesOutOfTheFile) {
   const OpenProfile profile(IccMaker()
                                 .tag("good", "1234")
                                 .tableLine("far ", 0x7FFFFFFF, 4)
@@ -136,14 +140,14 @@ TEST(IccProfile, HasNoTagThatReachesOutOfTheFile) {
   EXPECT_FALSE(profile.has("both"));
 }
 
-TEST(IccProfile, AllowsAnElementUpToTheLastByteAndNoFurther) {
+TEST(IccProfile, AcceptsAnElementUpToTheLastByte) {
   const std::string head = IccMaker().tableLine("edge", 200, 8).tableLine("over", 200, 9).declaredSize(208).bytes();
   const OpenProfile profile(head + std::string(208 - head.size(), 'x'));
   EXPECT_TRUE(profile.has("edge"));
   EXPECT_FALSE(profile.has("over"));
 }
 
-TEST(IccProfile, AllowsElementsThatOverlapOneAnotherAndTheTable) {
+TEST(IccProfile, AcceptsElementsThatOverlap) {
   const OpenProfile profile(
       IccMaker().tableLine("head", 0, 128).tableLine("tabl", 128, 40).tableLine("same", 128, 40).bytes());
   EXPECT_TRUE(profile.has("head"));
@@ -151,25 +155,25 @@ TEST(IccProfile, AllowsElementsThatOverlapOneAnotherAndTheTable) {
   EXPECT_TRUE(profile.has("same"));
 }
 
-TEST(IccProfile, HasNoTagBeyondTheSizeThatTheHeaderStates) {
+TEST(IccProfile, IgnoresATagBeyondTheSizeInTheHeader) {
   const std::string bytes = IccMaker().tag("near", "1234").tag("QV02", "12345678").declaredSize(160).bytes();
   const OpenProfile profile(bytes);
   EXPECT_TRUE(profile.has("near"));
   EXPECT_FALSE(profile.has("QV02"));
 }
 
-TEST(IccProfile, TakesAStatedSizeThatIsTooLargeForTheFilesOwn) {
+TEST(IccProfile, UsesTheFilesSizeWhenTheHeadersIsLarger) {
   const OpenProfile profile(IccMaker().tag("near", "1234").tableLine("far ", 1000, 4).declaredSize(0xFFFFFFFF).bytes());
   EXPECT_TRUE(profile.has("near"));
   EXPECT_FALSE(profile.has("far "));
 }
 
-TEST(IccProfile, TakesTheFirstOfSeveralTagsWithOneSignature) {
+TEST(IccProfile, ReturnsTheFirstOfSeveralTagsWithOneSignature) {
   const OpenProfile profile(IccMaker().tag("QV02", "first").tag("QV02", "second").bytes());
   EXPECT_EQ(profile->find(iccSignature("QV02"))->size, 5U);
 }
 
-TEST(IccProfile, FindsTagsAmongMoreThanLcmsAdmits) {
+TEST(IccProfile, FindsTagsAmongMoreThanLcmsAccepts) {
   IccMaker maker;
   for (int i = 0; i < 5000; ++i) {
     char signature[5];
@@ -187,12 +191,51 @@ TEST(IccProfile, FindsTagsAmongMoreThanLcmsAdmits) {
   EXPECT_FALSE(profile.has("5000"));
 }
 
-TEST(IccProfile, IsNoFileWithMoreTagsThanAProfileCanMean) {
+TEST(IccProfile, RefusesMoreTagsThanTheBound) {
   std::string bytes = IccMaker().declaredTagCount(kMaxIccTags + 1).bytes();
   bytes.resize(132 + std::size_t{12} * (kMaxIccTags + 1));
   EXPECT_FALSE(OpenProfile(bytes));
   bytes.replace(128, 4, support::bigEndian32(kMaxIccTags));
   EXPECT_TRUE(OpenProfile(bytes));
+}
+
+TEST(IccProfile, RefusesAFileAboveTheLargestSize) {
+  const TemporaryFolder folder;
+  const std::string path = folder.write("a.icc", IccMaker().bytes());
+  ASSERT_EQ(truncate(path.c_str(), static_cast<off_t>(kMaxIccFileSize)), 0);
+  EXPECT_TRUE(IccProfile::open(path));
+  ASSERT_EQ(truncate(path.c_str(), static_cast<off_t>(kMaxIccFileSize + 1)), 0);
+  EXPECT_FALSE(IccProfile::open(path));
+}
+
+TEST(IccProfile, RefusesAReadThatReachesOutOfTheFile) {
+  const OpenProfile profile(IccMaker().tag("QV02", "1234").bytes());
+  char byte = 0;
+  EXPECT_TRUE(profile->read(profile->fileSize() - 1, &byte, 1));
+  EXPECT_FALSE(profile->read(profile->fileSize(), &byte, 1));
+  EXPECT_FALSE(profile->read(UINT64_MAX, &byte, 1));
+  EXPECT_FALSE(profile->read(4, &byte, SIZE_MAX));
+}
+
+/// A profile of which a tag "near" lies in what is kept, and a tag "far " behind it.
+std::string largeProfile() {
+  return IccMaker().tag("near", "1234").tag("fill", std::string(IccProfile::kKeptSize, 'x')).tag("far ", "56").bytes();
+}
+
+TEST(IccProfile, ReadsWhatIsKeptOfAFileThatIsGone) {
+  const OpenProfile profile(largeProfile());
+  EXPECT_EQ(profile.element("near"), "1234");
+  EXPECT_EQ(profile.element("far "), "56");
+  std::filesystem::remove(profile.folder().path("a.icc"));
+  EXPECT_EQ(profile.element("near"), "1234");
+  EXPECT_EQ(profile.element("far "), std::nullopt);
+}
+
+TEST(IccProfile, ReadsNothingOfAFileThatHasChanged) {
+  const OpenProfile profile(largeProfile());
+  std::filesystem::rename(profile.folder().write("b", largeProfile()), profile.folder().path("a.icc"));
+  EXPECT_EQ(profile.element("near"), "1234");
+  EXPECT_EQ(profile.element("far "), std::nullopt);
 }
 
 }  // namespace

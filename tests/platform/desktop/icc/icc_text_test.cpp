@@ -13,10 +13,8 @@
 
 namespace {
 
-using platform::desktop::IccFile;
 using platform::desktop::IccProfile;
 using platform::desktop::iccSignature;
-using platform::desktop::IccTag;
 using platform::desktop::kMaxIccTextSize;
 using platform::desktop::Language;
 using platform::desktop::readIccText;
@@ -31,11 +29,10 @@ using testing::Optional;
 
 const Language kEnglish = {"en", "US"};
 
-/// The text of an element that lies in a file by itself.
 std::optional<std::string> textOf(const std::string& element, const Language& wanted = kEnglish) {
   const support::TemporaryFolder folder;
-  const auto file = IccFile::open(folder.write("element", element));
-  return readIccText(*file, IccTag{0, 0, static_cast<std::uint32_t>(element.size())}, wanted);
+  const auto profile = IccProfile::open(folder.write("a.icc", support::IccMaker().tag("desc", element).bytes()));
+  return readIccText(*profile, profile->find(iccSignature("desc")).value(), wanted);
 }
 
 /// What lcms2 makes of the same element as a profile's description, in UTF-8.
@@ -52,46 +49,46 @@ std::string lcmsTextOf(const std::string& element, const char* language = "en", 
 
 // --- desc
 
-TEST(IccText, OfADescIsItsAsciiPart) {
+TEST(IccText, ReturnsTheAsciiPartOfADesc) {
   const std::string element = descElement("Dell U2720Q", u"Something else", 0, "Another");
   EXPECT_THAT(textOf(element), Optional(Eq("Dell U2720Q")));
   EXPECT_EQ(lcmsTextOf(element), "Dell U2720Q");
 }
 
-TEST(IccText, OfADescKeepsSpacesTabsAndNewlines) {
+TEST(IccText, KeepsSpacesTabsAndNewlinesOfADesc) {
   EXPECT_THAT(textOf(descElement("  \t two\nlines ")), Optional(Eq("  \t two\nlines ")));
 }
 
-TEST(IccText, OfADescEndsAtTheFirstNul) {
+TEST(IccText, EndsADescAtTheFirstNul) {
   const std::string element = descElement(std::string("before\0after", 12));
   EXPECT_THAT(textOf(element), Optional(Eq("before")));
   EXPECT_EQ(lcmsTextOf(element), "before");
 }
 
-TEST(IccText, OfADescMayBeEmpty) {
+TEST(IccText, ReturnsAnEmptyDesc) {
   EXPECT_THAT(textOf(descElement("")), Optional(Eq("")));
   EXPECT_THAT(textOf("desc" + bigEndian32(0) + bigEndian32(0)), Optional(Eq("")));
 }
 
-TEST(IccText, OfADescNeedsNoTerminatorAndNoOtherParts) {
+TEST(IccText, ReturnsADescWithoutTerminatorAndOtherParts) {
   EXPECT_THAT(textOf("desc" + bigEndian32(0) + bigEndian32(3) + "abc"), Optional(Eq("abc")));
 }
 
-TEST(IccText, OfADescWithoutAsciiIsItsUnicodePart) {
+TEST(IccText, ReturnsTheUnicodePartOfADescWithoutAscii) {
   EXPECT_THAT(textOf(descElement("", u"Büro-Profil 色", 0, "mac")), Optional(Eq("Büro-Profil 色")));
 }
 
-TEST(IccText, OfADescWhoseAsciiPartIsNotAsciiIsItsUnicodePart) {
+TEST(IccText, ReturnsTheUnicodePartForAnAsciiPartThatIsNotAscii) {
   EXPECT_THAT(textOf(descElement("B\xFCro", u"Büro")), Optional(Eq("Büro")));
 }
 
-TEST(IccText, OfADescWithoutAsciiAndUnicodeIsItsScriptPart) {
+TEST(IccText, ReturnsTheScriptPartOfADescWithoutTheOthers) {
   EXPECT_THAT(textOf(descElement("", u"", 0, "B\x9Fro \xA9")), Optional(Eq("Büro ©")));
   EXPECT_THAT(textOf(descElement("", u"", 1, "\x90\x46")), Optional(Eq("色")));
   EXPECT_THAT(textOf(descElement("", u"", 7, "\x96\xE2\xE5\xF2")), Optional(Eq("Цвет")));
 }
 
-TEST(IccText, OfAScriptPartReplacesWhatTheScriptDoesNotDefine) {
+TEST(IccText, ReplacesWhatAScriptDoesNotDefine) {
   EXPECT_THAT(textOf(descElement("", u"", 1,
                                  "a\xFF"
                                  "b\x90")),
@@ -102,26 +99,26 @@ TEST(IccText, OfAScriptPartReplacesWhatTheScriptDoesNotDefine) {
               Optional(Eq("a\uFFFDb")));
 }
 
-TEST(IccText, OfAScriptPartHasAtMostSixtySevenBytes) {
+TEST(IccText, ReadsAtMostSixtySevenBytesOfAScriptPart) {
   std::string element = descElement("", u"", 0, std::string(67, 'x'));
   element[element.size() - 68] = static_cast<char>(255);
   EXPECT_THAT(textOf(element), Optional(Eq(std::string(67, 'x'))));
 }
 
-TEST(IccText, OfADescWithOnlyOtherBytesIsUtf8OrElseLatin1) {
+TEST(IccText, ReadsOtherBytesOfADescAsUtf8ElseLatin1) {
   EXPECT_THAT(textOf(descElement("Büro")), Optional(Eq("Büro")));
   EXPECT_THAT(textOf(descElement("B\xFCro")), Optional(Eq("Büro")));
   EXPECT_THAT(textOf(descElement("overlong \xC0\x80")), Optional(Eq("overlong À\xC2\x80")));
 }
 
-TEST(IccText, OfADescWhoseAsciiPartIsLongerThanTheElementIsNone) {
+TEST(IccText, ReturnsNothingForADescLongerThanTheElement) {
   const std::string start = "desc" + bigEndian32(0);
   EXPECT_EQ(textOf(start), std::nullopt);
   EXPECT_EQ(textOf(start + bigEndian32(4) + "abc"), std::nullopt);
   EXPECT_EQ(textOf(start + bigEndian32(0xFFFFFFFF) + "abc"), std::nullopt);
 }
 
-TEST(IccText, OfADescSurvivesOtherPartsThatAreLongerThanTheElement) {
+TEST(IccText, IgnoresOtherPartsLongerThanTheElement) {
   const std::string empty_ascii = "desc" + bigEndian32(0) + bigEndian32(1) + std::string(1, '\0');
   for (const std::uint32_t units : {1U, 0x7FFFFFFFU, 0x80000000U, 0xFFFFFFFFU}) {
     EXPECT_THAT(textOf(empty_ascii + bigEndian32(0) + bigEndian32(units)), Optional(Eq(""))) << units;
@@ -138,39 +135,39 @@ const std::string kManyLanguages = mlucElement({{"frFR", u"Profil"},
                                                 {"enGB", u"Colour profile"},
                                                 {"enUS", u"Color profile"}});
 
-TEST(IccText, OfAnMlucIsInTheReadersLanguageAndCountry) {
+TEST(IccText, ReturnsTheMlucRecordOfTheUsersCountry) {
   EXPECT_THAT(textOf(kManyLanguages, {"de", "AT"}), Optional(Eq("Farbprofil, eh")));
   EXPECT_THAT(textOf(kManyLanguages, {"en", "US"}), Optional(Eq("Color profile")));
   EXPECT_EQ(lcmsTextOf(kManyLanguages, "de", "AT"), "Farbprofil, eh");
 }
 
-TEST(IccText, OfAnMlucIsElseInTheReadersLanguageTheFirstOfThem) {
+TEST(IccText, ReturnsTheFirstMlucRecordOfTheUsersLanguage) {
   EXPECT_THAT(textOf(kManyLanguages, {"de", "CH"}), Optional(Eq("Farbprofil")));
   EXPECT_THAT(textOf(kManyLanguages, {"fr", ""}), Optional(Eq("Profil")));
   EXPECT_EQ(lcmsTextOf(kManyLanguages, "de", "CH"), "Farbprofil");
 }
 
-TEST(IccText, OfAnMlucIsElseInEnglish) {
+TEST(IccText, ReturnsTheEnglishMlucRecordForAMissingLanguage) {
   EXPECT_THAT(textOf(kManyLanguages, {"ja", "JP"}), Optional(Eq("Colour profile")));
 }
 
-TEST(IccText, OfAnMlucIsElseTheFirst) {
+TEST(IccText, ReturnsTheFirstMlucRecordWithoutEnglish) {
   const std::string element = mlucElement({{"frFR", u"Profil"}, {"deDE", u"Farbprofil"}});
   EXPECT_THAT(textOf(element, {"ja", "JP"}), Optional(Eq("Profil")));
   EXPECT_EQ(lcmsTextOf(element, "ja", "JP"), "Profil");
 }
 
-TEST(IccText, OfAnMlucMayNameALanguageWithoutACountryAndInAnyCase) {
+TEST(IccText, AcceptsMlucCodesInUpperCaseAndWithoutCountry) {
   const std::string element = mlucElement({{"enUS", u"Color"}, {std::string("DE\0\0", 4), u"Farbe"}});
   EXPECT_THAT(textOf(element, {"de", "DE"}), Optional(Eq("Farbe")));
 }
 
-TEST(IccText, OfAnMlucIsUtf16BeyondTheBmpToo) {
+TEST(IccText, DecodesSurrogatePairsOfAnMluc) {
   EXPECT_THAT(textOf(mlucElement({{"enUS", u"\U0001F600 \U0010FFFF \U00010000"}})),
               Optional(Eq("\U0001F600 \U0010FFFF \U00010000")));
 }
 
-TEST(IccText, OfAnMlucReplacesUnpairedSurrogates) {
+TEST(IccText, ReplacesUnpairedSurrogatesOfAnMluc) {
   using namespace std::string_literals;
   EXPECT_THAT(textOf(mlucElement({{"enUS", u"a\xD83D"s}})), Optional(Eq("a\uFFFD")));
   EXPECT_THAT(textOf(mlucElement({{"enUS",
@@ -184,17 +181,17 @@ TEST(IccText, OfAnMlucReplacesUnpairedSurrogates) {
   EXPECT_THAT(textOf(mlucElement({{"enUS", u"\xD83D\xD83D\xDE00"s}})), Optional(Eq("\uFFFD\U0001F600")));
 }
 
-TEST(IccText, OfAnMlucEndsAtTheFirstNul) {
+TEST(IccText, EndsAnMlucAtTheFirstNul) {
   const std::string element = mlucElement({{"enUS", std::u16string(u"before\0after", 12)}});
   EXPECT_THAT(textOf(element), Optional(Eq("before")));
   EXPECT_EQ(lcmsTextOf(element), "before");
 }
 
-TEST(IccText, OfAnMlucLeavesOutAByteOrderMark) {
+TEST(IccText, LeavesOutTheByteOrderMarkOfAnMluc) {
   EXPECT_THAT(textOf(mlucElement({{"enUS", u"\uFEFFtext"}})), Optional(Eq("text")));
 }
 
-TEST(IccText, OfAnMlucPassesOverRecordsThatReachOutOfTheElement) {
+TEST(IccText, IgnoresMlucRecordsThatReachOutOfTheElement) {
   const auto record = [](const char* locale, std::uint32_t size, std::uint32_t offset) {
     return locale + bigEndian32(size) + bigEndian32(offset);
   };
@@ -204,7 +201,7 @@ TEST(IccText, OfAnMlucPassesOverRecordsThatReachOutOfTheElement) {
   EXPECT_THAT(textOf(element), Optional(Eq("ok")));
 }
 
-TEST(IccText, OfAnMlucThatIsMalformedIsNone) {
+TEST(IccText, ReturnsNothingForAMalformedMluc) {
   const std::string start = "mluc" + bigEndian32(0);
   EXPECT_EQ(textOf(start), std::nullopt);
   EXPECT_EQ(textOf(start + bigEndian32(0) + bigEndian32(12)), std::nullopt);
@@ -214,7 +211,7 @@ TEST(IccText, OfAnMlucThatIsMalformedIsNone) {
             std::nullopt);
 }
 
-TEST(IccText, OfAnMlucSurvivesACountOfRecordsThatIsALie) {
+TEST(IccText, IgnoresMlucRecordsAfterTheElement) {
   std::string element = mlucElement({{"enUS", u"text"}});
   element.replace(8, 4, bigEndian32(0xFFFFFFFF));
   EXPECT_THAT(textOf(element), Optional(Eq("text")));
@@ -222,14 +219,14 @@ TEST(IccText, OfAnMlucSurvivesACountOfRecordsThatIsALie) {
 
 // --- text and other types
 
-TEST(IccText, OfATextIsItsBytes) {
+TEST(IccText, ReturnsTheBytesOfAText) {
   EXPECT_THAT(textOf(textElement("Plain text")), Optional(Eq("Plain text")));
   EXPECT_EQ(lcmsTextOf(textElement("Plain text")), "Plain text");
   EXPECT_THAT(textOf("text" + bigEndian32(0)), Optional(Eq("")));
   EXPECT_EQ(textOf("text" + bigEndian16(0)), std::nullopt);
 }
 
-TEST(IccText, OfAnotherTypeIsNone) {
+TEST(IccText, ReturnsNothingForAnotherType) {
   EXPECT_EQ(textOf("sig " + bigEndian32(0) + "abcd"), std::nullopt);
   EXPECT_EQ(textOf("DESC" + bigEndian32(0) + bigEndian32(3) + "abc"), std::nullopt);
   EXPECT_EQ(textOf("des"), std::nullopt);
@@ -238,7 +235,7 @@ TEST(IccText, OfAnotherTypeIsNone) {
 
 // --- long texts
 
-TEST(IccText, MayHaveSixteenMebibytes) {
+TEST(IccText, ReadsSixteenMebibytes) {
   const std::string ascii(16 << 20, 'x');
   EXPECT_TRUE(textOf(descElement(ascii)) == ascii);
   std::string latin1 = ascii;
@@ -247,7 +244,7 @@ TEST(IccText, MayHaveSixteenMebibytes) {
   EXPECT_TRUE(textOf(mlucElement({{"enUS", std::u16string(8 << 20, u'x')}})) == ascii.substr(8 << 20));
 }
 
-TEST(IccText, IsNoneAboveTheLargestSize) {
+TEST(IccText, ReturnsNothingAboveTheLargestSize) {
   EXPECT_TRUE(textOf("text" + bigEndian32(0) + std::string(kMaxIccTextSize, 'x')));
   EXPECT_FALSE(textOf("text" + bigEndian32(0) + std::string(kMaxIccTextSize + 1, 'x')));
 }
