@@ -83,8 +83,8 @@ struct ProfileFolder {
   std::vector<std::pair<std::string, ProfileFault>> faults;  ///< files named like profiles, by path
 };
 
-/// The folders in which installed profiles are looked for, as far as they exist. Symbolic links to folders are not
-/// followed here.
+/// The folders of installed profiles that exist. The walk is that of the listing (icc_walk.h): the sound files, and
+/// those with the fault kIncomplete, are the installed profiles.
 PLATFORM_API std::vector<ProfileFolder> examineProfileFolders();
 
 }  // namespace platform::desktop

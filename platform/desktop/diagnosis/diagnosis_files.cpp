@@ -7,37 +7,9 @@
 #include "desktop/diagnosis/diagnosis.h"
 #include "desktop/icc/icc_folders.h"
 #include "desktop/icc/icc_profile.h"
-#include "desktop/icc/known_folder.h"
+#include "desktop/icc/icc_walk.h"
 
 namespace platform::desktop {
-namespace {
-
-namespace fs = std::filesystem;
-
-ProfileFolder examine(const std::string& path) {
-  ProfileFolder folder;
-  folder.path = path;
-  std::error_code error;
-  for (fs::recursive_directory_iterator entry(path, fs::directory_options::skip_permission_denied, error), end;
-       !error && entry != end; entry.increment(error)) {
-    std::error_code unknown;
-    const std::string file = entry->path().string();
-    if (!isProfileName(file) || entry->is_directory(unknown)) {
-      continue;
-    }
-    const ProfileFault fault = faultOfProfile(file);
-    if (fault == ProfileFault::kNone) {
-      ++folder.profiles;
-    } else {
-      folder.faults.emplace_back(file, fault);
-    }
-  }
-  folder.readable = access(path.c_str(), R_OK | X_OK) == 0;
-  std::sort(folder.faults.begin(), folder.faults.end());
-  return folder;
-}
-
-}  // namespace
 
 ProfileFault faultOfProfile(const std::string& path) {
   const RegularFile file(path);
@@ -61,11 +33,30 @@ ProfileFault faultOfProfile(const std::string& path) {
 
 std::vector<ProfileFolder> examineProfileFolders() {
   std::vector<ProfileFolder> folders;
-  for (const std::string& path : installedProfileFolders()) {
+  const std::vector<std::string> paths = installedProfileFolders();
+  for (const std::string& path : paths) {
     std::error_code unknown;
-    if (fs::is_directory(path, unknown)) {
-      folders.push_back(examine(path));
+    if (std::filesystem::is_directory(path, unknown)) {
+      folders.push_back({.path = path, .readable = access(path.c_str(), R_OK | X_OK) == 0});
     }
+  }
+  const auto add = [&](const std::string& path) {
+    const auto folder = std::find_if(folders.begin(), folders.end(),
+                                     [&](const ProfileFolder& one) { return path.starts_with(one.path + '/'); });
+    const ProfileFault fault = faultOfProfile(path);
+    if (folder != folders.end() && fault == ProfileFault::kNone) {
+      ++folder->profiles;
+    } else if (folder != folders.end()) {
+      folder->faults.emplace_back(path, fault);
+    }
+  };
+  const auto add_profile = [&](const InstalledProfile& profile) {
+    add(*profile.path);
+    return true;
+  };
+  IccWalk(userLanguage(), KnownFolders(), add_profile, add).run(paths);
+  for (ProfileFolder& folder : folders) {
+    std::sort(folder.faults.begin(), folder.faults.end());
   }
   return folders;
 }

@@ -4,13 +4,12 @@
 #include <cstdlib>
 #include <string_view>
 
-#include "desktop/icc/icc_cache.h"
 #include "desktop/icc/icc_walk.h"
 
 namespace platform::desktop {
 namespace {
 
-/// Empty when the variable is unset or is no absolute path, which it must be to count.
+/// Empty when the variable is unset or is not an absolute path.
 std::string absolutePath(const char* variable) {
   const char* const value = std::getenv(variable);
   return value != nullptr && *value == '/' ? value : "";
@@ -68,23 +67,22 @@ std::vector<std::string> installedProfileFolders() {
   return folders.take();
 }
 
-IccFolders::IccFolders(std::vector<std::string> folders) : folders_(std::move(folders)) {}
-
-IccFolders::~IccFolders() = default;
-
-std::shared_ptr<IccCache> IccFolders::cacheFor(const Language& language) {
-  const std::lock_guard lock(mutex_);
-  if (!cache_ || language_ != language) {
-    cache_ = std::make_shared<IccCache>();
-    language_ = language;
-  }
-  return cache_;
-}
-
 void IccFolders::visit(const InstalledProfileVisitor& visit) {
   const Language language = userLanguage();
-  const std::shared_ptr<IccCache> cache = cacheFor(language);
-  IccWalk(language, *cache, visit).run(folders_);
+  std::shared_ptr<const KnownFolders> before;
+  {
+    const std::lock_guard lock(mutex_);
+    if (language_ != language) {
+      known_ = std::make_shared<KnownFolders>();
+      language_ = language;
+    }
+    before = known_;
+  }
+  auto after = IccWalk(language, *before, visit).run(folders_);
+  const std::lock_guard lock(mutex_);
+  if (after && language_ == language) {
+    known_ = std::make_shared<KnownFolders>(*std::move(after));
+  }
 }
 
 }  // namespace platform::desktop

@@ -1,18 +1,18 @@
-// The ICC profiles that are installed on this computer: what lies in the folders that desktops keep profiles in.
+// The ICC profiles that are installed on this computer, in the folders that desktops keep profiles in.
 #pragma once
 
 #include <memory>
 #include <mutex>
 #include <string>
+#include <utility>
 #include <vector>
 
+#include "desktop/icc/icc_walk.h"
 #include "desktop/model/desktop.h"
 #include "desktop/model/export.h"
 #include "desktop/model/language.h"
 
 namespace platform::desktop {
-
-class IccCache;
 
 /// The folders of this computer and this user, as the environment names them at the moment (XDG_DATA_DIRS,
 /// XDG_DATA_HOME, HOME), each once: the system's own, the computer's own, the rest of the data directories', colord's,
@@ -23,28 +23,25 @@ PLATFORM_API std::vector<std::string> installedProfileFolders();
 /// Any thread may call any function, several at once.
 class PLATFORM_API IccFolders {
  public:
-  explicit IccFolders(std::vector<std::string> folders);
-  ~IccFolders();
+  explicit IccFolders(std::vector<std::string> folders) : folders_(std::move(folders)) {}
   IccFolders(const IccFolders&) = delete;
   IccFolders& operator=(const IccFolders&) = delete;
 
   /// Visits every profile in the folders and their subfolders: regular files named *.icc or *.icm, in any case, that
-  /// begin as an ICC profile does. A file that is none, or that cannot be read, is passed over.
+  /// are readable ICC profiles.
   ///
   /// Order: folder by folder, in each the files by name (byte by byte), then the subfolders by name. Symbolic links
-  /// come last, and one that leads to what has been visited is passed over: a file is listed once however many links
-  /// lead to it, under its own path when that lies in the folders, and a loop ends.
+  /// come last, and a link to what has been visited is ignored: a file is listed once however many links lead to it,
+  /// under its own path when that lies in the folders, and a loop ends.
   ///
-  /// A profile's description is in the user's language. Nothing that was read is used again once its file has changed.
+  /// A profile's description is in the user's language. An entry keeps its id while its file is unchanged.
   void visit(const InstalledProfileVisitor& visit);
 
  private:
-  std::shared_ptr<IccCache> cacheFor(const Language& language);
-
   const std::vector<std::string> folders_;
   std::mutex mutex_;
-  Language language_;
-  std::shared_ptr<IccCache> cache_;  ///< of descriptions in language_
+  Language language_;  ///< of the descriptions in known_
+  std::shared_ptr<const KnownFolders> known_ = std::make_shared<KnownFolders>();
 };
 
 }  // namespace platform::desktop

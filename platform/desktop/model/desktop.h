@@ -13,8 +13,6 @@
 #include <utility>
 #include <vector>
 
-#include "desktop/model/kept.h"
-
 namespace platform::desktop {
 
 struct Rect {
@@ -80,9 +78,8 @@ struct InstalledProfile {
   std::optional<std::string> profile_class;  ///< the four characters of the class signature, such as "mntr"
   std::optional<std::string> description;
   std::optional<std::string> path;
-  /// Not null when the desktop may visit this very entry, unchanged, again. The place lives as long as the entry; what
-  /// is in it is the business of whoever visits.
-  Kept* kept = nullptr;
+  /// Stands for this entry in all walks of this process while it is unchanged; 0 when the desktop does not remember it.
+  std::uint64_t id = 0;
 };
 
 /// A visitor answers false to end the walk.

@@ -7,12 +7,14 @@
 #include <atomic>
 #include <cstdlib>
 #include <filesystem>
+#include <map>
 #include <memory>
 #include <string>
 #include <thread>
 #include <vector>
 
-#include "desktop/model/regular_file.h"
+#include "desktop/diagnosis/diagnosis.h"
+#include "desktop/icc/icc_walk.h"
 #include "support/environment_variables.h"
 #include "support/icc_maker.h"
 #include "support/temporary_folder.h"
@@ -20,19 +22,26 @@
 
 namespace {
 
+using platform::desktop::FileIdentity;
 using platform::desktop::FileTime;
 using platform::desktop::IccFolders;
 using platform::desktop::identityOf;
 using platform::desktop::InstalledProfile;
 using platform::desktop::installedProfileFolders;
+using platform::desktop::KnownFolder;
+using platform::desktop::KnownFolders;
+using platform::desktop::laterChangesShow;
+using platform::desktop::ProfileFault;
+using platform::desktop::ProfileFolder;
 using support::displayProfile;
 using support::IccMaker;
 using support::TemporaryFolder;
+using testing::AllOf;
 using testing::Contains;
 using testing::ElementsAre;
 using testing::IsEmpty;
-using testing::IsSupersetOf;
-using testing::Not;
+using testing::Ne;
+using testing::Pair;
 
 /// "PATH below the folder: DESCRIPTION" of each entry, in the order of the visits.
 std::vector<std::string> listOf(IccFolders& folders, const TemporaryFolder& base) {
@@ -51,7 +60,7 @@ std::vector<std::string> listOf(const TemporaryFolder& base) {
 
 // --- which files
 
-TEST(IccFolders, VisitProfilesByNameThenSubfoldersByName) {
+TEST(IccFolders, VisitsProfilesByNameThenSubfoldersByName) {
   const TemporaryFolder base;
   base.write("z.icc", displayProfile("Z"));
   base.write("B.icc", displayProfile("B"));
@@ -63,7 +72,7 @@ TEST(IccFolders, VisitProfilesByNameThenSubfoldersByName) {
               ElementsAre("B.icc: B", "a.icc: A", "z.icc: Z", "also/e.icc: E", "sub/c.icc: C", "sub/deep/er/d.icc: D"));
 }
 
-TEST(IccFolders, VisitFoldersInTheOrderGivenAndEachOnce) {
+TEST(IccFolders, VisitsFoldersInTheOrderGivenAndEachOnce) {
   const TemporaryFolder base;
   base.write("1/a.icc", displayProfile("A"));
   base.write("2/b.icc", displayProfile("B"));
@@ -71,7 +80,7 @@ TEST(IccFolders, VisitFoldersInTheOrderGivenAndEachOnce) {
   EXPECT_THAT(listOf(folders, base), ElementsAre("2/b.icc: B", "1/a.icc: A"));
 }
 
-TEST(IccFolders, TakeBothExtensionsInAnyCaseAndNoOther) {
+TEST(IccFolders, TakesBothExtensionsInAnyCase) {
   const TemporaryFolder base;
   for (const char* const name : {"a.icc", "b.ICC", "c.Icm", "d.icM", ".icc", "f.icc.bak", "g.iccx", "icc", "h.ic"}) {
     base.write(name, displayProfile(name));
@@ -79,7 +88,7 @@ TEST(IccFolders, TakeBothExtensionsInAnyCaseAndNoOther) {
   EXPECT_THAT(listOf(base), ElementsAre(".icc: .icc", "a.icc: a.icc", "b.ICC: b.ICC", "c.Icm: c.Icm", "d.icM: d.icM"));
 }
 
-TEST(IccFolders, GiveClassDescriptionAndPath) {
+TEST(IccFolders, ReturnsClassDescriptionAndPath) {
   const TemporaryFolder base;
   base.write("a.icc", IccMaker().deviceClass("prtr").description("Printer").bytes());
   IccFolders folders({base.path()});
@@ -94,14 +103,14 @@ TEST(IccFolders, GiveClassDescriptionAndPath) {
   EXPECT_EQ(visits, 1);
 }
 
-TEST(IccFolders, GiveNoDescriptionWhereThereIsNone) {
+TEST(IccFolders, ReturnsNoDescriptionWithoutAValidOne) {
   const TemporaryFolder base;
   base.write("a.icc", IccMaker().bytes());
   base.write("b.icc", IccMaker().tag("desc", "nonsense").bytes());
   EXPECT_THAT(listOf(base), ElementsAre("a.icc: (none)", "b.icc: (none)"));
 }
 
-TEST(IccFolders, EndWhenTheVisitorHasHadEnough) {
+TEST(IccFolders, EndsWhenTheVisitorReturnsFalse) {
   const TemporaryFolder base;
   base.write("a.icc", displayProfile("A"));
   base.write("b.icc", displayProfile("B"));
@@ -113,7 +122,7 @@ TEST(IccFolders, EndWhenTheVisitorHasHadEnough) {
   EXPECT_EQ(visits, 2);
 }
 
-TEST(IccFolders, ThatAreMissingOrAreNoFoldersHoldNothing) {
+TEST(IccFolders, IgnoresPathsThatAreNotFolders) {
   const TemporaryFolder base;
   const std::string file = base.write("a.icc", displayProfile("A"));
   IccFolders folders({base.path("missing"), file, "/dev/null", ""});
@@ -122,7 +131,7 @@ TEST(IccFolders, ThatAreMissingOrAreNoFoldersHoldNothing) {
 
 // --- links
 
-TEST(IccFolders, FollowALinkToAFileOutside) {
+TEST(IccFolders, FollowsALinkToAFileOutside) {
   const TemporaryFolder base;
   base.write("outside/a.icc", displayProfile("A"));
   std::filesystem::create_directory(base.path("in"));
@@ -131,7 +140,7 @@ TEST(IccFolders, FollowALinkToAFileOutside) {
   EXPECT_THAT(listOf(folders, base), ElementsAre("in/link.icc: A"));
 }
 
-TEST(IccFolders, FollowALinkToAFolderOutside) {
+TEST(IccFolders, FollowsALinkToAFolderOutside) {
   const TemporaryFolder base;
   base.write("outside/sub/a.icc", displayProfile("A"));
   std::filesystem::create_directory(base.path("in"));
@@ -140,7 +149,7 @@ TEST(IccFolders, FollowALinkToAFolderOutside) {
   EXPECT_THAT(listOf(folders, base), ElementsAre("in/link/sub/a.icc: A"));
 }
 
-TEST(IccFolders, ListAFileOnceUnderItsOwnPathHoweverManyLinksLeadToIt) {
+TEST(IccFolders, ListsALinkedFileOnceUnderItsOwnPath) {
   const TemporaryFolder base;
   base.write("m/a.icc", displayProfile("A"));
   std::filesystem::create_symlink("m/a.icc", base.path("1.icc"));
@@ -150,7 +159,7 @@ TEST(IccFolders, ListAFileOnceUnderItsOwnPathHoweverManyLinksLeadToIt) {
   EXPECT_THAT(listOf(base), ElementsAre("m/a.icc: A"));
 }
 
-TEST(IccFolders, ListAFileOutsideOnceHoweverManyLinksLeadToIt) {
+TEST(IccFolders, ListsAFileOutsideOnceForSeveralLinks) {
   const TemporaryFolder base;
   base.write("outside/a.icc", displayProfile("A"));
   std::filesystem::create_directory(base.path("in"));
@@ -160,7 +169,7 @@ TEST(IccFolders, ListAFileOutsideOnceHoweverManyLinksLeadToIt) {
   EXPECT_EQ(listOf(folders, base).size(), 1U);
 }
 
-TEST(IccFolders, SurviveLoopsOfLinks) {
+TEST(IccFolders, EndsInLoopsOfLinks) {
   const TemporaryFolder base;
   base.write("a/a.icc", displayProfile("A"));
   std::filesystem::create_directory_symlink("..", base.path("a/up"));
@@ -171,13 +180,13 @@ TEST(IccFolders, SurviveLoopsOfLinks) {
   EXPECT_THAT(listOf(base), ElementsAre("a/a.icc: A"));
 }
 
-TEST(IccFolders, ListBothNamesOfAHardLink) {
+TEST(IccFolders, ListsBothNamesOfAHardLink) {
   const TemporaryFolder base;
   std::filesystem::create_hard_link(base.write("a.icc", displayProfile("A")), base.path("b.icc"));
   EXPECT_THAT(listOf(base), ElementsAre("a.icc: A", "b.icc: A"));
 }
 
-TEST(IccFolders, JudgeALinkByItsOwnName) {
+TEST(IccFolders, JudgesALinkByItsOwnName) {
   const TemporaryFolder base;
   base.write("outside/a.txt", displayProfile("A"));
   base.write("outside/b.icc", displayProfile("B"));
@@ -190,7 +199,7 @@ TEST(IccFolders, JudgeALinkByItsOwnName) {
 
 // --- one bad file never hides the others
 
-TEST(IccFolders, PassOverWhatIsNoProfile) {
+TEST(IccFolders, IgnoresFilesThatAreNotProfiles) {
   const TemporaryFolder base;
   base.write("a.icc", displayProfile("A"));
   base.write("empty.icc", "");
@@ -208,7 +217,7 @@ TEST(IccFolders, PassOverWhatIsNoProfile) {
   EXPECT_THAT(listOf(base), ElementsAre("a.icc: A", "z.icc: Z"));
 }
 
-TEST(IccFolders, PassOverAFileWhoseDescriptionIsCutOff) {
+TEST(IccFolders, ReturnsNoDescriptionThatIsCutOff) {
   const TemporaryFolder base;
   const std::string whole = displayProfile("whole");
   base.write("a.icc", whole.substr(0, 150));
@@ -216,13 +225,13 @@ TEST(IccFolders, PassOverAFileWhoseDescriptionIsCutOff) {
   EXPECT_THAT(listOf(base), ElementsAre("a.icc: (none)", "z.icc: whole"));
 }
 
-TEST(IccFolders, LookIntoAFolderThatIsNamedLikeAProfile) {
+TEST(IccFolders, VisitsAFolderThatIsNamedLikeAProfile) {
   const TemporaryFolder base;
   base.write("folder.icc/a.icc", displayProfile("A"));
   EXPECT_THAT(listOf(base), ElementsAre("folder.icc/a.icc: A"));
 }
 
-TEST(IccFolders, PassOverWhatMayNotBeRead) {
+TEST(IccFolders, IgnoresWhatMayNotBeRead) {
   const TemporaryFolder base;
   chmod(base.path().c_str(), 0755);
   base.write("a.icc", displayProfile("A"));
@@ -236,7 +245,7 @@ TEST(IccFolders, PassOverWhatMayNotBeRead) {
   chmod(base.path("closed").c_str(), 0700);
 }
 
-TEST(IccFolders, MayBeNestedVeryDeeply) {
+TEST(IccFolders, VisitsDeeplyNestedFolders) {
   const TemporaryFolder base;
   std::string deep;
   for (int i = 0; i < 200; ++i) {
@@ -247,7 +256,7 @@ TEST(IccFolders, MayBeNestedVeryDeeply) {
   EXPECT_THAT(listOf(base), ElementsAre("z.icc: Z", deep + "a.icc: A"));
 }
 
-TEST(IccFolders, TakeNamesThatAreNotUtf8AsTheyAre) {
+TEST(IccFolders, ReturnsNamesThatAreNotUtf8) {
   const TemporaryFolder base;
   base.write("\xFF.icc", displayProfile("A"));
   EXPECT_THAT(listOf(base), ElementsAre("\xFF.icc: A"));
@@ -256,68 +265,61 @@ TEST(IccFolders, TakeNamesThatAreNotUtf8AsTheyAre) {
 // --- what is remembered
 
 /// Waits until a change that is made now shows in the file's times. These may be ahead of the clock: the system takes a
-/// finer one for a file whose times somebody has looked at.
+/// finer one for a file whose times have been read.
 void letTheClockTick(const std::string& path) {
   struct stat before {};
   ASSERT_EQ(stat(path.c_str(), &before), 0);
   timespec now{};
   do {
     clock_gettime(CLOCK_REALTIME_COARSE, &now);
-  } while (!(identityOf(before).changed < FileTime{now.tv_sec, now.tv_nsec}));
+  } while (identityOf(before).changed >= FileTime{now.tv_sec, now.tv_nsec});
 }
 
-class RememberingFolders : public testing::Test {
+class RememberedFolders : public testing::Test {
  protected:
-  RememberingFolders() {
+  RememberedFolders() {
     base_.write("a.icc", displayProfile("A"));
     letTheClockTick(base_.write("b.icc", displayProfile("B")));
     EXPECT_THAT(list(), ElementsAre("a.icc: A", "b.icc: B"));
   }
   std::vector<std::string> list() { return listOf(folders_, base_); }
+  std::map<std::string, std::uint64_t> ids() {
+    std::map<std::string, std::uint64_t> ids;
+    folders_.visit([&](const InstalledProfile& entry) {
+      ids[entry.path->substr(base_.path().size() + 1)] = entry.id;
+      return true;
+    });
+    return ids;
+  }
 
   TemporaryFolder base_;
   IccFolders folders_{{base_.path()}};
 };
 
-void releaseNothing(const void*) {}
-
-TEST_F(RememberingFolders, GiveTheSameEntryAgainWhileTheFileIsUnchanged) {
-  const int mark = 0;
-  folders_.visit([&](const InstalledProfile& entry) { return entry.kept->put(&mark, releaseNothing) == &mark; });
-  int visits = 0;
-  folders_.visit([&](const InstalledProfile& entry) {
-    ++visits;
-    EXPECT_EQ(entry.kept->get(), &mark);
-    return true;
-  });
-  EXPECT_EQ(visits, 2);
+TEST_F(RememberedFolders, KeepTheIdOfAnUnchangedFile) {
+  const auto before = ids();
+  EXPECT_THAT(before, ElementsAre(Pair("a.icc", Ne(0U)), Pair("b.icc", Ne(0U))));
+  EXPECT_NE(before.at("a.icc"), before.at("b.icc"));
+  EXPECT_EQ(ids(), before);
 }
 
-TEST_F(RememberingFolders, GiveANewEntryOnceTheFileHasChanged) {
-  const int mark = 0;
-  folders_.visit([&](const InstalledProfile& entry) { return entry.kept->put(&mark, releaseNothing) == &mark; });
+TEST_F(RememberedFolders, ChangeTheIdWithTheFile) {
+  const auto before = ids();
   letTheClockTick(base_.write("a.icc", displayProfile("A")));
-  int visits = 0;
-  folders_.visit([&](const InstalledProfile& entry) {
-    ++visits;
-    EXPECT_EQ(entry.kept->get() == &mark, *entry.path != base_.path("a.icc"));
-    return true;
-  });
-  EXPECT_EQ(visits, 2);
+  const auto after = ids();
+  EXPECT_THAT(after.at("a.icc"), AllOf(Ne(0U), Ne(before.at("a.icc"))));
+  EXPECT_EQ(after.at("b.icc"), before.at("b.icc"));
 }
 
-TEST_F(RememberingFolders, DoNotKeepALongDescription) {
+TEST_F(RememberedFolders, GiveNoIdToALongDescription) {
   letTheClockTick(base_.write("a.icc", displayProfile(std::string(5000, 'x'))));
   for (int i = 0; i < 2; ++i) {
-    folders_.visit([&](const InstalledProfile& entry) {
-      EXPECT_EQ(entry.kept == nullptr, *entry.path == base_.path("a.icc"));
-      return true;
-    });
+    EXPECT_THAT(ids(), ElementsAre(Pair("a.icc", 0U), Pair("b.icc", Ne(0U))));
   }
   EXPECT_THAT(list(), ElementsAre("a.icc: " + std::string(5000, 'x'), "b.icc: B"));
 }
 
-TEST_F(RememberingFolders, SeeAFileBehindALinkChange) {
+TEST_F(RememberedFolders, SeeAChangeBehindALink) {
   base_.write("outside/1", displayProfile("One"));
   std::filesystem::create_symlink("outside/1", base_.path("l.icc"));
   letTheClockTick(base_.path("outside/1"));
@@ -330,7 +332,7 @@ TEST_F(RememberingFolders, SeeAFileBehindALinkChange) {
   EXPECT_THAT(list(), ElementsAre("a.icc: A", "b.icc: B"));
 }
 
-TEST_F(RememberingFolders, MayBeVisitedWhileTheyAreVisited) {
+TEST_F(RememberedFolders, MayBeVisitedByAVisitor) {
   std::vector<std::string> inner;
   folders_.visit([&](const InstalledProfile&) {
     base_.write("a.icc", displayProfile("X"));
@@ -340,7 +342,7 @@ TEST_F(RememberingFolders, MayBeVisitedWhileTheyAreVisited) {
   EXPECT_THAT(inner, ElementsAre("a.icc: X", "b.icc: B"));
 }
 
-TEST_F(RememberingFolders, MayBeVisitedByManyThreads) {
+TEST_F(RememberedFolders, MayBeVisitedByManyThreads) {
   std::vector<std::thread> threads;
   std::atomic<int> right = 0;
   for (int i = 0; i < 4; ++i) {
@@ -356,49 +358,44 @@ TEST_F(RememberingFolders, MayBeVisitedByManyThreads) {
   EXPECT_EQ(right, 200);
 }
 
-TEST_F(RememberingFolders, SeeAFileThatWasAdded) {
+TEST_F(RememberedFolders, SeeAddedFiles) {
   base_.write("aa.icc", displayProfile("AA"));
   base_.write("sub/c.icc", displayProfile("C"));
   EXPECT_THAT(list(), ElementsAre("a.icc: A", "aa.icc: AA", "b.icc: B", "sub/c.icc: C"));
 }
 
-TEST_F(RememberingFolders, DoNotSeeAFileThatWasRemoved) {
+TEST_F(RememberedFolders, SeeThatAFileIsGone) {
   std::filesystem::remove(base_.path("a.icc"));
   EXPECT_THAT(list(), ElementsAre("b.icc: B"));
 }
 
-TEST_F(RememberingFolders, SeeAFileThatWasRewrittenWithTheSameSize) {
-  base_.write("a.icc", displayProfile("X"));
-  EXPECT_THAT(list(), ElementsAre("a.icc: X", "b.icc: B"));
-}
-
-TEST_F(RememberingFolders, SeeAFileThatWasRewrittenWithItsTimeSetBack) {
+TEST_F(RememberedFolders, SeeAChangeWithTheTimeSetBack) {
   const auto time = std::filesystem::last_write_time(base_.path("a.icc"));
   base_.write("a.icc", displayProfile("X"));
   std::filesystem::last_write_time(base_.path("a.icc"), time);
   EXPECT_THAT(list(), ElementsAre("a.icc: X", "b.icc: B"));
 }
 
-TEST_F(RememberingFolders, SeeAFileThatWasReplacedByRenaming) {
+TEST_F(RememberedFolders, SeeAReplacedFile) {
   std::filesystem::rename(base_.write("new", displayProfile("X")), base_.path("a.icc"));
   EXPECT_THAT(list(), ElementsAre("a.icc: X", "b.icc: B"));
 }
 
-TEST_F(RememberingFolders, SeeTwoFilesThatChangedPlaces) {
+TEST_F(RememberedFolders, SeeExchangedFiles) {
   std::filesystem::rename(base_.path("a.icc"), base_.path("c"));
   std::filesystem::rename(base_.path("b.icc"), base_.path("a.icc"));
   std::filesystem::rename(base_.path("c"), base_.path("b.icc"));
   EXPECT_THAT(list(), ElementsAre("a.icc: B", "b.icc: A"));
 }
 
-TEST_F(RememberingFolders, SeeAFileThatBecameAProfileAndBack) {
+TEST_F(RememberedFolders, SeeAFileBecomeAProfile) {
   base_.write("b.icc", "no profile");
   EXPECT_THAT(list(), ElementsAre("a.icc: A"));
   base_.write("b.icc", displayProfile("B again"));
   EXPECT_THAT(list(), ElementsAre("a.icc: A", "b.icc: B again"));
 }
 
-TEST_F(RememberingFolders, SeeEveryOneOfManyRapidChanges) {
+TEST_F(RememberedFolders, SeeEachOfManyRapidChanges) {
   for (int i = 0; i < 100; ++i) {
     const std::string name = std::to_string(1000 + i);
     base_.write("a.icc", displayProfile(name));
@@ -406,7 +403,7 @@ TEST_F(RememberingFolders, SeeEveryOneOfManyRapidChanges) {
   }
 }
 
-TEST_F(RememberingFolders, SeeALinkThatWasTurnedElsewhere) {
+TEST_F(RememberedFolders, SeeALinkThatLeadsElsewhere) {
   base_.write("outside/1", displayProfile("One"));
   letTheClockTick(base_.write("outside/2", displayProfile("Two")));
   std::filesystem::create_symlink("outside/1", base_.path("l.icc"));
@@ -416,7 +413,7 @@ TEST_F(RememberingFolders, SeeALinkThatWasTurnedElsewhere) {
   EXPECT_THAT(list(), ElementsAre("a.icc: A", "b.icc: B", "l.icc: Two"));
 }
 
-TEST_F(RememberingFolders, FollowTheUsersLanguage) {
+TEST_F(RememberedFolders, FollowTheUsersLanguage) {
   letTheClockTick(base_.write(
       "m.icc", IccMaker().tag("desc", support::mlucElement({{"enUS", u"English"}, {"deDE", u"Deutsch"}})).bytes()));
   const auto english = support::userLanguage({{"LC_ALL", "en_US.UTF-8"}});
@@ -425,15 +422,47 @@ TEST_F(RememberingFolders, FollowTheUsersLanguage) {
   EXPECT_THAT(list(), Contains("m.icc: Deutsch"));
 }
 
+FileIdentity changedAt(FileTime time) { return {.changed = time}; }
+
+TEST(LaterChangesShow, IsTrueOnceTheClockHasTickedSinceTheLastChange) {
+  EXPECT_TRUE(laterChangesShow(changedAt({1000, 500}), {1000, 501}));
+  EXPECT_TRUE(laterChangesShow(changedAt({1000, 500}), {1001, 0}));
+  EXPECT_FALSE(laterChangesShow(changedAt({1000, 500}), {1000, 500}));
+}
+
+TEST(LaterChangesShow, IsFalseForAChangeInTheFuture) {
+  EXPECT_FALSE(laterChangesShow(changedAt({1000, 500}), {999, 999}));
+}
+
+TEST(LaterChangesShow, WaitsForThreeSecondsOnAFileSystemThatCountsInSeconds) {
+  EXPECT_FALSE(laterChangesShow(changedAt({1000, 0}), {1002, 900}));
+  EXPECT_TRUE(laterChangesShow(changedAt({1000, 0}), {1003, 0}));
+}
+
+TEST(KnownFolders, KeepsNoMoreFilesThanTheBound) {
+  const auto folder_of = [](std::size_t files) {
+    auto folder = std::make_shared<KnownFolder>();
+    folder->files.resize(files);
+    return folder;
+  };
+  KnownFolders known;
+  known.add("/a", folder_of(KnownFolders::kMaxFiles - 1));
+  known.add("/b", folder_of(2));
+  known.add("/c", folder_of(1));
+  EXPECT_TRUE(known.find("/a"));
+  EXPECT_FALSE(known.find("/b"));
+  EXPECT_TRUE(known.find("/c"));
+}
+
 // --- where profiles are
 
-/// The variables that say where a user's files are; all of them absent.
+/// Without the variables that name a user's folders.
 class Environment : support::EnvironmentVariables {
  public:
   Environment() : EnvironmentVariables({{"HOME", {}}, {"XDG_DATA_HOME", {}}, {"XDG_DATA_DIRS", {}}}) {}
 };
 
-TEST(InstalledProfileFolders, AreTheSystemsAndTheUsers) {
+TEST(InstalledProfileFolders, ReturnsTheSystemsAndTheUsers) {
   const Environment environment;
   setenv("HOME", "/home/ada", 1);
   EXPECT_THAT(
@@ -442,7 +471,7 @@ TEST(InstalledProfileFolders, AreTheSystemsAndTheUsers) {
                   "/home/ada/.local/share/icc", "/home/ada/.local/share/color/icc", "/home/ada/.color/icc"));
 }
 
-TEST(InstalledProfileFolders, FollowTheDataDirectories) {
+TEST(InstalledProfileFolders, FollowsTheDataDirectories) {
   const Environment environment;
   setenv("HOME", "/home/ada", 1);
   setenv("XDG_DATA_HOME", "/data/", 1);
@@ -453,11 +482,41 @@ TEST(InstalledProfileFolders, FollowTheDataDirectories) {
                   "/var/lib/color/icc", "/var/lib/colord/icc", "/data/icc", "/data/color/icc", "/home/ada/.color/icc"));
 }
 
-TEST(InstalledProfileFolders, AreTheSystemsOnlyWithoutAHome) {
+TEST(InstalledProfileFolders, ReturnsTheSystemsWithoutAHome) {
   const Environment environment;
   setenv("XDG_DATA_HOME", "relative", 1);
   EXPECT_THAT(installedProfileFolders(), ElementsAre("/usr/share/color/icc", "/usr/local/share/color/icc",
                                                      "/var/lib/color/icc", "/var/lib/colord/icc"));
+}
+
+TEST(ExamineProfileFolders, AgreesWithTheListing) {
+  const TemporaryFolder base;
+  const Environment environment;
+  setenv("XDG_DATA_HOME", base.path().c_str(), 1);
+  base.write("icc/a.icc", displayProfile("A"));
+  base.write("icc/sub/b.ICM", displayProfile("B"));
+  base.write("icc/cut.icc", displayProfile("C").substr(0, 150));
+  base.write("icc/text.icc", "text");
+  base.write("icc/other.txt", displayProfile("D"));
+  base.write("outside/e.icc", displayProfile("E"));
+  base.write("outside/deep/f.icc", displayProfile("F"));
+  ASSERT_EQ(mkfifo(base.path("icc/pipe.icc").c_str(), 0600), 0);
+  std::filesystem::create_directory_symlink("../outside", base.path("icc/link"));
+  std::filesystem::create_symlink("a.icc", base.path("icc/same.icc"));
+  std::filesystem::create_symlink("nowhere", base.path("icc/dangling.icc"));
+
+  const auto folders = platform::desktop::examineProfileFolders();
+  const auto found = std::find_if(folders.begin(), folders.end(),
+                                  [&](const ProfileFolder& folder) { return folder.path == base.path("icc"); });
+  ASSERT_NE(found, folders.end());
+  IccFolders listing({base.path("icc")});
+  EXPECT_THAT(listOf(listing, base), ElementsAre("icc/a.icc: A", "icc/cut.icc: (none)", "icc/sub/b.ICM: B",
+                                                 "icc/link/e.icc: E", "icc/link/deep/f.icc: F"));
+  EXPECT_EQ(found->profiles, 4U);  // all of the listing but the incomplete one
+  EXPECT_THAT(found->faults, ElementsAre(Pair(base.path("icc/cut.icc"), ProfileFault::kIncomplete),
+                                         Pair(base.path("icc/dangling.icc"), ProfileFault::kMissing),
+                                         Pair(base.path("icc/pipe.icc"), ProfileFault::kNotRegular),
+                                         Pair(base.path("icc/text.icc"), ProfileFault::kNotAProfile)));
 }
 
 }  // namespace
