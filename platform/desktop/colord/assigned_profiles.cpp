@@ -4,18 +4,12 @@
 #include <unistd.h>
 
 #include <filesystem>
-#include <memory>
 #include <system_error>
 
 namespace platform::desktop {
 namespace {
 
 namespace fs = std::filesystem;
-
-struct Free {
-  void operator()(char* text) const { g_free(text); }
-};
-using Text = std::unique_ptr<char, Free>;
 
 fs::path directory() { return fs::path(g_get_user_state_dir()) / "ostrevin" / "assigned-profiles"; }
 
@@ -27,9 +21,9 @@ std::vector<AssignedProfile> assignedProfiles() {
   for (fs::directory_iterator entry(directory(), error), end; !error && entry != end; entry.increment(error)) {
     std::error_code unreadable;
     const fs::path file = fs::read_symlink(entry->path(), unreadable);
-    const Text id(g_uri_unescape_string(entry->path().filename().c_str(), nullptr));
-    if (!unreadable && id && fs::is_regular_file(file, unreadable)) {
-      found.push_back({id.get(), file.string()});
+    g_autofree char* id = g_uri_unescape_string(entry->path().filename().c_str(), nullptr);
+    if (!unreadable && id != nullptr && fs::is_regular_file(file, unreadable)) {
+      found.push_back({id, file.string()});
     }
   }
   return found;
@@ -38,11 +32,11 @@ std::vector<AssignedProfile> assignedProfiles() {
 void rememberAssignedProfile(const AssignedProfile& profile) {
   std::error_code error;
   fs::create_directories(directory(), error);
-  const Text name(g_uri_escape_string(profile.id.c_str(), nullptr, FALSE));
-  const fs::path link = directory() / name.get();
+  g_autofree char* name = g_uri_escape_string(profile.id.c_str(), nullptr, FALSE);
+  const fs::path link = directory() / name;
   // Made beside and moved into place, so that a reader finds the old entry or the new one. Names of entries have no "%"
   // followed by anything but two digits, so this one cannot be taken for an entry.
-  const fs::path made = directory() / (std::string(name.get()) + "%new" + std::to_string(getpid()));
+  const fs::path made = directory() / (std::string(name) + "%new" + std::to_string(getpid()));
   fs::remove(made, error);
   fs::create_symlink(profile.file, made, error);
   if (!error) {

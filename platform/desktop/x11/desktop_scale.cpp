@@ -5,9 +5,10 @@
 #include <algorithm>
 #include <charconv>
 #include <cmath>
-#include <cstdlib>
 #include <memory>
 #include <string>
+
+#include "desktop/x11/x11_connection.h"
 
 namespace platform::desktop {
 namespace {
@@ -106,9 +107,6 @@ std::optional<Setting> readSetting(SettingsReader& reader) {
 struct DatabaseFree {
   void operator()(xcb_xrm_database_t* database) const { xcb_xrm_database_free(database); }
 };
-struct CFree {
-  void operator()(void* memory) const { std::free(memory); }
-};
 
 /// The lines before the first zero byte, without directives: a client's property must not make this process open files.
 std::string withoutDirectives(std::string_view resources) {
@@ -172,7 +170,7 @@ std::optional<double> xftDpi(std::string_view resources) {
   if (!database || xcb_xrm_resource_get_string(database.get(), "Xft.dpi", "Xft.Dpi", &found) < 0) {
     return std::nullopt;
   }
-  const std::unique_ptr<char, CFree> text(found);
+  const std::unique_ptr<char, FreeMemory> text(found);
   return text ? parseDpi(text.get()) : std::nullopt;
 }
 
