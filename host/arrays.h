@@ -6,7 +6,6 @@
 #include <cstdint>
 #include <type_traits>
 
-#include "host/handles.h"
 #include "host/table.h"
 
 /// The element type of an array of strings, for REALCreateArray.
@@ -24,9 +23,8 @@ HOST_MEMBER(REALGetArrayObject,     "RuntimeDirectReadObjectArray",             
 
 // clang-format on
 
-// --- Elements. The entry is not the operation but a dispatcher: given the array, it answers the procedure that does
-// the
-// --- operation on this array, or null, and then nothing happens.
+// --- Elements. The entry is not the operation but a dispatcher: given the array, it returns the procedure that does
+// the operation on this array, or null, and then nothing happens.
 
 namespace host {
 
@@ -45,7 +43,7 @@ inline void insertElement(REALarrayStruct* array, long long index, Value value) 
   }
 }
 
-/// The value comes before the index, unlike in insertElement(): this is how the host wants it.
+/// The value comes before the index, unlike in insertElement(): the host's convention.
 template <typename Slot, typename Value>
 inline void setElement(REALarrayStruct* array, long long index, Value value) {
   void* const procedure = findElementProcedure<Slot>(array);

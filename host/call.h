@@ -1,27 +1,37 @@
-// How a member of the host-call family finds its entry, calls it, and reads the answer. The tables use this; others do
-// not need to, except for invoke() on a method that the host has loaded for them.
+// How a member of the host-call family finds its entry, calls it, and narrows the result. Used by the tables, and
+// elsewhere only for invoke() on a method that the host has loaded.
 //
-// Host's thread. Two threads that look one entry up at once would store the same address.
+// Host's thread. Two threads that look up one entry at once would store the same address.
 #pragma once
 
 #include <cstdint>
 #include <type_traits>
 
-#include "host/resolver.h"
+// --- The resolver
+
+/// Maps the name of a host entry, a NUL-terminated string, to the entry's address, or to null when the host has none.
+using REALresolver = void* (*)(const char* name);
+
+/// Null until REALPluginMain stores the host's resolver; from then on only read.
+inline constinit REALresolver gResolver = nullptr;
+
+/// Passes `name` to the host and returns the entry unchanged; caches nothing. The resolver is deliberately not tested
+/// for null: nothing may call the host before the host has called the library.
+inline void* CallResolver(const char* name) { return gResolver(name); }
 
 namespace host {
 
 /// Calls the function at `entry`, which must not be null, with `arguments` by value, each at its own width.
 /// The host's own declaration of an entry may differ from this one in ways that the calling convention does not see (a
-/// bool result read as 64 bits), so a sanitizer's comparison of the two types would be of no use.
+/// bool result read as 64 bits), so a sanitizer must not compare the two types.
 template <typename Result, typename... Arguments>
 __attribute__((no_sanitize("function"))) inline Result invoke(void* entry, Arguments... arguments) {
   static_assert((std::is_trivially_copyable_v<Arguments> && ...), "only what C can pass by value reaches the host");
   return reinterpret_cast<Result (*)(Arguments...)>(entry)(arguments...);
 }
 
-// --- Result kinds: what the host's answer is read as (Raw), what becomes of it (narrow), what stands in for it when
-// the host lacks the entry (missing). The three ways to make a truth value out of an answer differ on purpose.
+// --- Result kinds: the type that the host returns (Raw), its conversion (narrow), and the value when the host lacks
+// the entry (missing). The three conversions to a truth value deliberately differ.
 
 /// No result.
 struct Nothing {
@@ -29,7 +39,7 @@ struct Nothing {
   using Value = void;
 };
 
-/// The answer as it is, as a T; zero or null without an entry.
+/// The result as it is, as a T; zero or null without an entry.
 template <typename T>
 struct As {
   using Raw = T;
@@ -77,15 +87,14 @@ struct LowByteAsIs {
 
 // --- The call
 
-/// Looks the entry of `Slot` up and keeps the answer, null included. Out of line, so that calls of a known entry stay
-/// short.
+/// Looks up the entry of `Slot` and stores it, null too. Out of line, so that calls of a known entry stay short.
 template <typename Slot>
 [[gnu::noinline, gnu::cold]] inline void* resolve() {
   Slot::address = CallResolver(Slot::kEntry);
   return Slot::address;
 }
 
-/// The entry of `Slot`, looked up unless it is known; null when the host lacks it, and then asked for again next time.
+/// The entry of `Slot`, looked up unless it is known; null when the host lacks it, which is not cached.
 template <typename Slot>
 inline void* find() {
   void* const entry = Slot::address;
@@ -112,8 +121,8 @@ template <typename Slot, typename Kind, typename... Arguments>
   }
 }
 
-/// What every member does: find the entry, call it with `arguments`, read the answer as `Kind` says. The first call
-/// goes through a function of its own: a look-up in between would make every later call save the arguments.
+/// What every member does: finds the entry, calls it with `arguments`, and converts the result by `Kind`. The first
+/// call goes through a separate function: a look-up in line would make every later call save the arguments.
 template <typename Slot, typename Kind, typename... Arguments>
 inline typename Kind::Value call(Arguments... arguments) {
   void* const entry = Slot::address;

@@ -1,20 +1,11 @@
 // The whole host-call family. What a program does not call costs it nothing.
 #pragma once
 
-#include "host/apple_events.h"
 #include "host/arrays.h"
-#include "host/controls.h"
-#include "host/databases.h"
-#include "host/definitions.h"
 #include "host/files.h"
 #include "host/graphics.h"
 #include "host/objects.h"
-#include "host/pictures.h"
-#include "host/property_getters.h"
-#include "host/property_setters.h"
-#include "host/registration.h"
+#include "host/properties.h"
+#include "host/records.h"
 #include "host/runtime.h"
-#include "host/sockets.h"
 #include "host/strings.h"
-#include "host/text.h"
-#include "host/variants.h"

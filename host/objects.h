@@ -1,12 +1,11 @@
 // Objects, classes and their methods.
 //
 // Host's thread. A method's address is the host's and is called through host::invoke() with the object first. A new
-// instance belongs to the caller, who gives it back with REALUnlockObject.
+// instance belongs to the caller, who releases it with REALUnlockObject.
 #pragma once
 
 #include <type_traits>
 
-#include "host/handles.h"
 #include "host/table.h"
 
 // clang-format off
@@ -27,23 +26,23 @@ HOST_MEMBER(REALRaiseException,                     "RuntimeRaiseException",    
 HOST_MEMBER(REALInterfaceRoutine,                   "GetInterfaceRoutine",                      Word)
 HOST_MEMBER(REALGetPluginData,                      "PluginGetPluginData",                      Word)
 
-// Written out below:
+// Defined below:
 HOST_SLOT  (REALnewInstance,                        "PluginNewInstance")
 HOST_SLOT  (REALLoadFrameworkMethod,                "REALLoadGlobalMethod")
 
 // clang-format on
 
-/// A new instance of what `handle` names to the host, a handle other than a class reference; null if there is none.
+/// A new instance for a handle other than a class reference; null if there is none.
 template <typename Handle>
 requires(!std::is_same_v<std::remove_cv_t<Handle>, REALclassRefStruct>) inline REALobjectStruct* REALnewInstance(
     Handle* handle) {
   return host::call<host::slots::REALnewInstance, host::As<REALobjectStruct*>>(handle);
 }
 
-/// A new instance of a class: another entry than the one for other handles.
+/// A new instance of a class: not the entry for other handles.
 inline REALobjectStruct* REALnewInstance(REALclassRefStruct* classRef) { return REALnewInstanceWithClass(classRef); }
 
-/// The address of a method that the host's own framework declares, or null.
+/// The address of a method of the host's own framework, or null.
 inline void* REALLoadFrameworkMethod(const char* declaration) {
   return host::call<host::slots::REALLoadFrameworkMethod, host::As<void*>>(static_cast<void*>(nullptr), declaration);
 }

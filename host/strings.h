@@ -1,12 +1,12 @@
-// Strings.
+// Strings and text values.
 //
-// Host's thread. A string that is built belongs to the caller, who hands it on or gives it back with REALUnlockString;
-// the contents of a string belong to the host and last as long as the string.
+// Host's thread. A string that is built belongs to the caller, who passes it on or releases it with REALUnlockString;
+// the contents of a string belong to the host and last as long as the string. A text that is built belongs to the
+// caller, who releases it with REALUnlockText.
 #pragma once
 
 #include <cstdint>
 
-#include "host/handles.h"
 #include "host/objects.h"
 #include "host/table.h"
 
@@ -36,14 +36,28 @@ HOST_MEMBER       (REALCString,                 "StringGetCString",             
 HOST_MEMBER       (REALPString,                 "StringGetPString",             Word)
 HOST_MEMBER       (REALstringToOSType,          "StringToOSType",               Word)
 
-// Written out below; a text with parentheses is the declaration of a method of the host's framework:
+// Defined below; an entry with parentheses is the declaration of a method of the host's framework:
 HOST_SLOT         (REALGetStringContents,       "StringGetCString")
 HOST_SLOT         (REALGetStringContentsLength, "LenB( s as string ) as integer")
 HOST_SLOT         (REALStringLength,            "LenB( s as string ) as integer")
 
+// Text values:
+//           member                 host entry                  result          value
+HOST_MEMBER (REALLockText,          "PluginLockText",           Word)
+HOST_MEMBER (REALUnlockText,        "PluginUnlockText",         Word)
+HOST_MEMBER (REALBuildText,         "PluginBuildText",          Word)
+HOST_MEMBER (REALCompareText,       "PluginCompareText",        Word)
+HOST_MEMBER (REALConcatenateText,   "PluginConcatenateText",    Word)
+HOST_MEMBER (REALGetTextData,       "PluginGetTextData",        Word)
+HOST_MEMBER (REALDisposeTextData,   "PluginDisposeTextData",    Word)
+HOST_MEMBER (REALCopyTextCFString,  "PluginCopyTextCFString",   Word)
+HOST_VARIANT(REALNewVariantText,    "PluginNewVariantText",                     const RuntimeText*)
+HOST_GETTER (REALGetPropValueText,  "PluginGetPropValueText",   TrueIfLowByte,  const RuntimeText*)
+HOST_SETTER (REALSetPropValueText,  "PluginSetPropValueText",   TrueIfLowByte,  const RuntimeText*)
+
 // clang-format on
 
-/// As REALBuildStringWithEncoding, deliberately not the entry that other calls of this name reach.
+/// As REALBuildStringWithEncoding, deliberately not the entry of other calls of this name.
 inline REALstringStruct* REALBuildString(const char* bytes, int length, unsigned int encoding) {
   return REALBuildStringWithEncoding(bytes, length, encoding);
 }
@@ -74,7 +88,7 @@ inline const char* readString(void* contents, void* length, REALstringStruct* st
 }  // namespace host
 
 /// The string's bytes, NUL-terminated, or null for a null string. `outLength` may be null; it receives the number of
-/// bytes, unless the host cannot count them, which does not keep the bytes back. The length is asked for first.
+/// bytes, unless the host cannot count them; the bytes are returned all the same. The length is read first.
 inline const char* REALGetStringContents(REALstringStruct* string, std::int64_t* outLength) {
   if (string == nullptr) {
     return nullptr;

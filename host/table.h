@@ -1,39 +1,37 @@
-// What a line of the host-call tables is made of.
+// The macros of the host-call tables.
 //
-// A line is a macro because it makes a function and the slot that belongs to it, named after each other; nothing else
-// in the language does both at once. All of them are here, for use at global scope in this folder's tables:
+// A line is a macro because it makes a function and a slot of the same name, which nothing else in the language does at
+// once. All of them are here, for use at global scope in this folder's tables:
 //
 //   HOST_SLOT(member, entry)
 //     The slot alone, host::slots::member, for the few members whose body is written out.
 //   HOST_MEMBER(member, entry, result)
-//     A member whose argument list is not fixed here: it passes on the arguments that it is given, in order, by value
-//     and at their own width. All forms that it is called in share its slot. Whoever knows the list makes it a
-//     HOST_EXACT.
+//     A member whose argument list is not fixed here: it passes its arguments on, in order, by value and at their own
+//     width. All argument lists share its slot. A member with a known list is a HOST_EXACT.
 //   HOST_MEMBER_BESIDE(member, entry, result, (types))
-//     The same, for a name that also has an exact form, which takes `types`: every call that the exact form can take is
-//     the exact form's, even if its arguments have to be converted, and so is a call with a 0 or NULL for a pointer.
+//     The same, for a name that also has an exact form, which takes `types`: every call that the exact form can take
+//     goes to it, even if its arguments have to be converted, and so does a call with a 0 or NULL for a pointer.
 //   HOST_EXACT(member, entry, result, (parameters), (names))
 //     A member with exactly these parameters; `names` repeats their names.
 //   HOST_GETTER, HOST_SETTER(member, entry, result, type)     a property of an object, by name
 //   HOST_VARIANT(member, entry, type)                         a new variant that holds a value
 //   HOST_INSERT, HOST_GET, HOST_SET(member, entry, type)      an element of an array, in two stages (host/arrays.h)
 //
-// `result` is one of the result kinds of host/call.h, which say how the answer is narrowed and what stands in for it
-// when the host lacks the entry. A result that nothing is known about is a Word: all 64 bits, the most that any handle,
-// pointer or integer can be; 0 without an entry. If the host's function has no result, the Word means nothing.
+// `result` is one of the result kinds of host/call.h: how the result is narrowed, and its value when the host lacks the
+// entry. A result of unknown type is a Word: all 64 bits, enough for any handle, pointer or integer; 0 without an
+// entry. If the host's function has no result, the Word means nothing.
 //
-// Members are inline and slots are inline variables: what a program does not call does not become part of it.
+// Members are inline and slots are inline variables: a program contains only the members that it calls.
 #pragma once
 
 #include <type_traits>
 
 #include "host/call.h"
-#include "host/handles.h"
+#include "host/records.h"
 
 namespace host {
 
-/// What is tried in place of an argument: a number, whose value is not known here, may be a literal 0, which is a null
-/// pointer too.
+/// Stands for a number in a test of what can be called: the number may be a literal 0, which is a null pointer too.
 struct NumberOrNull {
   template <typename Parameter>
   operator Parameter() const;

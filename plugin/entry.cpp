@@ -1,8 +1,7 @@
 // Where the host enters: the one function that it calls when it has loaded the library.
 #include "base/export.h"
 #include "host/call.h"
-#include "host/registration.h"
-#include "host/resolver.h"
+#include "host/runtime.h"
 #include "plugin/module.h"
 
 namespace {

@@ -1,5 +1,5 @@
 // Every member that reaches an element of an array, as members.txt lists it: the host entry is a dispatcher, which
-// answers the procedure for the array; the procedure does the work.
+// returns the array's procedure; the procedure does the work.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -32,7 +32,7 @@ void* dispatch(REALarrayStruct* array) {
 
 /// What to do with a member: call it where it must have no effect, and call it where it must work.
 struct Calls {
-  std::function<void()> callInVain;
+  std::function<void()> callWithoutEffect;
   std::function<void()> callAndCheck;
 };
 
@@ -62,7 +62,7 @@ void checkStore(Call call, std::size_t valuePosition, std::size_t indexPosition)
 }
 
 template <typename T>
-T answerSample(REALarrayStruct* array, long long index) {
+T returnSample(REALarrayStruct* array, long long index) {
   ++gRecorded.count;
   gRecorded.integers = {reinterpret_cast<std::uintptr_t>(array), static_cast<std::uint64_t>(index)};
   return sample<T>(3);
@@ -70,16 +70,21 @@ T answerSample(REALarrayStruct* array, long long index) {
 
 template <typename T, typename Call>
 void checkGet(Call call) {
-  T expected = sample<T>(3);
-  gProcedure = reinterpret_cast<void*>(&answerSample<T>);
-  if constexpr (std::is_integral_v<T>) {  // more bits than the type has
+  if constexpr (std::is_integral_v<T>) {  // more bits than the type has; a Boolean is true when its low byte is not 0
     gProcedure = reinterpret_cast<void*>(&recordCall);
-    gAnswer = 0xA1A2A3A4A5A6A7A8;
-    expected = static_cast<T>(gAnswer);
+    for (const std::uint64_t raw : {0xA1A2A3A4A5A6A7A8ULL, 0x100ULL, 0x1'0000'0002ULL}) {
+      gAnswer = raw;
+      T out = sample<T>(5);
+      call(&out);
+      const bool is_bool = std::is_same_v<T, bool>;
+      EXPECT_EQ(out, is_bool ? static_cast<T>((raw & 0xFF) != 0) : static_cast<T>(raw));
+    }
   }
+  gRecorded.count = 0;
+  gProcedure = reinterpret_cast<void*>(&returnSample<T>);
   T out{};
   call(&out);
-  EXPECT_EQ(out, expected);
+  EXPECT_EQ(out, sample<T>(3));
   EXPECT_EQ(gRecorded.count, 1);
   EXPECT_EQ(gRecorded.integers[0], reinterpret_cast<std::uintptr_t>(kArray));
   EXPECT_EQ(gRecorded.integers[1], static_cast<std::uint64_t>(kIndex));
@@ -98,12 +103,12 @@ Calls set(Call call) {
 }
 template <typename T, typename Call>
 Calls get(Call call) {
-  const auto callInVain = [call] {
+  const auto callWithoutEffect = [call] {
     T out = sample<T>(5);
     call(&out);
-    EXPECT_EQ(out, sample<T>(5)) << "must be left alone";
+    EXPECT_EQ(out, sample<T>(5)) << "must stay as it was";
   };
-  return {callInVain, [call] { checkGet<T>(call); }};
+  return {callWithoutEffect, [call] { checkGet<T>(call); }};
 }
 
 std::vector<ElementMember> makeMembers() {
@@ -135,23 +140,23 @@ void forEachMember(Test test) {
   }
 }
 
-TEST(ElementMembers, DoNothingAndAskAgainOnEveryCallWhileTheHostLacksTheDispatcher) {
+TEST(HostCallElementMembers, LookUpAtEachCallWithoutTheDispatcher) {
   forEachMember([](const ElementMember& member, RecordingHost& host) {
-    member.calls.callInVain();
-    member.calls.callInVain();
+    member.calls.callWithoutEffect();
+    member.calls.callWithoutEffect();
     EXPECT_THAT(host.asked(), ElementsAre(member.entry, member.entry));
   });
 }
 
-TEST(ElementMembers, DoNothingWhenTheDispatcherHasNoProcedureForTheArray) {
+TEST(HostCallElementMembers, DoNothingWithoutAProcedureForTheArray) {
   forEachMember([](const ElementMember& member, RecordingHost& host) {
     host.offer(member.entry, &dispatch);
-    member.calls.callInVain();
+    member.calls.callWithoutEffect();
     EXPECT_THAT(gDispatched, ElementsAre(kArray));
   });
 }
 
-TEST(ElementMembers, CallTheProcedureWithTheValueAtItsWidthAndInThePlaceThatTheOperationWants) {
+TEST(HostCallElementMembers, PassTheValueAtItsWidthAndPlace) {
   forEachMember([](const ElementMember& member, RecordingHost& host) {
     host.offer(member.entry, &dispatch);
     for (int call = 0; call < 2; ++call) {
@@ -161,11 +166,11 @@ TEST(ElementMembers, CallTheProcedureWithTheValueAtItsWidthAndInThePlaceThatTheO
   });
 }
 
-TEST(ElementMembers, AskForTheDispatcherOnceAndForTheProcedureAtEveryCall) {
+TEST(HostCallElementMembers, LookUpTheDispatcherOnceAndTheProcedureAtEachCall) {
   forEachMember([](const ElementMember& member, RecordingHost& host) {
     host.offer(member.entry, &dispatch);
     for (int call = 0; call < 3; ++call) {
-      member.calls.callInVain();
+      member.calls.callWithoutEffect();
     }
     EXPECT_THAT(host.asked(), ElementsAre(member.entry));
     EXPECT_THAT(gDispatched, ElementsAre(kArray, kArray, kArray));

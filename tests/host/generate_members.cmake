@@ -1,14 +1,16 @@
-# cmake -DMEMBERS=members.txt -DOUTPUT=members.inc -P generate_members.cmake
+# cmake -DMEMBERS=members.txt -DHEADERS=host-folder -DOUTPUT=members.inc -P generate_members.cmake
 #
-# Turns every line of the list of members into one line of C++ for members_test.cpp:
+# Turns every line of the list of members into one line of C++ for the tests:
 #   MEMBER(group, member, "entry", result, missing value, arguments...)
 #   ELEMENT(group, member, "entry", operation, type)
 #   SPECIAL(group, member)
-# A line that does not have the list's form stops the build.
+# The build stops at a line of another form, and when the tables in the headers have a member that the list lacks. (The
+# tests do not compile when the list has a member that the tables lack.)
 cmake_minimum_required(VERSION 3.25)
 
 file(STRINGS ${MEMBERS} lines REGEX "^[^#]")
 set(group "")
+set(members "")
 set(content "// Made from members.txt.\n")
 foreach(line IN LISTS lines)
   if(line MATCHES "^group ([A-Za-z]+)$")
@@ -19,6 +21,7 @@ foreach(line IN LISTS lines)
     message(FATAL_ERROR "${MEMBERS}: not a line of the list: ${line}")
   endif()
   set(member ${CMAKE_MATCH_1})
+  list(APPEND members ${member})
   set(entry ${CMAKE_MATCH_2})
   string(STRIP "${CMAKE_MATCH_3}" arguments)
   set(result ${CMAKE_MATCH_4})
@@ -41,5 +44,19 @@ foreach(line IN LISTS lines)
     endif()
     string(APPEND content "MEMBER(${group}, ${member}, \"${entry}\", ${result}, ${missing}${arguments})\n")
   endif()
+endforeach()
+
+list(APPEND members REALGetStringContentsLength)  # the second slot of a member
+file(GLOB headers ${HEADERS}/*.h)
+list(REMOVE_ITEM headers ${HEADERS}/table.h)
+foreach(header IN LISTS headers)
+  file(STRINGS ${header} lines REGEX "^HOST_")
+  foreach(line IN LISTS lines)
+    if(NOT line MATCHES "^HOST_[A-Z_]+ *\\(([A-Za-z0-9]+),")
+      message(FATAL_ERROR "${header}: not a line of a table: ${line}")
+    elseif(NOT CMAKE_MATCH_1 IN_LIST members)
+      message(FATAL_ERROR "${MEMBERS} lacks ${CMAKE_MATCH_1}")
+    endif()
+  endforeach()
 endforeach()
 file(WRITE ${OUTPUT} "${content}")

@@ -1,5 +1,5 @@
-// Every member of the host-call family, as members.txt lists it: what it asks the host for and when, what it passes,
-// and what it makes of the answer.
+// Every member of the host-call family, as members.txt lists it: which entry it looks up and when, what it passes, and
+// how it narrows the result. Element members have tests of their own.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <functional>
 #include <map>
+#include <set>
 #include <string>
 #include <type_traits>
 #include <utility>
@@ -20,6 +21,7 @@ namespace {
 
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
+using ::testing::UnorderedElementsAre;
 
 bool gOwnByte = false;
 
@@ -36,7 +38,7 @@ auto argument(int position) {
 
 enum class Result { none, word, low32, float64, anybit, lowbyte, byte };
 
-/// What a member answered.
+/// What a member returned.
 struct Answer {
   std::uint64_t bits = 0;  ///< The value, or the representation of a floating-point number.
   std::size_t size = 0;    ///< Of the member's result type; 0 for none.
@@ -133,7 +135,7 @@ const std::vector<Member>& allMembers() {
 
 // --- The tests, a group at a time
 
-class MembersOf : public ::testing::TestWithParam<const char*> {
+class HostCallMembers : public ::testing::TestWithParam<const char*> {
  protected:
   /// Calls `test` with each member of the group, in its state before its first call, and a host that offers nothing.
   template <typename Test>
@@ -182,7 +184,7 @@ std::uint64_t narrowed(Result result, std::uint64_t raw) {
 
 double answerAsDouble() { return std::bit_cast<double>(gAnswer); }
 
-TEST_P(MembersOf, TheGroupAskAgainOnEveryCallAndFallBackWhileTheHostLacksTheEntry) {
+TEST_P(HostCallMembers, FallBackAndLookUpAtEachCallWithoutTheEntry) {
   forEach([](const Member& member, RecordingHost& host) {
     for (int call = 0; call < 3; ++call) {
       expectAnswer(member, member.call(), member.missing);
@@ -192,7 +194,7 @@ TEST_P(MembersOf, TheGroupAskAgainOnEveryCallAndFallBackWhileTheHostLacksTheEntr
   });
 }
 
-TEST_P(MembersOf, TheGroupAskOnceWhenTheHostHasTheEntry) {
+TEST_P(HostCallMembers, LookUpOnceWithTheEntry) {
   forEach([](const Member& member, RecordingHost& host) {
     host.offer(member.entry, &recordCall);
     for (int call = 1; call <= 3; ++call) {
@@ -206,7 +208,7 @@ TEST_P(MembersOf, TheGroupAskOnceWhenTheHostHasTheEntry) {
   });
 }
 
-TEST_P(MembersOf, TheGroupFindAnEntryThatTheHostHadNotAtFirst) {
+TEST_P(HostCallMembers, FindAnEntryThatAppearsLater) {
   forEach([](const Member& member, RecordingHost& host) {
     member.call();
     host.offer(member.entry, &recordCall);
@@ -226,7 +228,7 @@ void expectRegister(std::uint64_t found, const Expected& expected) {
   }
 }
 
-TEST_P(MembersOf, TheGroupPassTheirArgumentsInOrderAndAtTheirWidth) {
+TEST_P(HostCallMembers, PassArgumentsInOrderAndAtTheirWidth) {
   forEach([](const Member& member, RecordingHost& host) {
     host.offer(member.entry, &recordCall);
     for (int call = 0; call < 2; ++call) {  // the call that finds the entry, and one after it
@@ -244,7 +246,7 @@ TEST_P(MembersOf, TheGroupPassTheirArgumentsInOrderAndAtTheirWidth) {
   });
 }
 
-TEST_P(MembersOf, TheGroupNarrowTheAnswerByTheirRule) {
+TEST_P(HostCallMembers, NarrowTheResultByTheirRule) {
   forEach([](const Member& member, RecordingHost& host) {
     if (member.result == Result::float64) {
       host.offer(member.entry, &answerAsDouble);
@@ -252,20 +254,79 @@ TEST_P(MembersOf, TheGroupNarrowTheAnswerByTheirRule) {
       host.offer(member.entry, &recordCall);
     }
     for (const std::uint64_t raw : {0ULL, 0x100ULL, 0x1'0000'0000ULL, 0x02ULL, ~0ULL}) {
-      SCOPED_TRACE("the host answers " + std::to_string(raw));
+      SCOPED_TRACE("the host returns " + std::to_string(raw));
       gAnswer = raw;
       expectAnswer(member, member.call(), narrowed(member.result, raw));
     }
   });
 }
 
-INSTANTIATE_TEST_SUITE_P(Host, MembersOf,
+INSTANTIATE_TEST_SUITE_P(All, HostCallMembers,
                          ::testing::Values("Strings", "Text", "Objects", "PropertyGetters", "PropertySetters",
                                            "Variants", "Arrays", "Pictures", "Graphics", "Controls", "Databases",
                                            "Sockets", "AppleEvents", "Files", "Registration", "Runtime"),
                          [](const auto& info) { return std::string(info.param); });
 
-TEST(Members, AskForTheirEntryEvenWhenAnotherMemberHasFoundIt) {
+// --- the family as a whole
+
+TEST(HostCallFamily, HasEveryMemberOfEachGroupOnce) {
+  const std::vector<std::pair<std::string, std::string>> members = {
+#define MEMBER(group, member, ...) {#group, #member},
+#define ELEMENT MEMBER
+#define SPECIAL MEMBER
+#include "members.inc"
+#undef SPECIAL
+#undef ELEMENT
+#undef MEMBER
+  };
+  std::map<std::string, int> counts;
+  std::set<std::string> names;
+  for (const auto& [group, name] : members) {
+    ++counts[group];
+    EXPECT_TRUE(names.insert(name).second) << name;
+  }
+  const std::map<std::string, int> expected = {
+      {"Strings", 21},         {"Text", 11},     {"Objects", 17},      {"PropertyGetters", 20},
+      {"PropertySetters", 22}, {"Variants", 19}, {"Arrays", 6 + 54},   {"Pictures", 12},
+      {"Graphics", 15},        {"Controls", 19}, {"Databases", 21},    {"Sockets", 12},
+      {"AppleEvents", 5},      {"Files", 8},     {"Registration", 10}, {"Runtime", 4}};
+  EXPECT_EQ(counts, expected);
+}
+
+/// The slots of all members; calls_test.cpp tests the special ones.
+std::vector<void**> allSlots() {
+  return {
+#define MEMBER(group, member, ...) &host::slots::member::address,
+#define ELEMENT MEMBER
+#define SPECIAL(...)
+#include "members.inc"
+#undef SPECIAL
+#undef ELEMENT
+#undef MEMBER
+      &host::slots::REALGetStringContents::address,
+      &host::slots::REALGetStringContentsLength::address,
+      &host::slots::REALStringLength::address,
+      &host::slots::REALLoadFrameworkMethod::address,
+  };
+}
+
+/// Seen before any test calls the host.
+const bool kStartedEmpty = [] {
+  bool empty = gResolver == nullptr;
+  for (void** const slot : allSlots()) {
+    empty = empty && *slot == nullptr;
+  }
+  return empty;
+}();
+
+TEST(HostCallFamily, StartsWithoutAResolverAndWithEmptySlots) { EXPECT_TRUE(kStartedEmpty); }
+
+TEST(HostCallFamily, KeepsEachEntryInASlotOfItsOwn) {
+  const std::vector<void**> slots = allSlots();
+  EXPECT_EQ(std::set<void**>(slots.begin(), slots.end()).size(), slots.size());
+}
+
+TEST(HostCallFamily, LooksUpTheEntryOfEachMemberSeparately) {
   RecordingHost host;
   for (const Member& member : allMembers()) {
     host.offer(member.entry, &recordCall);

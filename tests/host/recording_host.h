@@ -1,5 +1,5 @@
-// A host for tests of single host calls: it answers the resolver from a table, remembers what it was asked, and has one
-// entry that records every argument register and answers whatever the test wants.
+// A host for tests of single host calls: a resolver over a table that records the names it is asked for, and one entry
+// that records every argument register and returns what the test sets.
 #pragma once
 
 #include <array>
@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "host/resolver.h"
+#include "host/call.h"
 
 /// The host while it lives: its resolver is gResolver. One at a time.
 class RecordingHost {
@@ -45,7 +45,7 @@ struct RecordedCall {
   std::array<double, 8> floats{};
 };
 extern RecordedCall gRecorded;
-/// What recordCall() answers, all 64 bits.
+/// What recordCall() returns, all 64 bits.
 extern std::uint64_t gAnswer;
 
 /// An entry that can be called with any mix of arguments: integers and floating-point numbers travel in registers of

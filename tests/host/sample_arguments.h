@@ -10,7 +10,6 @@
 #include <type_traits>
 #include <vector>
 
-#include "host/handles.h"
 #include "host/records.h"
 
 /// The types by their names in members.txt.

@@ -9,18 +9,17 @@
 
 #include "host/host_calls.h"
 
-// --- A host whose entries do as little as possible. Each pointer to an entry is a variable that anybody might change,
-// as
-// --- far as the compiler knows: so are the slots.
+// --- A host whose entries do as little as possible. The pointers to entries are not constant to the compiler, as the
+// slots are not.
 
 extern "C" {
 
 std::uint64_t gHostAnswer = 1;
 double gHostDouble = 1.5;
 
-void* gEntryFour = nullptr;     ///< Takes up to four integers or pointers and whatever else, answers gHostAnswer.
-void* gEntryDouble = nullptr;   ///< Answers gHostDouble.
-void* gEntryElement = nullptr;  ///< Answers gEntryFour.
+void* gEntryFour = nullptr;     ///< Takes up to four integers or pointers, returns gHostAnswer.
+void* gEntryDouble = nullptr;   ///< Returns gHostDouble.
+void* gEntryElement = nullptr;  ///< Returns gEntryFour.
 
 __attribute__((noinline)) std::uint64_t entryFour(std::uint64_t, std::uint64_t, std::uint64_t, std::uint64_t) {
   return gHostAnswer;
@@ -46,7 +45,7 @@ void* resolve(const char* name) {
     return gEntryElement;
   }
   if (entry == "REALLoadGlobalMethod") {
-    return reinterpret_cast<void*>(&entryElement);  // answers gEntryFour as the method
+    return reinterpret_cast<void*>(&entryElement);  // returns gEntryFour as the method
   }
   return gEntryFour;
 }
