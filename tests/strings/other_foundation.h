@@ -1,9 +1,10 @@
-// Foundation as it is elsewhere: an older one, or one without lists, changed for the whole process while an object
-// lives; and strings that others may hand over.
+// Another Foundation: an older one, or one without lists, for the whole process while an object lives; and strings that
+// Foundation does not make.
 #pragma once
 
 #include <CoreFoundation/CoreFoundation.h>
 
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -13,17 +14,23 @@ namespace other_foundation {
 /// be.
 CFStringRef partOf(std::u16string_view units, std::size_t begin, std::size_t count);
 
-/// What a string was asked for: its characters in an encoding, with losses or without.
-struct AskedForData {
+/// A request for a string's characters in an encoding.
+struct DataRequest {
   unsigned long encoding;
   bool lossy;
-  friend bool operator==(const AskedForData&, const AskedForData&) = default;
+  friend bool operator==(const DataRequest&, const DataRequest&) = default;
 };
 
-/// A string, in the current autorelease pool, that only takes note of what it is asked for and has no data.
-CFStringRef stringThatNotes(std::vector<AskedForData>& asked);
+/// What a noting string has received.
+struct Notes {
+  std::vector<DataRequest> data;
+  std::vector<std::string> searches;  ///< the selectors
+};
 
-/// NSProcessInfo cannot be asked whether the system is of a version at least.
+/// A string, in the current autorelease pool, that records requests, has no data and contains nothing.
+CFStringRef notingString(Notes& notes);
+
+/// NSProcessInfo lacks isOperatingSystemAtLeastVersion:.
 class WithoutVersionQuestion {
  public:
   WithoutVersionQuestion();
@@ -32,7 +39,7 @@ class WithoutVersionQuestion {
   WithoutVersionQuestion& operator=(const WithoutVersionQuestion&) = delete;
 };
 
-/// NSLocale knows no country and no language.
+/// NSLocale has no country and no language codes.
 class WithoutCodes {
  public:
   WithoutCodes();

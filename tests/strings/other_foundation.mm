@@ -4,17 +4,17 @@
 #include <objc/runtime.h>
 
 @interface NotingString : NSString {
-  std::vector<other_foundation::AskedForData>* _asked;
+  other_foundation::Notes* _notes;
 }
-- (instancetype)initWithNotes:(std::vector<other_foundation::AskedForData>&)asked;
+- (instancetype)initWithNotes:(other_foundation::Notes&)notes;
 @end
 
 @implementation NotingString
 
-- (instancetype)initWithNotes:(std::vector<other_foundation::AskedForData>&)asked {
+- (instancetype)initWithNotes:(other_foundation::Notes&)notes {
   self = [super init];
   if (self != nil) {
-    _asked = &asked;
+    _notes = &notes;
   }
   return self;
 }
@@ -28,8 +28,18 @@
 }
 
 - (NSData*)dataUsingEncoding:(NSStringEncoding)encoding allowLossyConversion:(BOOL)lossy {
-  _asked->push_back({encoding, lossy != NO});
+  _notes->data.push_back({encoding, lossy != NO});
   return nil;
+}
+
+- (BOOL)containsString:(NSString*)part {
+  _notes->searches.emplace_back("containsString:");
+  return NO;
+}
+
+- (NSRange)rangeOfString:(NSString*)part {
+  _notes->searches.emplace_back("rangeOfString:");
+  return NSMakeRange(NSNotFound, 0);
 }
 
 @end
@@ -37,10 +47,10 @@
 namespace other_foundation {
 namespace {
 
-BOOL answerNo(id /*self*/, SEL /*selector*/, SEL /*asked*/) { return NO; }
-id answerEmptyList(id /*self*/, SEL /*selector*/) { return [NSArray array]; }
+BOOL returnNo(id /*self*/, SEL /*selector*/, SEL /*asked*/) { return NO; }
+id returnEmptyList(id /*self*/, SEL /*selector*/) { return [NSArray array]; }
 
-void answerRespondsWith(IMP implementation) {
+void replaceRespondsWith(IMP implementation) {
   Method inherited = class_getClassMethod([NSObject class], @selector(instancesRespondToSelector:));
   class_replaceMethod(object_getClass([NSProcessInfo class]), @selector(instancesRespondToSelector:),
                       implementation != nullptr ? implementation : method_getImplementation(inherited),
@@ -58,18 +68,16 @@ CFStringRef partOf(std::u16string_view units, std::size_t begin, std::size_t cou
   return (CFStringRef)[whole substringWithRange:NSMakeRange(begin, count)];
 }
 
-CFStringRef stringThatNotes(std::vector<AskedForData>& asked) {
-  return (CFStringRef)[[[NotingString alloc] initWithNotes:asked] autorelease];
-}
+CFStringRef notingString(Notes& notes) { return (CFStringRef)[[[NotingString alloc] initWithNotes:notes] autorelease]; }
 
-WithoutVersionQuestion::WithoutVersionQuestion() { answerRespondsWith(reinterpret_cast<IMP>(answerNo)); }
-WithoutVersionQuestion::~WithoutVersionQuestion() { answerRespondsWith(nullptr); }
+WithoutVersionQuestion::WithoutVersionQuestion() { replaceRespondsWith(reinterpret_cast<IMP>(returnNo)); }
+WithoutVersionQuestion::~WithoutVersionQuestion() { replaceRespondsWith(nullptr); }
 
 WithoutCodes::WithoutCodes()
     : countries_(reinterpret_cast<void (*)()>(
-          method_setImplementation(countryCodes(), reinterpret_cast<IMP>(answerEmptyList)))),
+          method_setImplementation(countryCodes(), reinterpret_cast<IMP>(returnEmptyList)))),
       languages_(reinterpret_cast<void (*)()>(
-          method_setImplementation(languageCodes(), reinterpret_cast<IMP>(answerEmptyList)))) {}
+          method_setImplementation(languageCodes(), reinterpret_cast<IMP>(returnEmptyList)))) {}
 
 WithoutCodes::~WithoutCodes() {
   method_setImplementation(countryCodes(), reinterpret_cast<IMP>(countries_));

@@ -134,12 +134,12 @@ TEST_F(Strings, BecomeMacRomanWithLosses) {
 }
 
 TEST_F(Strings, AreAskedForUtf16WithoutLossesAndForAsciiAndMacRomanWithThem) {
-  std::vector<other_foundation::AskedForData> asked;
-  const CFStringRef string = other_foundation::stringThatNotes(asked);
+  other_foundation::Notes notes;
+  const CFStringRef string = other_foundation::notingString(notes);
   EXPECT_EQ(StringServices::CFStringRefToUTF16BE(string), nullptr);
   EXPECT_EQ(StringServices::CFStringRefToASCII(string), nullptr);
   EXPECT_EQ(StringServices::CFStringRefToMac(string), nullptr);
-  EXPECT_TRUE((asked == std::vector<other_foundation::AskedForData>{{0x90000100, false}, {1, true}, {30, true}}));
+  EXPECT_TRUE((notes.data == std::vector<other_foundation::DataRequest>{{0x90000100, false}, {1, true}, {30, true}}));
 }
 
 TEST_F(Strings, ThatAreNullBecomeNoData) {
@@ -189,10 +189,26 @@ TEST_P(Contains, IsFalseForNull) {
   EXPECT_FALSE(contains(nullptr, nullptr));
 }
 
-TEST_F(Strings, AreSearchedTheOldWayOnASystemThatCannotBeAskedForItsVersion) {
+/// The selector by which a text is searched.
+std::string searchSelector() {
+  other_foundation::Notes notes;
+  EXPECT_FALSE(StringServices::CFStringRefContains(other_foundation::notingString(notes), string("part")));
+  return notes.searches.size() == 1 ? notes.searches.front() : "";
+}
+
+TEST_F(Strings, CFStringRefContainsSendsContainsStringFrom10_10On) {
+  for (const auto& [version, selector] : {std::pair(platform::SystemVersion{10, 9, 5}, "rangeOfString:"),
+                                          {{10, 10, 0}, "containsString:"},
+                                          {{10, 11, 0}, "containsString:"},
+                                          {{11, 0, 0}, "containsString:"}}) {
+    platform::setSystemVersion(version);
+    EXPECT_EQ(searchSelector(), selector) << version.major << '.' << version.minor;
+  }
+}
+
+TEST_F(Strings, CFStringRefContainsSendsRangeOfStringOnASystemWithoutVersionQueries) {
   const other_foundation::WithoutVersionQuestion older;
-  EXPECT_TRUE(StringServices::CFStringRefContains(string("abc"), string("b")));
-  EXPECT_FALSE(StringServices::CFStringRefContains(string("abc"), string("d")));
+  EXPECT_EQ(searchSelector(), "rangeOfString:");
 }
 
 TEST_F(Strings, AreNullForTheFirstOfNoCodes) {
