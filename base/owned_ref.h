@@ -27,13 +27,6 @@ class OwnedRef {
 
   /// Takes over the reference that a function named Create or Copy returned; null owns nothing.
   static OwnedRef adopt(Ref ref) { return OwnedRef(ref); }
-  /// Takes a reference of its own on a borrowed object; null owns nothing.
-  static OwnedRef retain(Ref ref) {
-    if (ref != nullptr) {
-      CFRetain(ref);
-    }
-    return OwnedRef(ref);
-  }
 
   /// Borrowed; valid while this lives.
   Ref get() const { return ref_; }

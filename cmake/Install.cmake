@@ -15,17 +15,15 @@ set(OSTREVIN_INSTALL_CMAKEDIR ${CMAKE_INSTALL_LIBDIR}/cmake/Ostrevin)
 
 # The facade, and the services below it.
 set(OSTREVIN_PUBLIC_HEADERS
-  base/export.h
+  base/interface.h
   base/owned_ref.h
   plugin/display.h
-  plugin/result_codes.h
   display/device_iterator.h
   display/display_services.h
   display/monitors_set.h
   display/screens.h
   profile/profile_iterator.h
   profile/profile_services.h
-  profile/result_codes.h
   strings/string_services.h
   strings/utils.h)
 

@@ -1,18 +1,19 @@
 #include "display/device_iterator.h"
 
+#include <IOKit/graphics/IOGraphicsLib.h>
 #include <dispatch/dispatch.h>
 
 #include <chrono>
+#include <cstdint>
 #include <future>
 #include <iterator>
 #include <memory>
+#include <optional>
 #include <utility>
 
 #include "base/checked_value.h"
-#include "display/answer_wait.h"
-#include "display/display_services.h"
-#include "display/kept.h"
-#include "display/unknown_name.h"
+#include "base/device_entry.h"
+#include "display/internal.h"
 
 namespace DisplayServices {
 
@@ -27,7 +28,8 @@ internal::AnswerWait internal::answer_wait = [](const std::future<bool>& answer,
 
 namespace {
 
-using internal::kept;
+using internal::IoObject;
+using internal::leakOnPurpose;
 using internal::unknownName;
 
 constexpr std::chrono::seconds kProfileLimit{2};
@@ -37,9 +39,8 @@ CFStringRef recordUuidKey() { return CFSTR("UUID"); }
 CFStringRef recordNameKey() { return CFSTR("Name"); }
 CFStringRef recordUrlKey() { return CFSTR("URL"); }
 
-// --- the shared variables: plain and unlocked, used by a query and by walks that outlived theirs at the same time.
-// Each access is atomic where another thread may be at it, so that whoever reads a reference finds the whole object
-// behind it.
+// --- the shared variables: plain and unlocked, used at the same time by a query and by walks that outlived theirs.
+// Accesses that may race are atomic, so that a reader of a reference finds the whole object behind it.
 
 template <typename Ref>
 Ref load(const Ref& variable) {
@@ -53,7 +54,7 @@ void store(Ref& variable, Ref value) {
 
 // --- the list of device records
 
-/// Null while there is no list, which is always.
+/// Always null; see devices_info.
 CFDictionaryRef findRecord(CFStringRef uuid) {
   if (device_iterator::devices_info == nullptr) {
     return nullptr;
@@ -67,7 +68,7 @@ CFDictionaryRef findRecord(CFStringRef uuid) {
   return nullptr;
 }
 
-/// Discards the record while there is no list, which is always.
+/// Always discards the record; see devices_info.
 void appendRecord(CFStringRef uuid, CFStringRef name, CFURLRef url) {
   if (device_iterator::devices_info == nullptr) {
     return;
@@ -84,13 +85,13 @@ void appendRecord(CFStringRef uuid, CFStringRef name, CFURLRef url) {
 
 // --- a query
 
-/// Makes the display with this UUID the one that is sought. False, and nothing changes, when there is no UUID text.
+/// Makes the display with this UUID the sought one. False, and nothing changes, when there is no UUID text.
 bool seek(CFUUIDRef uuid) {
-  if (checkedCast<CFUUIDRef>(uuid, CFUUIDGetTypeID()) == nullptr) {
+  if (uuid == nullptr) {
     return false;
   }
   // Kept for the life of the process, like every one before it: a walk that outlived its query compares against it.
-  const auto text = checkedCast<CFStringRef>(kept(CFUUIDCreateString(kCFAllocatorDefault, uuid)), CFStringGetTypeID());
+  const CFStringRef text = leakOnPurpose(CFUUIDCreateString(kCFAllocatorDefault, uuid));
   if (text == nullptr) {
     return false;
   }
@@ -98,13 +99,12 @@ bool seek(CFUUIDRef uuid) {
   return true;
 }
 
-/// Walks ColorSync's devices on a queue of its own; true when the walk met the sought display within the limit. The
-/// promise belongs to this function and to the block together: a walk that goes on after the limit fulfils a promise
-/// that is still there, and that nobody waits on.
+/// Walks ColorSync's devices on a queue of its own; true when the walk met the sought display within the limit. This
+/// function and the block share the promise: a walk that goes on after the limit fulfils one that still exists.
 bool walkMatches(std::chrono::seconds limit) {
   const auto promise = std::make_shared<std::promise<bool>>();
   const std::future<bool> answer = promise->get_future();
-  // Kept for the life of the process: deliberately a queue per query, so that a walk that hangs holds up no later one.
+  // Kept for the life of the process: deliberately a queue per query, so that a hung walk holds up no later one.
   auto* const queue = dispatch_queue_create("SERIAL_QUEUE", nullptr);
   if (queue == nullptr) {
     return false;
@@ -117,30 +117,7 @@ bool walkMatches(std::chrono::seconds limit) {
 
 // --- the callback
 
-/// What the callback reads from one entry; each value null when it is missing or of another type.
-struct Entry {
-  explicit Entry(CFDictionaryRef entry)
-      : device_class(checkedValue<CFStringRef>(entry, kColorSyncDeviceClass, CFStringGetTypeID())),
-        device_id(checkedValue<CFUUIDRef>(entry, kColorSyncDeviceID, CFUUIDGetTypeID())),
-        description(checkedValue<CFStringRef>(entry, kColorSyncDeviceDescription, CFStringGetTypeID())),
-        is_default(checkedValue<CFBooleanRef>(entry, kColorSyncDeviceProfileIsDefault, CFBooleanGetTypeID())),
-        is_current(checkedValue<CFBooleanRef>(entry, kColorSyncDeviceProfileIsCurrent, CFBooleanGetTypeID())),
-        url(checkedValue<CFURLRef>(entry, kColorSyncDeviceProfileURL, CFURLGetTypeID())) {}
-
-  bool isComplete() const {
-    return device_class != nullptr && device_id != nullptr && description != nullptr && is_default != nullptr &&
-           is_current != nullptr && url != nullptr;
-  }
-
-  CFStringRef device_class;
-  CFUUIDRef device_id;
-  CFStringRef description;
-  CFBooleanRef is_default;
-  CFBooleanRef is_current;
-  CFURLRef url;
-};
-
-/// A ColorSync that goes on with a walk that was told to end meets a promise that is fulfilled already.
+/// The promise is fulfilled already when ColorSync goes on with a walk that was told to end.
 void fulfil(std::promise<bool>* promise) {
   if (promise == nullptr) {
     return;
@@ -151,48 +128,77 @@ void fulfil(std::promise<bool>* promise) {
   }
 }
 
+// --- IOKit
+
+/// A number of the information dictionary, cut to 32 bits; nothing when it is missing, of another type or unreadable.
+std::optional<std::int32_t> numberOf(CFDictionaryRef info, CFStringRef key) {
+  const void* value = nullptr;
+  if (!CFDictionaryGetValueIfPresent(info, key, &value)) {
+    return std::nullopt;
+  }
+  const auto number = checkedCast<CFNumberRef>(value, CFNumberGetTypeID());
+  if (number == nullptr) {
+    return std::nullopt;
+  }
+  std::int32_t result = 0;
+  if (CFNumberGetValue(number, kCFNumberSInt32Type, &result)) {
+    return result;
+  }
+  std::int64_t wide = 0;  // 32 bits without a sign, such as a serial number of 0xFFFFFFFF
+  if (CFNumberGetValue(number, kCFNumberSInt64Type, &wide)) {
+    return static_cast<std::int32_t>(wide);
+  }
+  return std::nullopt;
+}
+
+bool describes(CFDictionaryRef info, CGDirectDisplayID displayID) {
+  const auto vendor = numberOf(info, CFSTR(kDisplayVendorID));
+  const auto product = numberOf(info, CFSTR(kDisplayProductID));
+  if (!vendor || !product) {
+    return false;
+  }
+  const std::int32_t serial = numberOf(info, CFSTR(kDisplaySerialNumber)).value_or(0);
+  return CGDisplayVendorNumber(displayID) == static_cast<std::uint32_t>(*vendor) &&
+         CGDisplayModelNumber(displayID) == static_cast<std::uint32_t>(*product) &&
+         CGDisplaySerialNumber(displayID) == static_cast<std::uint32_t>(serial);
+}
+
+/// Bounds the walk over services: the host is waiting, and an iterator might never end.
+constexpr int kMostServices = 10'000;
+
 }  // namespace
 
 bool device_iterator::deviceListIterator(CFDictionaryRef entry, void* userInfo) {
-  if (checkedCast<CFDictionaryRef>(entry, CFDictionaryGetTypeID()) == nullptr) {
-    return true;
-  }
   const CFStringRef sought = load(inUUIDstr);
-  const Entry values(entry);
-  if (sought == nullptr || !values.isComplete()) {
+  if (entry == nullptr || sought == nullptr) {
     return true;
   }
-  const auto device = OwnedRef<CFStringRef>::adopt(CFUUIDCreateString(kCFAllocatorDefault, values.device_id));
-  if (!device) {
+  const DeviceEntry values(entry, sought);
+  if (!values.is_complete || !values.uuid) {
     return true;
   }
-  const bool is_sought = CFEqual(sought, device.get());
-  const bool is_display = CFEqual(values.device_class, kColorSyncDisplayDeviceClass);
-  const bool is_default = CFEqual(values.is_default, kCFBooleanTrue);
-  const bool is_current = CFEqual(values.is_current, kCFBooleanTrue);
-  if (is_display) {
-    appendRecord(device.get(), values.description, values.url);
+  if (values.is_display) {
+    appendRecord(values.uuid.get(), values.description, values.url);
   }
   // Deliberately strict: a default profile that is not current, or a current one that is not default, never matches.
-  if (!is_sought || !is_display || !is_default || !is_current) {
+  if (!values.is_sought || !values.is_display || !values.is_default || !values.is_current) {
     return true;
   }
-  // The query whose display this is may have given up while its entry was looked at; the variables belong to the next
-  // one. Between this look and the two stores a next query may still begin: that it would read what is stored here, of
-  // the display before, is accepted.
+  // The query may have given up meanwhile; the variables then belong to the next one. A query that begins between this
+  // test and the two stores would read the previous display's values, which is accepted.
   if (load(inUUIDstr) != sought) {
     return true;
   }
   // Both references are kept for the life of the process: results are borrowed from the static variables.
-  store(profile_path, kept(static_cast<CFURLRef>(CFRetain(values.url))));
-  store(device_name, kept(static_cast<CFStringRef>(CFRetain(values.description))));
+  store(profile_path, leakOnPurpose(static_cast<CFURLRef>(CFRetain(values.url))));
+  store(device_name, leakOnPurpose(static_cast<CFStringRef>(CFRetain(values.description))));
   fulfil(static_cast<std::promise<bool>*>(userInfo));
   return false;
 }
 
 CFURLRef device_iterator::profileForCGDirectDisplayID(CGDirectDisplayID displayID) {
   // The UUID is deliberately not released.
-  if (!seek(kept(CGDisplayCreateUUIDFromDisplayID(displayID)))) {
+  if (!seek(leakOnPurpose(CGDisplayCreateUUIDFromDisplayID(displayID)))) {
     return nullptr;
   }
   if (const CFDictionaryRef record = findRecord(inUUIDstr)) {
@@ -219,6 +225,32 @@ CFStringRef displayNameUsingColorSync(CFUUIDRef uuid) {
     return name != nullptr ? name : unknownName();
   }
   return walkMatches(kNameLimit) ? load(device_iterator::device_name) : unknownName();
+}
+
+io_service_t device_iterator::IOServicePortFromCGDisplayID(CGDirectDisplayID displayID) {
+  auto matching = OwnedRef<CFMutableDictionaryRef>::adopt(IOServiceMatching("IODisplayConnect"));
+  io_iterator_t existing = 0;
+  // The call consumes the matching dictionary.
+  if (!matching || IOServiceGetMatchingServices(kIOMasterPortDefault, matching.release(), &existing) != KERN_SUCCESS) {
+    return 0;
+  }
+  const IoObject services = IoObject::adopt(existing);
+  if (!services) {
+    return 0;
+  }
+  for (int i = 0; i < kMostServices; ++i) {
+    const io_service_t service = IOIteratorNext(services.get());
+    if (service == 0) {
+      return 0;
+    }
+    const auto info =
+        OwnedRef<CFDictionaryRef>::adopt(IODisplayCreateInfoDictionary(service, kIODisplayOnlyPreferredName));
+    if (info && describes(info.get(), displayID)) {
+      return service;
+    }
+    // A service that does not match is deliberately not released.
+  }
+  return 0;
 }
 
 }  // namespace DisplayServices

@@ -1,7 +1,7 @@
-// Questions to ColorSync and IOKit that are answered by walking their devices.
+// Queries that walk the devices of ColorSync and IOKit.
 //
-// A ColorSync walk runs on a worker thread, and may go on after the query that began it has given up. It meets later
-// queries only in the four static variables below, which are deliberately plain and unlocked; what they point to is
+// A ColorSync walk runs on a worker thread, and may go on after the query that began it has given up. It shares with
+// later queries only the four static variables below, which are deliberately plain and unlocked; what they point to is
 // never released.
 #pragma once
 
@@ -12,7 +12,7 @@
 
 #include <vector>
 
-#include "base/export.h"
+#include "base/interface.h"
 #include "base/owned_ref.h"
 
 namespace DisplayServices {
@@ -24,9 +24,9 @@ struct device_iterator {
   /// profile).
   using DeviceRecord = OwnedRef<CFDictionaryRef>;
 
-  /// Text of the UUID of the display that is sought; one variable for all walks.
+  /// Text of the sought display's UUID; one variable for all walks.
   static CFStringRef inUUIDstr;
-  /// URL of the profile that matched last; the callback takes a reference of its own.
+  /// URL of the profile that matched last; the callback takes a reference on it.
   static CFURLRef profile_path;
   /// Description of the device that matched last; "Empty" after a profile query that matched nothing.
   static CFStringRef device_name;
@@ -37,8 +37,8 @@ struct device_iterator {
   /// seconds. Not retained for the caller; valid for the life of the process. Host's thread.
   OSTREVIN_API static CFURLRef profileForCGDirectDisplayID(CGDirectDisplayID displayID);
 
-  /// ColorSync's callback: looks at one (device, profile) entry, and answers whether to go on. `userInfo` is the
-  /// query's std::promise<bool>, which a match fulfils. An entry that lacks a value, or has one of another type, is no
+  /// ColorSync's callback for one (device, profile) entry; returns whether to go on. `userInfo` is the query's
+  /// std::promise<bool>, which a match fulfils. An entry that lacks a value, or has one of another type, does not
   /// match. Any thread.
   OSTREVIN_API static bool deviceListIterator(CFDictionaryRef entry, void* userInfo);
 
@@ -47,5 +47,13 @@ struct device_iterator {
   /// Host's thread.
   OSTREVIN_API static io_service_t IOServicePortFromCGDisplayID(CGDirectDisplayID displayID);
 };
+
+/// ColorSync's description of the display with this UUID (not consumed); "UNKNOWN" when no entry matched within 10
+/// seconds, and at once when `uuid` is null or no queue can be made for the walk. Borrowed; never null. Host's thread.
+OSTREVIN_API CFStringRef displayNameUsingColorSync(CFUUIDRef uuid);
+
+/// The file URL of the display's current profile. The caller releases. Null, without a reference, when no entry matched
+/// within 2 seconds, and at once when the display has no UUID or no queue can be made for the walk. Host's thread.
+OSTREVIN_API CFURLRef ProfilePathForDisplay(CGDirectDisplayID displayID);
 
 }  // namespace DisplayServices

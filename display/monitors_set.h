@@ -1,11 +1,11 @@
-// The set of active displays at one moment, by their UUIDs. Host's thread only.
+// The set of active displays at one moment, by their UUIDs, and whether it has changed. Host's thread only.
 #pragma once
 
 #include <CoreFoundation/CoreFoundation.h>
 
 #include <set>
 
-#include "base/export.h"
+#include "base/interface.h"
 
 namespace DisplayServices {
 
@@ -23,5 +23,12 @@ struct monitors_set {
   /// displays the set is left as it was.
   OSTREVIN_API static void buildSet(UuidSet* set);
 };
+
+/// Adds the active displays to monitors_set::initialSet, which is not emptied first.
+OSTREVIN_API void BuildInitialMonitorsSet();
+
+/// True when the active displays differ from monitors_set::initialSet, which then takes them: a change is reported
+/// once. Only which displays are active counts, not where they are or at what resolution.
+OSTREVIN_API bool DisplaysChanged();
 
 }  // namespace DisplayServices

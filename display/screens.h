@@ -5,7 +5,7 @@
 
 #include <CoreGraphics/CoreGraphics.h>
 
-#include "base/export.h"
+#include "base/interface.h"
 
 #ifdef __OBJC__
 @class NSScreen;

@@ -13,7 +13,7 @@
 #include <string>
 #include <tuple>
 
-#include "base/export.h"
+#include "base/interface.h"
 
 namespace Display {
 

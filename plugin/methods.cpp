@@ -1,8 +1,7 @@
-// The module's methods: one wrapper each, and the table that binds each to its declaration.
+// The module: a wrapper for each method, the table that binds it to its declaration, and the library's entry.
 //
-// The host calls a wrapper on its own thread. A wrapper turns host values into native ones, calls the facade, and turns
-// the answer back. Nothing below is meant to throw, and no handler is installed here: the locals clean up, and that is
-// all.
+// The host calls a wrapper on its own thread. A wrapper converts host values to native ones, calls the facade, and
+// converts the result back. Nothing below is meant to throw, and no handler is installed here.
 #include <algorithm>
 #include <cstdint>
 #include <cstring>
@@ -13,12 +12,14 @@
 #include <tuple>
 #include <utility>
 
+#include "base/interface.h"
 #include "host/arrays.h"
 #include "host/call.h"
 #include "host/objects.h"
+#include "host/records.h"
+#include "host/runtime.h"
 #include "host/strings.h"
 #include "plugin/display.h"
-#include "plugin/module.h"
 #include "strings/utils.h"
 
 /// The object whose DisplayProfileFound method the listings call: the last one that the host program set. Borrowed.
@@ -26,14 +27,13 @@ REALobjectStruct* gHostObj = nullptr;
 
 namespace {
 
-/// The declaration by which the host finds the event's method.
+/// The declaration of the event's method.
 constexpr const char* kProfileFound = "DisplayProfileFound( name as String, path as String )";
 
-/// The host's code for arrays of strings, and the upper bound of an empty array.
-constexpr std::uint32_t kStringElements = 3;
+/// The upper bound of an empty array.
 constexpr std::int64_t kEmptyArray = -1;
 
-/// A new host string of UTF-8 bytes, which are not validated. The host counts in an int: a longer text is cut there.
+/// A new host string of UTF-8 bytes, which are not validated. Truncates at INT_MAX, the host's length type.
 REALstringStruct* hostString(const char* bytes, std::size_t length) {
   constexpr std::size_t kLongest = std::numeric_limits<int>::max();
   return REALBuildStringWithEncoding(bytes, static_cast<int>(std::min(length, kLongest)), kHostEncodingUTF8);
@@ -41,8 +41,8 @@ REALstringStruct* hostString(const char* bytes, std::size_t length) {
 
 REALstringStruct* hostString(const std::string& text) { return hostString(text.data(), text.size()); }
 
-/// Stores a new string in a by-reference argument, which owns it from then on. The string that was there is released
-/// only now that the new one exists, and a null one too: what that means is the host's affair.
+/// Stores a new string in a by-reference argument, which then owns it. The old string is released only now that the new
+/// one exists; a null one is passed to the host as it is.
 void store(REALstringStruct** slot, REALstringStruct* string) {
   REALUnlockString(*slot);
   *slot = string;
@@ -63,11 +63,11 @@ const std::string& nameIn(const std::string& name) { return name; }
 const std::string& nameIn(const std::tuple<std::string, bool, bool>& entry) { return std::get<0>(entry); }
 
 /// Calls the object's method once per profile, by path, for the object that is set at that moment: an event may set
-/// another. The strings are deliberately made without such a method too, and then belong to nobody; else they are the
-/// host's. `profiles` is the caller's own copy: the event may call back into the plugin.
+/// another. The host owns the strings; without such a method they are deliberately made all the same, and leak.
+/// `profiles` is the caller's own copy: the event may call back into the plugin.
 template <typename Profiles>
 void raiseProfileFound(const Profiles& profiles) {
-  // Deliberately asked for once, and for a null object too: what the host answers then is the host's affair.
+  // Deliberately loaded once, and from a null object too.
   void* const found = REALLoadObjectMethod(gHostObj, kProfileFound);
   for (const auto& [path, entry] : profiles) {
     REALstringStruct* const name_string = hostString(nameIn(entry));
@@ -82,7 +82,7 @@ void raiseProfileFound(const Profiles& profiles) {
 template <typename Profiles>
 REALarrayStruct* pathsByName(const Profiles& profiles) {
   const auto flipped = Utils::flip_map(profiles);
-  REALarrayStruct* const array = REALCreateArray(kStringElements, kEmptyArray);
+  REALarrayStruct* const array = REALCreateArray(kHostArrayOfStrings, kEmptyArray);
   std::int64_t index = 0;
   for (const auto& [entry, path] : flipped) {
     REALInsertArrayValueString(array, index, hostString(path));
@@ -152,14 +152,14 @@ std::int32_t RB_QV02Read(REALstringStruct* path, REALstringStruct** xmlString) {
 
 }  // namespace
 
-// --- the table: the host's declaration of each method and the function it calls, whose parameters follow it exactly
+// --- the table: the host's declaration of each method and its function, whose parameters follow it exactly
 
 #define METHOD(declaration, function)                                     \
   {                                                                       \
     reinterpret_cast<REALfunction>(&(function)), nullptr, declaration, {} \
   }
 
-// Declarations are parsed by the host and deliberately keep their irregular blanks and capitals.
+// The host parses the declarations, which deliberately keep their irregular blanks and capitals.
 // clang-format off
 REALmethodDefinition DisplayModuleMethods[] = {
     METHOD("SetObject( obj As Object )", RBA_OstrevinSetObject),
@@ -190,3 +190,30 @@ constinit REALmoduleDefinition DisplayModuleDefinition = {
 };
 
 static_assert(std::size(DisplayModuleMethods) == 15);
+
+// --- the exports that are not the facade's
+
+namespace {
+
+/// Registers the module. The host's result is not examined.
+void PluginEntry() { REALRegisterModule(&DisplayModuleDefinition); }
+
+}  // namespace
+
+extern "C" {
+
+/// Called once by the host, on its own thread. Stores the resolver, announces the version of the host's interface, and
+/// then registers the module. A host without "RegisterPluginVersion" is deliberately not supported nor tested for.
+OSTREVIN_API void REALPluginMain(REALresolver resolver) {
+  gResolver = resolver;
+  host::invoke<void>(CallResolver("RegisterPluginVersion"), static_cast<int>(kHostInterfaceVersion));
+  PluginEntry();
+}
+
+// For tools that read the version off the library.
+OSTREVIN_API extern const double OstrevinVersionNumber;
+OSTREVIN_API extern const char OstrevinVersionString[];
+const double OstrevinVersionNumber = 5.4;
+const char OstrevinVersionString[] = "@(#)PROGRAM:Ostrevin  PROJECT:Ostrevin-5.4\n";
+
+}  // extern "C"

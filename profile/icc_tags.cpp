@@ -6,7 +6,6 @@
 #include <utility>
 #include <vector>
 
-#include "base/checked_value.h"
 #include "base/owned_ref.h"
 #include "profile/profile_services.h"
 #include "strings/utils.h"
@@ -24,7 +23,7 @@ OwnedProfile openProfile(CFURLRef url) {
   if (url == nullptr) {
     return {};
   }
-  return checkedAdopt<ColorSyncProfileRef>(ColorSyncProfileCreateWithURL(url, nullptr), ColorSyncProfileGetTypeID());
+  return OwnedProfile::adopt(ColorSyncProfileCreateWithURL(url, nullptr));
 }
 
 /// Owns nothing when there is no such tag.
@@ -32,14 +31,14 @@ OwnedData copyTag(const OwnedProfile& profile, CFStringRef signature) {
   if (!profile || signature == nullptr) {
     return {};
   }
-  return checkedAdopt<CFDataRef>(ColorSyncProfileCopyTag(profile.get(), signature), CFDataGetTypeID());
+  return OwnedData::adopt(ColorSyncProfileCopyTag(profile.get(), signature));
 }
 
-/// How much is copied at a time: little enough to stay in the processor's cache on its way, mostly.
+/// Bytes that are copied at a time; they stay in the processor's cache.
 constexpr std::size_t kPiece = 1 << 20;
 
-/// The document in an element: through a byte vector into the text. Memory is only used for the first time, which costs
-/// more than the copy, where the text itself is. Nothing when the data does not say where its bytes are.
+/// The document in an element, copied through a byte vector in cache-sized pieces, so that the text's memory is faulted
+/// in as it grows. Nothing when the data has no bytes to point to.
 std::optional<std::string> documentIn(CFDataRef element) {
   const CFIndex length = CFDataGetLength(element);
   auto* const bytes = const_cast<unsigned char*>(CFDataGetBytePtr(element));
@@ -73,7 +72,7 @@ std::int32_t QV02Read(CFURLRef profile, std::optional<std::string>& xml) {
     xml.reset();
     return kQVIFailedToReadTag;
   }
-  // Deliberate: the tag is asked for again, and this second copy is the one that counts.
+  // Deliberate: the tag is copied again, and this second copy is used.
   const OwnedData element = copyTag(opened, signature);
   auto document = element ? documentIn(element.get()) : std::nullopt;
   if (!document) {

@@ -1,35 +1,15 @@
 #include "profile/profile_iterator.h"
 
-#include <algorithm>
-#include <optional>
-#include <string>
+#include <cstring>
 #include <tuple>
 #include <utility>
 
 #include "base/checked_value.h"
+#include "base/device_entry.h"
 #include "base/owned_ref.h"
-#include "profile/platform_text.h"
+#include "strings/string_services.h"
 
 namespace ProfileServices {
-namespace {
-
-/// Equal objects; false for null.
-bool equal(CFTypeRef first, CFTypeRef second) {
-  return first != nullptr && second != nullptr && CFEqual(first, second);
-}
-
-/// Takes away the spaces that the name begins with, and only spaces: what the regular expression "^ +" matches. (A
-/// std::regex would need a stack frame for each of them.)
-void removeLeadingSpaces(std::string& name) { name.erase(0, std::min(name.find_first_not_of(' '), name.size())); }
-
-OwnedRef<CFStringRef> uuidText(CFTypeRef uuid) {
-  if (uuid == nullptr || CFGetTypeID(uuid) != CFUUIDGetTypeID()) {
-    return {};
-  }
-  return OwnedRef<CFStringRef>::adopt(CFUUIDCreateString(kCFAllocatorDefault, static_cast<CFUUIDRef>(uuid)));
-}
-
-}  // namespace
 
 InstalledProfiles profile_iterator::installed_profiles;
 AssociatedProfiles profile_iterator::associated_profiles;
@@ -53,55 +33,50 @@ void profile_iterator::listAllInstalledProfiles() {
 }
 
 bool profile_iterator::profileListIterator(CFDictionaryRef info, void*) {
-  if (checkedCast<CFDictionaryRef>(info, CFDictionaryGetTypeID()) == nullptr ||
-      !equal(CFDictionaryGetValue(info, kColorSyncProfileClass), kColorSyncSigDisplayClass)) {
+  if (info == nullptr) {
     return true;
   }
-  std::optional<std::string> name = utf8Text(CFDictionaryGetValue(info, kColorSyncProfileDescription));
-  std::optional<std::string> path = posixPath(CFDictionaryGetValue(info, kColorSyncProfileURL));
-  if (name && path) {
-    removeLeadingSpaces(*name);
-    // ColorSync tends to go through a folder by name, so the end of the map is a good guess.
-    installed_profiles.emplace_hint(installed_profiles.end(), *std::move(path), *std::move(name));
+  const auto profile_class = checkedValue<CFStringRef>(info, kColorSyncProfileClass, CFStringGetTypeID());
+  if (profile_class == nullptr || !CFEqual(profile_class, kColorSyncSigDisplayClass)) {
+    return true;
+  }
+  const char* const name = StringServices::CFStringRefToUTF8String(
+      checkedValue<CFStringRef>(info, kColorSyncProfileDescription, CFStringGetTypeID()));
+  const char* const path =
+      StringServices::CFURLRefToPOSIXPath(checkedValue<CFURLRef>(info, kColorSyncProfileURL, CFURLGetTypeID()));
+  if (name != nullptr && path != nullptr) {
+    // Without the name's leading spaces, and only spaces. ColorSync mostly walks a folder by name, so the end of the
+    // map is a good guess.
+    installed_profiles.emplace_hint(installed_profiles.end(), path, name + std::strspn(name, " "));
   }
   return true;
 }
 
 void profile_iterator::listDeviceProfiles(std::uint32_t displayID) {
   const auto uuid = OwnedRef<CFUUIDRef>::adopt(CGDisplayCreateUUIDFromDisplayID(displayID));
-  OwnedRef<CFStringRef> text = uuidText(uuid.get());
-  if (!text) {
+  const CFStringRef text = uuid ? CFUUIDCreateString(kCFAllocatorDefault, uuid.get()) : nullptr;
+  if (text == nullptr) {
     return;  // deliberate: the last display's profiles stay
   }
   // Owned by the static member until the next display takes its place.
-  OwnedRef<CFStringRef>::adopt(std::exchange(inUUIDstr, text.release()));
+  OwnedRef<CFStringRef>::adopt(std::exchange(inUUIDstr, text));
   clearAssociatedArray();
   ColorSyncIterateDeviceProfiles(deviceListIterator, nullptr);
 }
 
 bool profile_iterator::deviceListIterator(CFDictionaryRef info, void*) {
-  if (checkedCast<CFDictionaryRef>(info, CFDictionaryGetTypeID()) == nullptr) {
+  if (info == nullptr) {
     return true;
   }
-  const CFTypeRef device_class = CFDictionaryGetValue(info, kColorSyncDeviceClass);
-  const CFTypeRef device_id = CFDictionaryGetValue(info, kColorSyncDeviceID);
-  const CFTypeRef is_default = CFDictionaryGetValue(info, kColorSyncDeviceProfileIsDefault);
-  const CFTypeRef is_current = CFDictionaryGetValue(info, kColorSyncDeviceProfileIsCurrent);
-  const CFTypeRef url = CFDictionaryGetValue(info, kColorSyncDeviceProfileURL);
-
-  const OwnedRef<CFStringRef> device_text = uuidText(device_id);
-  const bool same_device = equal(inUUIDstr, device_text.get());
-  const bool display = equal(device_class, kColorSyncDisplayDeviceClass);
-  const bool is_default_profile = equal(is_default, kCFBooleanTrue);
-  const bool is_current_profile = equal(is_current, kCFBooleanTrue);
-  if (!same_device || !display) {
+  const DeviceEntry entry(info, inUUIDstr);
+  if (!entry.is_sought || !entry.is_display) {
     return true;
   }
-  std::optional<std::string> path = posixPath(url);
-  if (path) {
+  const char* const path = StringServices::CFURLRefToPOSIXPath(entry.url);
+  if (path != nullptr) {
     // Deliberate: a path that is not installed becomes an installed profile without a name.
-    const std::string& name = installed_profiles[*path];
-    associated_profiles.emplace(*std::move(path), std::make_tuple(name, is_default_profile, is_current_profile));
+    const std::string& name = installed_profiles[path];
+    associated_profiles.emplace(path, std::make_tuple(name, entry.is_default, entry.is_current));
   }
   return true;
 }
@@ -122,7 +97,7 @@ AssociatedProfiles ListProfilesForDisplay(std::uint32_t displayID) {
 std::size_t GetInstalledProfilesCount() { return profile_iterator::installed_profiles.size(); }
 
 std::size_t GetAssociatedProfilesCount(std::uint32_t displayID) {
-  // Deliberate: once there are profiles, it is not asked whose they are.
+  // Deliberate: once there are profiles, they are counted whichever display they belong to.
   if (profile_iterator::associated_profiles.empty()) {
     ListProfilesForDisplay(displayID);
   }

@@ -6,7 +6,7 @@
 
 #include <cstdint>
 
-#include "base/export.h"
+#include "base/interface.h"
 #include "profile/profile_services.h"
 
 namespace ProfileServices {
@@ -25,8 +25,8 @@ struct OSTREVIN_API profile_iterator {
   /// UUID.
   static void listDeviceProfiles(std::uint32_t displayID);
 
-  /// Take one entry of a walk each, for ColorSync to call; always true, which lets the walk go on. An entry that lacks
-  /// a value it needs, or has one of another type, is passed over.
+  /// ColorSync's callbacks for one entry of a walk; always true, which lets the walk go on. An entry that lacks a value
+  /// it needs, or has one of another type, is passed over. They need an autorelease pool.
   static bool profileListIterator(CFDictionaryRef info, void* userInfo);
   static bool deviceListIterator(CFDictionaryRef info, void* userInfo);
 

@@ -1,7 +1,7 @@
 // ICC profiles: which are installed, which belong to a display, and what tags one of them has.
 //
 // The listing functions keep their maps for the life of the process, without a lock: one thread at a time, the host's,
-// may call them. ICCTagExists and QV02Read keep nothing; any thread may call them.
+// may call them, with an autorelease pool in place. ICCTagExists and QV02Read keep nothing; any thread may call them.
 #pragma once
 
 #include <CoreFoundation/CoreFoundation.h>
@@ -13,8 +13,7 @@
 #include <string>
 #include <tuple>
 
-#include "base/export.h"
-#include "profile/result_codes.h"
+#include "base/interface.h"
 
 namespace ProfileServices {
 
@@ -24,7 +23,7 @@ using InstalledProfiles = std::map<std::string, std::string>;
 /// is the display's current one.
 using AssociatedProfiles = std::map<std::string, std::tuple<std::string, bool, bool>>;
 
-/// Reads the installed display profiles anew. A profile without a description or without a path is left out.
+/// Reads the installed display profiles at each call. A profile without a description or without a path is left out.
 OSTREVIN_API InstalledProfiles ListAllInstalledProfiles();
 
 /// The profiles that ColorSync associates with a display, by its CGDirectDisplayID. Installed profiles are read first

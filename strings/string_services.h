@@ -10,7 +10,7 @@
 
 #include <CoreFoundation/CoreFoundation.h>
 
-#include "base/export.h"
+#include "base/interface.h"
 
 namespace StringServices {
 

@@ -8,7 +8,7 @@
 #include <utility>
 #include <vector>
 
-#include "base/export.h"
+#include "base/interface.h"
 
 namespace Utils {
 

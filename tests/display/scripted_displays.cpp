@@ -2,7 +2,7 @@
 
 #include <future>
 
-#include "display/answer_wait.h"
+#include "display/internal.h"
 
 namespace display_tests {
 namespace {

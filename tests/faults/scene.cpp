@@ -5,7 +5,7 @@
 #include <sstream>
 #include <stdexcept>
 
-#include "display/answer_wait.h"
+#include "display/internal.h"
 #include "faults/library_symbols.h"
 #include "faults/messages.h"
 #include "frameworks/hooks/calls.h"

@@ -1,35 +1,29 @@
-// What the plugin answers when there is no memory for a buffer that it may do without. The requests of the plugin's
-// objects come to the functions below; those of the libraries do not.
+// The plugin's own requests for memory, refused or watched. Requests of the plugin's objects reach the function below;
+// those of the libraries do not.
 #include <gmock/gmock.h>
 
+#include <algorithm>
 #include <cstddef>
-#include <new>
-#include <string>
 
 #include "display/display_services.h"
 #include "display/monitors_set.h"
 #include "frameworks/Foundation/autorelease_pool.h"
 #include "plugin/display.h"
-#include "profile/profile_services.h"
 #include "support/scripted.h"
 
 namespace {
 
-/// How many requests of each kind were refused, while they are to be.
-struct Refusals {
-  bool on = false;
-  int calloc = 0;
-  int array = 0;
+/// What happens to requests, and what has happened.
+struct Requests {
+  bool refuse = false;
+  int refused = 0;
+  unsigned char* guard = nullptr;  ///< of the last request that was granted
 };
-Refusals refusals;
+Requests requests;
 
-bool refuse(int& counter) {
-  if (!refusals.on) {
-    return false;
-  }
-  ++counter;
-  return true;
-}
+/// Behind each buffer that is granted, and never written to by correct code.
+constexpr std::size_t kGuardSize = 64;
+constexpr unsigned char kGuard = 0xA5;
 
 }  // namespace
 
@@ -37,13 +31,16 @@ bool refuse(int& counter) {
 // NOLINTBEGIN(bugprone-reserved-identifier,cert-dcl37-c,cert-dcl51-cpp)
 extern "C" {
 void* __real_calloc(std::size_t count, std::size_t size);
-void* __real__ZnamRKSt9nothrow_t(std::size_t size, const std::nothrow_t& tag) noexcept;
 
 void* __wrap_calloc(std::size_t count, std::size_t size) {
-  return refuse(refusals.calloc) ? nullptr : __real_calloc(count, size);
-}
-void* __wrap__ZnamRKSt9nothrow_t(std::size_t size, const std::nothrow_t& tag) noexcept {
-  return refuse(refusals.array) ? nullptr : __real__ZnamRKSt9nothrow_t(size, tag);
+  if (requests.refuse) {
+    ++requests.refused;
+    return nullptr;
+  }
+  auto* const buffer = static_cast<unsigned char*>(__real_calloc(1, count * size + kGuardSize));
+  requests.guard = buffer + count * size;
+  std::fill_n(requests.guard, kGuardSize, kGuard);
+  return buffer;
 }
 }
 // NOLINTEND(bugprone-reserved-identifier,cert-dcl37-c,cert-dcl51-cpp)
@@ -52,16 +49,23 @@ namespace {
 
 constexpr std::uint32_t kNotFound = 4099018739;
 
-class WithoutMemory : public testing::Test {
+class Memory : public testing::Test {
  protected:
-  WithoutMemory() : session_(script()) {}
-  ~WithoutMemory() override { refusals = {}; }
+  Memory() : session_(script()) {}
+  ~Memory() override { requests = {}; }
 
+  /// Two displays that both lie under one rectangle.
   static platform::desktop::Script script() {
     platform::desktop::Script script;
-    script.arrangement.displays = {support::display(1, {0, 0, 100, 100})};
-    script.installed_profiles = {{"mntr", std::string(5000, 'n'), "/a.icc"}, {"mntr", "b", "/b.icc"}};
+    script.arrangement.displays = {support::display(1, {0, 0, 100, 100}), support::display(2, {100, 0, 100, 100})};
     return script;
+  }
+  const CGRect rect_across_both_ = CGRectMake(90, 10, 20, 10);
+
+  static void refuse() { requests = {.refuse = true}; }
+  static void grant() { requests.refuse = false; }
+  static bool guardIsIntact() {
+    return std::all_of(requests.guard, requests.guard + kGuardSize, [](unsigned char byte) { return byte == kGuard; });
   }
 
  private:
@@ -69,45 +73,44 @@ class WithoutMemory : public testing::Test {
   const platform::ScopedPool pool_;
 };
 
-TEST_F(WithoutMemory, GetIndexFindsNoDisplay) {
-  EXPECT_EQ(Display::GetIndex(1), 0U);
-  refusals.on = true;
-  const std::uint32_t index = Display::GetIndex(1);
-  refusals.on = false;
-  EXPECT_EQ(index, kNotFound);
-  EXPECT_EQ(refusals.calloc, 1);
+TEST_F(Memory, GetIndexReturnsNotFoundWithoutABuffer) {
+  refuse();
+  EXPECT_EQ(Display::GetIndex(1), kNotFound);
+  EXPECT_EQ(requests.refused, 1);
+  grant();
   EXPECT_EQ(Display::GetIndex(1), 0U);
 }
 
-TEST_F(WithoutMemory, DisplayIDForWindowFindsNoDisplay) {
-  const CGRect rect = CGRectMake(10, 10, 10, 10);
-  EXPECT_EQ(DisplayServices::DisplayIDForRect(rect), 1U);
-  refusals.on = true;
-  const CGDirectDisplayID display = DisplayServices::DisplayIDForRect(rect);
-  refusals.on = false;
-  EXPECT_EQ(display, 0U);
-  EXPECT_EQ(refusals.calloc, 1);
-  EXPECT_EQ(DisplayServices::DisplayIDForRect(rect), 1U);
+TEST_F(Memory, DisplayIDForRectReturnsNoDisplayWithoutABuffer) {
+  refuse();
+  EXPECT_EQ(DisplayServices::DisplayIDForRect(rect_across_both_), 0U);
+  EXPECT_EQ(requests.refused, 1);
+  grant();
+  EXPECT_EQ(DisplayServices::DisplayIDForRect(rect_across_both_), 1U);
 }
 
-TEST_F(WithoutMemory, TheSetOfDisplaysStaysEmpty) {
+TEST_F(Memory, BuildSetAddsNothingWithoutABuffer) {
   DisplayServices::monitors_set::UuidSet set;
-  refusals.on = true;
+  refuse();
   DisplayServices::monitors_set::buildSet(&set);
-  refusals.on = false;
   EXPECT_THAT(set, testing::IsEmpty());
-  EXPECT_EQ(refusals.calloc, 1);
+  EXPECT_EQ(requests.refused, 1);
+  grant();
   DisplayServices::monitors_set::buildSet(&set);
-  EXPECT_THAT(set, testing::SizeIs(1));
+  EXPECT_THAT(set, testing::SizeIs(2));
 }
 
-TEST_F(WithoutMemory, AProfileWithALongNameIsLeftOut) {
-  refusals.on = true;
-  const auto profiles = ProfileServices::ListAllInstalledProfiles();
-  refusals.on = false;
-  EXPECT_THAT(profiles, testing::ElementsAre(testing::Pair("/b.icc", "b")));
-  EXPECT_EQ(refusals.array, 1);
-  EXPECT_THAT(ProfileServices::ListAllInstalledProfiles(), testing::SizeIs(2));
+TEST_F(Memory, DisplayIDForRectWritesOneDisplayOfTwo) {
+  EXPECT_EQ(DisplayServices::DisplayIDForRect(rect_across_both_), 1U);
+  ASSERT_NE(requests.guard, nullptr);
+  EXPECT_TRUE(guardIsIntact());
+}
+
+TEST_F(Memory, GetIndexWritesNoMoreDisplaysThanItCounted) {
+  support::answerOnce(platform::calls::Call::CGGetActiveDisplayList, 1, {.number = 1});
+  EXPECT_EQ(Display::GetIndex(1), 0U);
+  ASSERT_NE(requests.guard, nullptr);
+  EXPECT_TRUE(guardIsIntact());
 }
 
 }  // namespace

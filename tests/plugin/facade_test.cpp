@@ -6,8 +6,8 @@
 #include <limits>
 #include <ostream>
 
+#include "base/interface.h"
 #include "plugin/display.h"
-#include "plugin/result_codes.h"
 #include "support/scripted.h"
 
 namespace {
@@ -172,10 +172,21 @@ TEST(GetIndex, IgnoresAnErrorOfTheFirstQuestionThatComesWithACount) {
   EXPECT_EQ(Display::GetIndex(101), 1U);
 }
 
-TEST(GetIndex, IsDisplayNotFoundWhenTheFirstQuestionGivesNoCount) {
+/// Leaves 1s where the next call's variables will be, so that a count that is not initialised is not 0 by chance.
+__attribute__((noinline)) void fillStack() {
+  volatile std::uint32_t words[4096];
+  for (volatile std::uint32_t& word : words) {
+    word = 1;
+  }
+}
+
+TEST(GetIndex, ReturnsNotFoundAfterOneCallWithoutACount) {
   const ScriptedSession session(displays(3));
-  answerOnce(Call::CGGetActiveDisplayList, 1, {.fail = true});
-  EXPECT_EQ(Display::GetIndex(101), kNotFound);
+  answerOnce(Call::CGGetActiveDisplayList, 1, {.fail = true});  // which leaves the count untouched
+  const auto before = platform::calls::count(Call::CGGetActiveDisplayList);
+  fillStack();
+  EXPECT_EQ(Display::GetIndex(100), kNotFound);
+  EXPECT_EQ(platform::calls::count(Call::CGGetActiveDisplayList), before + 1);
 }
 
 TEST(GetIndex, IsDisplayNotFoundWhenTheSecondQuestionFails) {

@@ -121,6 +121,13 @@ TEST_F(DisplayList, OfADisplayWithoutAUuidListsTheInstalledProfilesFirstAllTheSa
   EXPECT_EQ(ProfileServices::GetInstalledProfilesCount(), 1U);
 }
 
+TEST_F(DisplayList, WithoutAUuidTextIsThatOfTheDisplayBefore) {
+  setAssociated({associated(1, "/a", true, true)});
+  const auto before = ListProfilesForDisplay(1);
+  support::answerOnce(platform::calls::Call::CFUUIDCreateString, 1, {.fail = true});
+  EXPECT_EQ(ListProfilesForDisplay(2), before);
+}
+
 // --- the count
 
 TEST_F(DisplayList, IsMadeToCountOnlyWhenThereIsNone) {

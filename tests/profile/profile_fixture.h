@@ -8,6 +8,7 @@
 #include <utility>
 #include <vector>
 
+#include "frameworks/Foundation/autorelease_pool.h"
 #include "profile/profile_iterator.h"
 #include "profile/profile_services.h"
 #include "support/scripted.h"
@@ -56,6 +57,9 @@ class ProfileServicesTest : public testing::Test {
   }
 
   ScriptedSession session_;
+
+ private:
+  const platform::ScopedPool pool_;
 };
 
 }  // namespace support

@@ -110,9 +110,9 @@ TEST(IterateDeviceProfiles, LetsGoOfAnEntryAfterItsCallback) {
   OwnedRef<CFDictionaryRef> kept_entry;
   OwnedRef<CFURLRef> kept_url;
   iterate([&](CFDictionaryRef entry) {
-    kept_entry = OwnedRef<CFDictionaryRef>::retain(entry);
-    kept_url =
-        OwnedRef<CFURLRef>::retain(static_cast<CFURLRef>(CFDictionaryGetValue(entry, kColorSyncDeviceProfileURL)));
+    kept_entry = OwnedRef<CFDictionaryRef>::adopt(static_cast<CFDictionaryRef>(CFRetain(entry)));
+    kept_url = OwnedRef<CFURLRef>::adopt(
+        static_cast<CFURLRef>(CFRetain(CFDictionaryGetValue(entry, kColorSyncDeviceProfileURL))));
     return true;
   });
   EXPECT_EQ(CFGetRetainCount(kept_entry.get()), 1);
