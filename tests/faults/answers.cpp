@@ -1,11 +1,8 @@
 #include "faults/answers.h"
 
-#include <algorithm>
 #include <cstdint>
 #include <limits>
 #include <map>
-
-#include "faults/objects.h"
 
 namespace faults {
 namespace {
@@ -27,31 +24,30 @@ Answers operator+(Answers first, const Answers& second) {
 
 NamedAnswer object(const std::string& name, CFTypeRef value) { return {name, {.object = value}}; }
 
-/// Null, and an object of every type but the call's own.
-Answers objectsBut(const std::string& own) {
-  Answers answers = {kFailure};
+/// Null; for calls whose result is always of its declared type.
+Answers null() { return {kFailure}; }
+
+/// Null, and an object of every type: for calls that return values of a dictionary.
+Answers anyObject() {
+  Answers answers = null();
   for (const NamedObject& sample : sampleObjects()) {
-    if (sample.name != own) {
-      answers.push_back(object(sample.name, sample.object));
-    }
+    answers.push_back(object(sample.name, sample.object));
   }
   return answers;
 }
 
-Answers strings() {
-  return objectsBut("a string") + Answers{object("another string", sampleObject("a string")),
-                                          object("an empty string", emptyString()),
-                                          object("a string that is no text", brokenString())};
+Answers oddStrings() {
+  return {object("an empty string", emptyString()), object("a string without UTF-8", brokenString())};
 }
 
-/// A dictionary that cannot be changed is not among them: nobody could tell.
-Answers mutableDictionaries() {
-  return objectsBut("a dictionary") + Answers{object("a used dictionary", mutableDictionary())};
-}
+Answers strings() { return null() + Answers{object("another string", sampleObject("a string"))} + oddStrings(); }
+
+/// Without an immutable dictionary: nothing could tell that it cannot be changed.
+Answers mutableDictionaries() { return null() + Answers{object("a used dictionary", mutableDictionary())}; }
 
 Answers dictionaries() {
-  return objectsBut("a dictionary") + Answers{object("another dictionary", sampleObject("a dictionary")),
-                                              object("an empty dictionary", emptyDictionary())};
+  return null() + Answers{object("another dictionary", sampleObject("a dictionary")),
+                          object("an empty dictionary", emptyDictionary())};
 }
 
 Answers numbers(const std::vector<std::int64_t>& values) {
@@ -99,29 +95,22 @@ constexpr std::int64_t kMost = std::numeric_limits<std::int64_t>::max();
 constexpr std::int64_t kLeast = std::numeric_limits<std::int64_t>::min();
 constexpr std::int64_t kTooMuch = std::int64_t{1} << 45;
 
-/// Lengths and counts that are too small or absurd. One that is a little too large could not be survived: it would say
-/// that memory is there which is not.
+/// Lengths and counts that are too small or absurd. One that is a little too large would point behind the memory.
 Answers sizes() { return numbers({0, -1, kLeast}); }
 Answers absurdSizes() { return numbers({0, -1, kLeast, kTooMuch, kMost}); }
 
 const std::map<Call, Answers>& table() {
   static const std::map<Call, Answers> answers = {
       {Call::CFEqual, numbers({1})},
-      {Call::CFStringGetCString, {kFailure}},
       {Call::CFStringGetLength, absurdSizes()},
-      {Call::CFStringGetMaximumSizeForEncoding, absurdSizes()},
-      {Call::CFURLCopyFileSystemPath, strings()},
       {Call::CFDataGetBytePtr, {kFailure}},
       {Call::CFDataGetLength, sizes()},
       {Call::CFDictionaryCreate, dictionaries()},
       {Call::CFDictionaryCreateMutable, mutableDictionaries()},
       {Call::CFDictionaryGetCount, absurdSizes()},
-      {Call::CFDictionaryGetKeysAndValues,
-       objectsBut("a string") +
-           Answers{object("an empty string", emptyString()), object("a string that is no text", brokenString())}},
-      {Call::CFDictionaryGetValue, objectsBut("") + Answers{object("an empty string", emptyString()),
-                                                            object("a string that is no text", brokenString())}},
-      {Call::CFDictionaryGetValueIfPresent, objectsBut("") + numbers({1})},
+      {Call::CFDictionaryGetKeysAndValues, anyObject() + oddStrings()},
+      {Call::CFDictionaryGetValue, anyObject() + oddStrings()},
+      {Call::CFDictionaryGetValueIfPresent, anyObject() + numbers({1})},
       {Call::CFDictionarySetValue, {kFailure}},
       {Call::CFNumberGetValue, numbers({0, -1, kMost})},
       {Call::CFUUIDCreateString, strings()},
@@ -131,21 +120,19 @@ const std::map<Call, Answers>& table() {
       {Call::CGDisplayVendorNumber, numbers({0, 1})},
       {Call::CGDisplayModelNumber, numbers({0, 77})},
       {Call::CGDisplaySerialNumber, numbers({0, 1})},
-      {Call::CGColorSpaceCreateWithPlatformColorSpace, objectsBut("")},
+      {Call::CGColorSpaceCreateWithPlatformColorSpace, null()},
       {Call::CGColorSpaceIsWideGamutRGB, {kFailure}},
       {Call::ColorSyncIterateDeviceProfiles, {kFailure}},
       {Call::ColorSyncDeviceSetCustomProfiles, numbers({1})},
       {Call::ColorSyncIterateInstalledProfiles, {kFailure}},
-      {Call::ColorSyncProfileCreateWithURL, objectsBut("")},
+      {Call::ColorSyncProfileCreateWithURL, null()},
       {Call::ColorSyncProfileCopyTag,
-       objectsBut("data") + Answers{object("other data", sampleObject("data")), object("no data", emptyData()),
-                                    object("little data", shortData())}},
-      {Call::CGDisplayCreateUUIDFromDisplayID,
-       objectsBut("a UUID") + Answers{object("another UUID", sampleObject("a UUID"))}},
+       null() + Answers{object("other data", sampleObject("data")), object("no data", emptyData()),
+                        object("little data", shortData())}},
+      {Call::CGDisplayCreateUUIDFromDisplayID, null() + Answers{object("another UUID", sampleObject("a UUID"))}},
       {Call::CGDisplayGetDisplayIDFromUUID, numbers({2, 77, UINT32_MAX})},
-      {Call::NSScreen_screens, objectsBut("an array") + Answers{object("an empty list", emptyArray()),
-                                                                object("a list of others", sampleObject("an array"))}},
-      {Call::NSScreen_mainScreen, objectsBut("")},
+      {Call::NSScreen_screens, null() + Answers{object("an empty list", emptyArray())}},
+      {Call::NSScreen_mainScreen, null()},
       {Call::NSScreen_frame, rects()},
       {Call::NSScreen_backingScaleFactor, scales()},
       {Call::IOServiceMatching, dictionaries()},
@@ -159,28 +146,97 @@ const std::map<Call, Answers>& table() {
   return answers;
 }
 
-Answers withoutRepetitions(const Answers& answers) {
-  Answers result;
-  for (const NamedAnswer& answer : answers) {
-    const bool is_known =
-        std::any_of(result.begin(), result.end(), [&](const NamedAnswer& known) { return known.name == answer.name; });
-    if (!is_known) {
-      result.push_back(answer);
-    }
-  }
-  return result;
+}  // namespace
+
+const std::vector<NamedAnswer>& answersOf(Call call) {
+  static const Answers kNone;
+  const auto listed = table().find(call);
+  return listed != table().end() ? listed->second : kNone;
+}
+
+// --- messages
+
+const std::vector<MessageAnswer>& messageAnswers() {
+  static const std::vector<MessageAnswer> answers = {
+      {"UTF8String", "null", nullptr},
+      {"UTF8String", "an empty text", ""},
+      {"UTF8String", "invalid UTF-8", "\xFF\xFE\xC0"},
+      {"path", "null", nullptr},
+      {"path", "an empty string", emptyString()},
+      {"path", "a string without UTF-8", brokenString()},
+      {"stringWithUTF8String:", "null", nullptr},
+      {"stringWithUTF8String:", "an empty string", emptyString()},
+      {"stringWithUTF8String:", "a string without UTF-8", brokenString()},
+      {"fileURLWithPath:", "null", nullptr},
+      {"fileURLWithPath:", "another URL", sampleObject("a URL")},
+  };
+  return answers;
+}
+
+// --- the host
+
+namespace {
+
+void doNothing() {}
+void* returnNull() { return nullptr; }
+
+/// The host owns its texts.
+const char* returnEmptyText(const void*) { return ""; }
+const char* returnBrokenText(const void*) { return "\xFF\xFE\xC0"; }
+const char* returnPartOfACharacter(const void*) { return "/\xE2\x82"; }
+const char* returnLongText(const void*) {
+  static const std::string text(1 << 20, 'x');
+  return text.c_str();
+}
+
+std::int64_t returnZero(const void*) { return 0; }
+std::int64_t returnMinusOne(const void*) { return -1; }
+std::int64_t returnMost(const void*) { return std::numeric_limits<std::int64_t>::max(); }
+
+template <auto kFunction>
+void* returnAddressOf() {
+  return reinterpret_cast<void*>(kFunction);
+}
+
+HostAnswer missing(const char* entry) {
+  return {entry, "missing", [=](devhost::Host& host) { host.entries().remove(entry); }};
+}
+
+template <typename Function>
+HostAnswer returning(const char* entry, const char* name, Function* function) {
+  return {entry, name, [=](devhost::Host& host) { host.entries().set(entry, function); }};
 }
 
 }  // namespace
 
-const std::vector<NamedAnswer>& answersOf(Call call) {
-  static std::map<Call, Answers> answers;
-  const auto known = answers.find(call);
-  if (known != answers.end()) {
-    return known->second;
-  }
-  const auto listed = table().find(call);
-  return answers[call] = listed == table().end() ? Answers{} : withoutRepetitions(listed->second);
+const std::vector<HostAnswer>& hostAnswers() {
+  static const std::vector<HostAnswer> answers = {
+      missing("PluginRegisterModule"),
+      returning("PluginRegisterModule", "doing nothing", doNothing),
+      missing("REALBuildStringWithEncoding"),
+      returning("REALBuildStringWithEncoding", "null", returnNull),
+      missing("StringGetCString"),
+      returning("StringGetCString", "null", returnNull),
+      returning("StringGetCString", "an empty text", returnEmptyText),
+      returning("StringGetCString", "invalid UTF-8", returnBrokenText),
+      returning("StringGetCString", "part of a character", returnPartOfACharacter),
+      returning("StringGetCString", "a long text", returnLongText),
+      missing("REALLoadGlobalMethod"),
+      returning("REALLoadGlobalMethod", "null", returnNull),
+      returning("REALLoadGlobalMethod", "a length of 0", returnAddressOf<returnZero>),
+      returning("REALLoadGlobalMethod", "a length of -1", returnAddressOf<returnMinusOne>),
+      returning("REALLoadGlobalMethod", "the greatest length", returnAddressOf<returnMost>),
+      missing("REALUnlockString"),
+      returning("REALUnlockString", "doing nothing", doNothing),
+      missing("REALLoadObjectMethod"),
+      returning("REALLoadObjectMethod", "null", returnNull),
+      missing("RuntimeArrayCreateSingleDimBoundedArray"),
+      returning("RuntimeArrayCreateSingleDimBoundedArray", "null", returnNull),
+      missing("PluginStringArrayInsertProc"),
+      returning("PluginStringArrayInsertProc", "null", returnNull),
+      returning("PluginStringArrayInsertProc", "doing nothing", returnAddressOf<doNothing>),
+  };
+  return answers;
 }
 
 }  // namespace faults

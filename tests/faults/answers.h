@@ -1,12 +1,19 @@
-// What a framework call may answer instead of the truth.
+// What framework calls, dictionaries, messages and host entries return instead of the truth.
 #pragma once
 
+#include <CoreFoundation/CoreFoundation.h>
+
+#include <functional>
+#include <ostream>
 #include <string>
 #include <vector>
 
+#include "devhost/entries/host.h"
 #include "frameworks/hooks/calls.h"
 
 namespace faults {
+
+// --- framework calls
 
 struct NamedAnswer {
   std::string name;  ///< such as "null", "a number", "code -1"
@@ -16,16 +23,71 @@ struct NamedAnswer {
 /// Every answer that is tried of the call; at least one.
 const std::vector<NamedAnswer>& answersOf(platform::calls::Call call);
 
-/// One thing done to a dictionary that a call hands out.
+// --- dictionaries
+
+/// One change to a dictionary that a call hands out.
 struct DictionaryEdit {
   std::string what;  ///< the key, such as "DeviceID", or the dictionary as a whole, such as "DeviceEntry"
-  std::string name;  ///< what it is, such as "missing" or "a number"
+  std::string name;  ///< the change, such as "missing" or "a number"
   platform::calls::Call call;
   platform::calls::Edit edit;
 };
 
-/// For every call that hands out dictionaries: every key missing and of every wrong type, the dictionary null, empty,
-/// and no dictionary.
+/// For every call that hands out dictionaries: every key missing and of every wrong type, the dictionary null and
+/// empty.
 const std::vector<DictionaryEdit>& dictionaryEdits();
+
+// --- messages to Foundation's objects
+
+struct MessageAnswer {
+  std::string selector;
+  std::string name;  ///< such as "null"
+  const void* result;
+};
+
+inline std::ostream& operator<<(std::ostream& out, const MessageAnswer& answer) {
+  return out << answer.selector << ": " << answer.name;
+}
+
+const std::vector<MessageAnswer>& messageAnswers();
+
+// --- entries of the host
+
+struct HostAnswer {
+  std::string entry;
+  std::string name;  ///< such as "missing" or "null"
+  /// Changes the host's table. Before the plugin is loaded: it looks an entry up once.
+  std::function<void(devhost::Host&)> apply;
+};
+
+inline std::ostream& operator<<(std::ostream& out, const HostAnswer& answer) {
+  return out << answer.entry << ": " << answer.name;
+}
+
+/// For every entry that the plugin looks up.
+const std::vector<HostAnswer>& hostAnswers();
+
+// --- objects of every type; they live for the life of the process
+
+struct NamedObject {
+  std::string name;  ///< such as "a number"
+  CFTypeRef object;
+};
+
+/// One of each type, with "an array", whose element is a number, and "an object" of no CoreFoundation type.
+const std::vector<NamedObject>& sampleObjects();
+/// The one of that name. Throws std::out_of_range when there is none.
+CFTypeRef sampleObject(const std::string& name);
+
+CFStringRef emptyString();
+/// A string that has no UTF-8 form: half of a surrogate pair.
+CFStringRef brokenString();
+CFTypeRef emptyArray();
+CFDictionaryRef emptyDictionary();
+/// The same one each time, with its earlier contents.
+CFDictionaryRef mutableDictionary();
+CFDataRef emptyData();
+/// 7 bytes, which is shorter than any tag element.
+CFDataRef shortData();
 
 }  // namespace faults

@@ -6,7 +6,6 @@
 #include <utility>
 
 #include "faults/answers.h"
-#include "faults/objects.h"
 
 namespace faults {
 namespace {
@@ -65,11 +64,11 @@ Edit replacing(CFStringRef key, CFTypeRef value) {
   return [=](const void* dictionary) { return copyWith(static_cast<CFDictionaryRef>(dictionary), key, value); };
 }
 
-Edit answering(CFTypeRef object) {
+Edit returning(CFTypeRef object) {
   return [=](const void*) { return object != nullptr ? CFRetain(object) : nullptr; };
 }
 
-/// Product names that are there, and yet no names.
+/// Product names that are present but unusable.
 void addOddNames(std::vector<DictionaryEdit>& edits) {
   const auto add = [&](const std::string& what, CFTypeRef names) {
     edits.push_back(
@@ -82,13 +81,13 @@ void addOddNames(std::vector<DictionaryEdit>& edits) {
     }
   }
   add("an empty string by language", copyWith(emptyDictionary(), CFSTR("en"), emptyString()));
-  add("a string that is no text by language", copyWith(emptyDictionary(), CFSTR("en"), brokenString()));
+  add("a string without UTF-8 by language", copyWith(emptyDictionary(), CFSTR("en"), brokenString()));
 }
 
-/// Strings of the right type that say nothing, or cannot be said in UTF-8.
+/// Strings that are empty, or have no UTF-8 form.
 void addOddStrings(std::vector<DictionaryEdit>& edits, const Key& key) {
   edits.push_back({key.name, "an empty string", key.call, replacing(key.key, emptyString())});
-  edits.push_back({key.name, "a string that is no text", key.call, replacing(key.key, brokenString())});
+  edits.push_back({key.name, "a string without UTF-8", key.call, replacing(key.key, brokenString())});
 }
 
 std::vector<DictionaryEdit> makeEdits() {
@@ -108,13 +107,8 @@ std::vector<DictionaryEdit> makeEdits() {
   for (const auto& [call, what] : {std::pair(Call::ColorSyncIterateDeviceProfiles, "DeviceEntry"),
                                    {Call::ColorSyncIterateInstalledProfiles, "InstalledEntry"},
                                    {Call::IODisplayCreateInfoDictionary, "Info"}}) {
-    edits.push_back({what, "null", call, answering(nullptr)});
-    edits.push_back({what, "an empty dictionary", call, answering(emptyDictionary())});
-    for (const NamedObject& sample : sampleObjects()) {
-      if (sample.name != "a dictionary") {
-        edits.push_back({what, sample.name, call, answering(sample.object)});
-      }
-    }
+    edits.push_back({what, "null", call, returning(nullptr)});
+    edits.push_back({what, "an empty dictionary", call, returning(emptyDictionary())});
   }
   return edits;
 }

@@ -1,4 +1,4 @@
-#include "faults/expectations.h"
+#include "faults/matrix.h"
 
 #include <algorithm>
 #include <map>
@@ -21,18 +21,18 @@ Names operator+(Names first, const Names& second) {
 const Names kInstalledLists = {"ListAllInstalledProfiles", "GetInstalledProfilePathsArray"};
 const Names kDisplayLists = {"ListDisplayProfiles", "GetAssociatedProfilePathsArray"};
 const Names kNames = {"GetName", "GetName of display 4"};
-/// What ColorSync is asked about a display on a queue.
+/// Queries of ColorSync on a queue.
 const Names kQueries = {"GetName of display 4", "GetProfilePath", "IsWideGamut"};
 const Names kScales = {"GetScale", "GetScale of display 77"};
 const Names kTags = {"ICCTagExists", "QV02Read"};
 
-/// Objects of another type than the one that is wanted, whichever that is. (Where it is wanted, its row comes first.)
+/// Null and objects of every type. (For the right type, an earlier row holds.)
 const Names kNoObjectOfUse = {"failure", "a string",     "a number", "a boolean", "a URL",
                               "data",    "a dictionary", "a UUID",   "an array",  "an object"};
 
 struct Row {
   std::string what;
-  Names answers;                             ///< the answers that the row is for; empty for all
+  Names answers;                             ///< the answers of the row; empty for all
   Names fail;                                ///< questions that get their failure value
   std::map<std::string, std::string> get{};  ///< questions that get this answer; all others get the right one
 };
@@ -42,58 +42,42 @@ const std::vector<Row>& table() {
   static const std::vector<Row> rows = {
       // --- CoreFoundation
       {"CFEqual", {"failure"}, kInstalledLists + kDisplayLists + kQueries},
-      {"CFEqual",  // every profile is a display's, and the first display is the one that is sought
+      {"CFEqual",  // every profile is a display's, and the first display is the sought one
        {"1"},
        {},
        {{"ListAllInstalledProfiles", "B=DIR/a.icc A=DIR/b.icc B=DIR/c.icc Printer=DIR/printer.icc"},
         {"GetInstalledProfilePathsArray", R"(["DIR/b.icc", "DIR/c.icc", "DIR/a.icc", "DIR/printer.icc"])"},
         {"GetName of display 4", R"("Device 1")"}}},
-      {"CFStringGetCString", {}, kInstalledLists + kDisplayLists},
       {"CFStringGetLength",  // an empty product name sends the question to ColorSync
        {"failure", "0"},
-       kInstalledLists + kDisplayLists,
+       {},
        {{"GetName", R"("Device 1")"}}},
-      {"CFStringGetLength",  // and a name that has a length is not asked for elsewhere
-       {},
-       kInstalledLists + kDisplayLists,
-       {{"GetName of display 4", R"("")"}}},
-      {"CFStringGetMaximumSizeForEncoding", {}, kInstalledLists + kDisplayLists},
-      {"CFURLCopyFileSystemPath",  // one path for all: the first profile has it, and an installed one has a name
-       {"another string"},
-       {},
-       {{"ListAllInstalledProfiles", "B=another text"},
-        {"ListDisplayProfiles", "=another text"},
-        {"GetInstalledProfilePathsArray", R"(["another text"])"},
-        {"GetAssociatedProfilePathsArray", R"(["another text"])"}}},
-      {"CFURLCopyFileSystemPath",
-       {"an empty string"},
-       {},
-       {{"ListAllInstalledProfiles", "B="},
-        {"ListDisplayProfiles", "="},
-        {"GetInstalledProfilePathsArray", R"([""])"},
-        {"GetAssociatedProfilePathsArray", R"([""])"}}},
-      {"CFURLCopyFileSystemPath", {}, kInstalledLists + kDisplayLists},
+      {"CFStringGetLength", {}, {}, {{"GetName of display 4", R"("")"}}},  // one with a length does not
       {"CFDataGetBytePtr", {}, {"QV02Read"}},
       {"CFDataGetLength", {"failure", "0"}, {}, {{"QV02Read", R"(0 "")"}}},
       {"CFDataGetLength", {}, {"QV02Read"}},
       {"CFDictionaryCreate", {}, {"SetProfile"}},
-      {"CFDictionaryCreateMutable", {}, {}},  // names are then not remembered, or in the dictionary that there is
-      {"CFDictionaryGetCount",                // more names than can be are as good as none that can be used
+      {"CFDictionaryCreateMutable", {}, {}},  // names are then not cached, or in the given dictionary
+      {"CFDictionaryGetCount",                // too many names count as unusable ones
        {"35184372088832", "9223372036854775807"},
        {},
        {{"GetName", R"("Device 1")"}}},
       {"CFDictionaryGetCount", {}, kNames},
       {"CFDictionaryGetKeysAndValues",
-       {"a string that is no text"},
+       {"a string without UTF-8"},
        {},
        {{"GetName", R"("")"}, {"GetName of display 4", R"("")"}}},
+      {"CFDictionaryGetKeysAndValues",
+       {"a string"},
+       {},
+       {{"GetName", R"("another text")"}, {"GetName of display 4", R"("another text")"}}},
       {"CFDictionaryGetKeysAndValues", {}, {}, {{"GetName", R"("Device 1")"}}},
-      {"CFDictionaryGetValue",  // taken for the name that is remembered
+      {"CFDictionaryGetValue",  // taken for the cached name
        {"a string"},
        kInstalledLists + kDisplayLists + kQueries,
        {{"GetName", R"("another text")"}, {"GetName of display 4", R"("another text")"}}},
       {"CFDictionaryGetValue",
-       {"an empty string", "a string that is no text"},
+       {"an empty string", "a string without UTF-8"},
        kInstalledLists + kDisplayLists + kQueries,
        {{"GetName", R"("")"}, {"GetName of display 4", R"("")"}}},
       {"CFDictionaryGetValue",  // taken for the product names
@@ -104,14 +88,14 @@ const std::vector<Row>& table() {
       {"CFDictionaryGetValueIfPresent", {}, kNames},
       {"CFDictionarySetValue", {}, {}},
       {"CFNumberGetValue", {}, kNames},
-      {"CFUUIDCreateString",  // then all displays are one: the name of the first is remembered for the second
-       {"another string", "an empty string", "a string that is no text"},
+      {"CFUUIDCreateString",  // all displays are then one: the name of the first is cached for the second
+       {"another string", "an empty string", "a string without UTF-8"},
        {},
        {{"GetName of display 4", R"("Notebook")"}}},
       {"CFUUIDCreateString",
        {"failure"},
        kNames + kQueries,
-       {{"ListDisplayProfiles", ""}}},  // nothing was listed before; the array that comes later stays as it was
+       {{"ListDisplayProfiles", ""}}},  // nothing was listed before; the later array stays as it was
       {"CFUUIDCreateString", {}, kNames + kQueries},
 
       // --- CoreGraphics
@@ -143,10 +127,10 @@ const std::vector<Row>& table() {
        {},
        {{"GetName", R"("Größe 27″")"}, {"GetName of display 4", R"("Größe 27″")"}}},
       {"CGDisplayGetDisplayIDFromUUID", {}, kNames},
-      {"CGDisplayCreateUUIDFromDisplayID",  // a UUID that nobody has
+      {"CGDisplayCreateUUIDFromDisplayID",  // a UUID of no display
        {"another UUID"},
        kNames + kQueries + kDisplayLists + Names{"SetProfile"}},
-      {"CGDisplayCreateUUIDFromDisplayID",  // the array is still that of the display that was listed last
+      {"CGDisplayCreateUUIDFromDisplayID",  // the array is still that of the display listed last
        {},
        kNames + kQueries + Names{"ListDisplayProfiles", "SetProfile"}},
 
@@ -184,7 +168,7 @@ const std::vector<Row>& table() {
       // --- keys of the dictionaries that ColorSync and IOKit hand out
       {"DeviceClass", {}, kDisplayLists + kQueries},
       {"DeviceID", {}, kDisplayLists + kQueries},
-      {"DeviceDescription", {"an empty string", "a string that is no text"}, {}, {{"GetName of display 4", R"("")"}}},
+      {"DeviceDescription", {"an empty string", "a string without UTF-8"}, {}, {{"GetName of display 4", R"("")"}}},
       {"DeviceDescription", {}, kQueries},
       {"ProfileIsDefault", {}, kQueries},
       {"ProfileIsCurrent", {}, kQueries},
@@ -202,7 +186,7 @@ const std::vector<Row>& table() {
       {"SerialNumber", {}, kNames},
       {"ProductName", {"a dictionary by language"}, {}, {{"GetName", R"("Device 1")"}}},
       {"ProductName",
-       {"a string that is no text by language"},
+       {"a string without UTF-8 by language"},
        {},
        {{"GetName", R"("")"}, {"GetName of display 4", R"("")"}}},
       {"ProductName", {"missing", "an empty dictionary"}, kNames},
@@ -214,19 +198,38 @@ const std::vector<Row>& table() {
 
       // --- messages to Foundation's objects
       {"UTF8String",
-       {"null", "an empty text"},
-       {},
+       {"null"},
+       kInstalledLists + kDisplayLists,
        {{"GetName", R"("")"}, {"GetName of display 4", R"("")"}, {"GetProfilePath", R"("")"}}},
+      {"UTF8String",  // one path for all: the first profile has it
+       {"an empty text"},
+       {},
+       {{"GetName", R"("")"},
+        {"GetName of display 4", R"("")"},
+        {"GetProfilePath", R"("")"},
+        {"ListAllInstalledProfiles", "="},
+        {"ListDisplayProfiles", "="},
+        {"GetInstalledProfilePathsArray", R"([""])"},
+        {"GetAssociatedProfilePathsArray", R"([""])"}}},
       {"UTF8String",
-       {"bytes that are no UTF-8"},
+       {"invalid UTF-8"},
        {},
        {{"GetName", "\"\xFF\xFE\xC0\""},
         {"GetName of display 4", "\"\xFF\xFE\xC0\""},
-        {"GetProfilePath", "\"\xFF\xFE\xC0\""}}},
-      {"path", {}, {"GetProfilePath"}},
-      {"stringWithUTF8String:",
+        {"GetProfilePath", "\"\xFF\xFE\xC0\""},
+        {"ListAllInstalledProfiles", "\xFF\xFE\xC0=\xFF\xFE\xC0"},
+        {"ListDisplayProfiles", "=\xFF\xFE\xC0"},
+        {"GetInstalledProfilePathsArray", "[\"\xFF\xFE\xC0\"]"},
+        {"GetAssociatedProfilePathsArray", "[\"\xFF\xFE\xC0\"]"}}},
+      {"path",
        {"an empty string"},
-       kTags},  // SetProfile leaves it to ColorSync what a path is good for
+       {"GetProfilePath"},
+       {{"ListAllInstalledProfiles", "B="},
+        {"ListDisplayProfiles", "="},
+        {"GetInstalledProfilePathsArray", R"([""])"},
+        {"GetAssociatedProfilePathsArray", R"([""])"}}},
+      {"path", {}, kInstalledLists + kDisplayLists + Names{"GetProfilePath"}},
+      {"stringWithUTF8String:", {"an empty string"}, kTags},  // SetProfile leaves the path to ColorSync
       {"stringWithUTF8String:", {}, kTags + Names{"SetProfile"}},
       {"fileURLWithPath:", {"another URL"}, kTags},
       {"fileURLWithPath:", {}, kTags + Names{"SetProfile"}},
@@ -245,7 +248,7 @@ const std::vector<Row>& table() {
         {"QV02Read", "0 nil"}}},
       {"StringGetCString", {"an empty text", "a long text"}, kTags},
       {"StringGetCString", {}, kTags + Names{"SetProfile"}},
-      {"REALLoadGlobalMethod", {}, {}},  // no method asks how long a string is
+      {"REALLoadGlobalMethod", {}, {}},  // no method reads a length
       {"REALUnlockString", {}, {}},
       {"REALLoadObjectMethod", {}, {"ListAllInstalledProfiles", "ListDisplayProfiles"}},
       {"RuntimeArrayCreateSingleDimBoundedArray",
@@ -267,7 +270,7 @@ const Row& rowFor(const std::string& what, const std::string& answer) {
       return row;
     }
   }
-  throw std::runtime_error("expectations.cpp says nothing about " + what + ": " + answer);
+  throw std::runtime_error("expectations.cpp has no row for " + what + ": " + answer);
 }
 
 std::set<std::string> pieces(const std::string& text) {
@@ -287,7 +290,7 @@ bool isMadeOfPieces(const Question& question) {
   return has(kInstalledLists + kDisplayLists + kNames + kScales + Names{"GetProfilePath"}, question.name);
 }
 
-/// What the sample objects say, what ColorSync calls the displays, and the scales of the screens.
+/// From the sample objects, ColorSync's descriptions, and the scales of the screens.
 const std::set<std::string>& commonPieces() {
   static const std::set<std::string> common = pieces("another text /another/file value Device 1 2 3 4 5 1.5 1.75 2.25");
   return common;

@@ -1,21 +1,32 @@
-// Every framework call times every answer that it may give, times every method.
+// Every framework call, dictionary and message with every answer that is tried, times every method.
+#include <algorithm>
 #include <map>
 
 #include "faults/answers.h"
 #include "faults/matrix.h"
+#include "faults/plugin_library.h"
+
+namespace platform::calls {
+
+/// For the names of tests.
+void PrintTo(Call call, std::ostream* out) { *out << name(call); }
+
+}  // namespace platform::calls
 
 namespace {
 
+using faults::DictionaryEdit;
+using faults::MessageAnswer;
 using faults::NamedAnswer;
 using faults::Question;
 using faults::Scene;
 using platform::calls::Answer;
 using platform::calls::Call;
 using platform::calls::kCallCount;
+using std::chrono::milliseconds;
+using std::chrono::seconds;
 
-void removeHooks() { platform::calls::removeAllHooks(); }
-
-/// The calls that the plugin makes are those that have answers; coverage_test.cpp sees to it.
+/// The calls that the plugin makes are those with answers, which coverage_test.cpp checks.
 std::vector<Call> walkedCalls() {
   std::vector<Call> calls;
   for (std::size_t i = 0; i < kCallCount; ++i) {
@@ -26,7 +37,7 @@ std::vector<Call> walkedCalls() {
   return calls;
 }
 
-class EveryCall : public faults::MatrixTest, public testing::WithParamInterface<Call> {
+class FrameworkCall : public faults::MatrixTest, public testing::WithParamInterface<Call> {
  protected:
   const Call call = GetParam();
   const std::string name = platform::calls::name(call);
@@ -36,9 +47,11 @@ auto eachCall() { return testing::ValuesIn(walkedCalls()); }
 
 const auto kNameOfCall = [](const auto& info) { return std::string(platform::calls::name(info.param)); };
 
-class AnsweringAlways : public EveryCall {};
+// --- framework calls
 
-TEST_P(AnsweringAlways, LeavesEachMethodTheAnswerThatIsStated) {
+class FaultAtEveryCall : public FrameworkCall {};
+
+TEST_P(FaultAtEveryCall, GivesDocumentedAnswers) {
   for (const NamedAnswer& named : faults::answersOf(call)) {
     SCOPED_TRACE(name + ": " + named.name);
     Scene scene;
@@ -47,14 +60,14 @@ TEST_P(AnsweringAlways, LeavesEachMethodTheAnswerThatIsStated) {
     for (const Question& question : faults::questions()) {
       const std::string answer = faults::expected(name, named.name, question);
       const bool may_fail = faults::asksForMuchMemory(name, named.name);
-      tryFault(scene, question, set, removeHooks,
+      tryFault(scene, question, set, platform::calls::removeAllHooks,
                testing::AnyOf(answer, may_fail ? faults::failureValue(question) : answer));
     }
     expectNoFaults(scene);
   }
 }
 
-INSTANTIATE_TEST_SUITE_P(EveryCall, AnsweringAlways, eachCall(), kNameOfCall);
+INSTANTIATE_TEST_SUITE_P(All, FaultAtEveryCall, eachCall(), kNameOfCall);
 
 /// How often each question makes the call when nothing is wrong.
 std::map<std::string, std::uint64_t> callsPerQuestion(Call call) {
@@ -77,9 +90,9 @@ std::uint64_t most(const std::map<std::string, std::uint64_t>& counts) {
   return result;
 }
 
-class AnsweringOnce : public EveryCall {};
+class FaultAtOneCall : public FrameworkCall {};
 
-TEST_P(AnsweringOnce, LeavesEachMethodAnAnswerThatMayComeThen) {
+TEST_P(FaultAtOneCall, GivesAllowedAnswers) {
   const auto counts = callsPerQuestion(call);
   for (const NamedAnswer& named : faults::answersOf(call)) {
     for (std::uint64_t chosen = 1; chosen <= most(counts); ++chosen) {
@@ -92,7 +105,7 @@ TEST_P(AnsweringOnce, LeavesEachMethodAnAnswerThatMayComeThen) {
       };
       for (const Question& question : faults::questions()) {
         if (counts.at(question.name) >= chosen) {
-          tryFault(scene, question, set, removeHooks, testing::Truly([&](const std::string& got) {
+          tryFault(scene, question, set, platform::calls::removeAllHooks, testing::Truly([&](const std::string& got) {
                      return faults::mayComeOnce(got, name, named.name, question);
                    }));
         }
@@ -102,11 +115,11 @@ TEST_P(AnsweringOnce, LeavesEachMethodAnAnswerThatMayComeThen) {
   }
 }
 
-INSTANTIATE_TEST_SUITE_P(EveryCall, AnsweringOnce, eachCall(), kNameOfCall);
+INSTANTIATE_TEST_SUITE_P(All, FaultAtOneCall, eachCall(), kNameOfCall);
 
-// --- displays that go away while a method is at work
+// --- displays that go away while a method runs
 
-/// What is left when the display is gone; 0 for all of them.
+/// The desktop without the display; 0 for without all of them.
 platform::desktop::Script without(std::uint32_t display) {
   auto script = faults::fiveDisplays();
   auto& arrangement = script.arrangement;
@@ -137,8 +150,8 @@ std::uint32_t displayOf(const Question& question) {
   return question.name == "GetIndex" || question.name == "GetScale" || question.name == "GetCGRect" ? 2 : 1;
 }
 
-/// The answers about a display that is half there: the right one, that of a display that is not there, and of those
-/// that are about all displays, the one for the displays that are left.
+/// The right answer, the one for an unknown display and, for questions about all displays, the one for the displays
+/// that are left.
 bool mayComeWhenADisplayGoes(const std::string& got, const Question& question) {
   static const std::map<std::string, std::vector<std::string>> more = {
       {"GetName of display 4", {R"("")"}},
@@ -154,9 +167,9 @@ bool mayComeWhenADisplayGoes(const std::string& got, const Question& question) {
          (others != more.end() && std::count(others->second.begin(), others->second.end(), got) > 0);
 }
 
-class ADisplayGoing : public EveryCall {};
+class DisplayGoneAtOneCall : public FrameworkCall {};
 
-TEST_P(ADisplayGoing, BeforeAnyOfTheCallsLeavesTheRightAnswerOrThatOfADisplayThatIsNotThere) {
+TEST_P(DisplayGoneAtOneCall, GivesAllowedAnswers) {
   const auto counts = callsPerQuestion(call);
   for (const bool all_go : {false, true}) {
     for (std::uint64_t chosen = 1; chosen <= most(counts); ++chosen) {
@@ -181,7 +194,7 @@ TEST_P(ADisplayGoing, BeforeAnyOfTheCallsLeavesTheRightAnswerOrThatOfADisplayTha
           });
         };
         const auto restore = [&] {
-          removeHooks();
+          platform::calls::removeAllHooks();
           change(faults::fiveDisplays());
         };
         tryFault(scene, question, set, restore,
@@ -192,6 +205,96 @@ TEST_P(ADisplayGoing, BeforeAnyOfTheCallsLeavesTheRightAnswerOrThatOfADisplayTha
   }
 }
 
-INSTANTIATE_TEST_SUITE_P(EveryCall, ADisplayGoing, eachCall(), kNameOfCall);
+INSTANTIATE_TEST_SUITE_P(All, DisplayGoneAtOneCall, eachCall(), kNameOfCall);
+
+// --- dictionaries that a framework returns
+
+std::vector<std::string> editedThings() {
+  std::vector<std::string> things;
+  for (const DictionaryEdit& edit : faults::dictionaryEdits()) {
+    if (std::find(things.begin(), things.end(), edit.what) == things.end()) {
+      things.push_back(edit.what);
+    }
+  }
+  return things;
+}
+
+class FaultInDictionary : public faults::MatrixTest, public testing::WithParamInterface<std::string> {};
+
+TEST_P(FaultInDictionary, GivesDocumentedAnswers) {
+  for (const DictionaryEdit& edit : faults::dictionaryEdits()) {
+    if (edit.what != GetParam()) {
+      continue;
+    }
+    SCOPED_TRACE(edit.what + ": " + edit.name);
+    Scene scene;
+    scene.load();
+    const auto set = [&] {
+      platform::calls::setHook(edit.call, [&](std::uint64_t) { return Answer{.edit = &edit.edit}; });
+    };
+    for (const Question& question : faults::questions()) {
+      tryFault(scene, question, set, platform::calls::removeAllHooks,
+               testing::Eq(faults::expected(edit.what, edit.name, question)));
+    }
+    expectNoFaults(scene);
+  }
+}
+
+INSTANTIATE_TEST_SUITE_P(All, FaultInDictionary, testing::ValuesIn(editedThings()),
+                         [](const auto& info) { return info.param; });
+
+// --- messages to Foundation's objects
+
+class FaultInMessage : public faults::MatrixTest, public testing::WithParamInterface<MessageAnswer> {};
+
+TEST_P(FaultInMessage, GivesDocumentedAnswers) {
+  const MessageAnswer& message = GetParam();
+  Scene scene;
+  scene.load();
+  const auto set = [&] { faults::answerMessage(message.selector, message.result); };
+  for (const Question& question : faults::questions()) {
+    tryFault(scene, question, set, faults::answerNoMessage,
+             testing::Eq(faults::expected(message.selector, message.name, question)));
+  }
+  expectNoFaults(scene);
+}
+
+INSTANTIATE_TEST_SUITE_P(All, FaultInMessage, testing::ValuesIn(faults::messageAnswers()), [](const auto& info) {
+  return faults::testName(info.param.selector + " " + info.param.name);
+});
+
+// --- a ColorSync that never comes back: the queries end in real time
+
+class HungColorSync : public testing::TestWithParam<std::size_t> {};
+
+TEST_P(HungColorSync, EndsTheQueryAtItsLimit) {
+  constexpr milliseconds kSlack{5000};  // for a computer that is busy with other tests
+  const Question& question = faults::questions()[GetParam()];
+  Scene scene;
+  scene.load(Scene::Wait::kInRealTime);
+  scene.session.desktop->change([](platform::desktop::Script& script) { script.device_walk.hang = true; });
+  const faults::Outcome outcome = scene.run(question.ask);
+  EXPECT_EQ(outcome.answer, faults::failureValue(question));
+  EXPECT_GE(outcome.time, question.limit);
+  EXPECT_LT(outcome.time, question.limit + kSlack);
+  scene.session.desktop->change([](platform::desktop::Script& script) { script.device_walk.hang = false; });
+  EXPECT_EQ(scene.run(question.ask_afterwards).answer, question.right_afterwards);
+}
+
+/// The questions that reach ColorSync's queue when nothing else is wrong.
+std::vector<std::size_t> queries() {
+  std::vector<std::size_t> result;
+  for (std::size_t i = 0; i < faults::questions().size(); ++i) {
+    if (faults::questions()[i].limit > seconds(0) && faults::questions()[i].name != "GetName") {
+      result.push_back(i);
+    }
+  }
+  return result;
+}
+
+INSTANTIATE_TEST_SUITE_P(All, HungColorSync, testing::ValuesIn(queries()), [](const auto& info) {
+  std::string name = faults::questions()[info.param].name;
+  return name.substr(0, name.find(' '));
+});
 
 }  // namespace

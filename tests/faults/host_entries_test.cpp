@@ -1,7 +1,7 @@
-// Every host entry that the plugin looks up, missing or answering wrongly, times every method.
+// Every host entry that the plugin looks up, missing or returning something wrong, times every method.
 #include <algorithm>
 
-#include "faults/host_answers.h"
+#include "faults/answers.h"
 #include "faults/matrix.h"
 
 namespace {
@@ -10,17 +10,17 @@ using faults::HostAnswer;
 using faults::Question;
 using faults::Scene;
 
-/// All but the one by which the plugin is known to the host at all.
-std::vector<HostAnswer> answersOfAKnownPlugin() {
+/// All but those of the registration.
+std::vector<HostAnswer> answersAfterRegistration() {
   std::vector<HostAnswer> answers;
   std::copy_if(faults::hostAnswers().begin(), faults::hostAnswers().end(), std::back_inserter(answers),
                [](const HostAnswer& answer) { return answer.entry != "PluginRegisterModule"; });
   return answers;
 }
 
-class AHostWhose : public faults::MatrixTest, public testing::WithParamInterface<HostAnswer> {};
+class FaultInHostEntry : public faults::MatrixTest, public testing::WithParamInterface<HostAnswer> {};
 
-TEST_P(AHostWhose, EntryIsSoGetsFromEachMethodTheAnswerThatIsStated) {
+TEST_P(FaultInHostEntry, GivesDocumentedAnswers) {
   const HostAnswer& answer = GetParam();
   Scene scene;
   answer.apply(scene.host);
@@ -29,7 +29,7 @@ TEST_P(AHostWhose, EntryIsSoGetsFromEachMethodTheAnswerThatIsStated) {
     tryHost(scene, question, faults::expected(answer.entry, answer.name, question));
   }
   EXPECT_THAT(scene.host.faults(), testing::IsEmpty());
-  // The plugin has found the entry, or asks for it again each time; a fresh one in a whole host is right.
+  // A fresh plugin in a whole host is right: nothing of the fault outlives the plugin.
   Scene whole;
   whole.load();
   for (const Question& question : faults::questions()) {
@@ -37,12 +37,12 @@ TEST_P(AHostWhose, EntryIsSoGetsFromEachMethodTheAnswerThatIsStated) {
   }
 }
 
-INSTANTIATE_TEST_SUITE_P(EveryEntry, AHostWhose, testing::ValuesIn(answersOfAKnownPlugin()),
+INSTANTIATE_TEST_SUITE_P(All, FaultInHostEntry, testing::ValuesIn(answersAfterRegistration()),
                          [](const auto& info) { return faults::testName(info.param.entry + " " + info.param.name); });
 
-class AMissingEntry : public faults::MatrixTest, public testing::WithParamInterface<HostAnswer> {};
+class MissingHostEntry : public faults::MatrixTest, public testing::WithParamInterface<HostAnswer> {};
 
-TEST_P(AMissingEntry, IsFoundOnceTheHostHasIt) {
+TEST_P(MissingHostEntry, IsFoundWhenItAppears) {
   const HostAnswer& answer = GetParam();
   Scene scene;
   void* const function = scene.host.entries().find(answer.entry);
@@ -60,19 +60,19 @@ TEST_P(AMissingEntry, IsFoundOnceTheHostHasIt) {
 }
 
 std::vector<HostAnswer> missingEntries() {
-  std::vector<HostAnswer> answers = answersOfAKnownPlugin();
+  std::vector<HostAnswer> answers = answersAfterRegistration();
   answers.erase(
       std::remove_if(answers.begin(), answers.end(), [](const HostAnswer& answer) { return answer.name != "missing"; }),
       answers.end());
   return answers;
 }
 
-INSTANTIATE_TEST_SUITE_P(EveryEntry, AMissingEntry, testing::ValuesIn(missingEntries()),
+INSTANTIATE_TEST_SUITE_P(All, MissingHostEntry, testing::ValuesIn(missingEntries()),
                          [](const auto& info) { return info.param.entry; });
 
-class NoRegistration : public testing::TestWithParam<HostAnswer> {};
+class FaultInRegistration : public testing::TestWithParam<HostAnswer> {};
 
-TEST_P(NoRegistration, MeansThatThePluginIsRefusedAndTheHostGoesOn) {
+TEST_P(FaultInRegistration, MakesTheHostRefuseThePlugin) {
   Scene scene;
   GetParam().apply(scene.host);
   EXPECT_THROW(scene.load(), devhost::PluginError);
@@ -88,7 +88,7 @@ std::vector<HostAnswer> registrations() {
   return answers;
 }
 
-INSTANTIATE_TEST_SUITE_P(EveryEntry, NoRegistration, testing::ValuesIn(registrations()),
+INSTANTIATE_TEST_SUITE_P(All, FaultInRegistration, testing::ValuesIn(registrations()),
                          [](const auto& info) { return faults::testName(info.param.name); });
 
 }  // namespace

@@ -4,7 +4,7 @@
 #include <cctype>
 #include <iostream>
 
-/// Under AddressSanitizer too, an absurd amount of memory is refused instead of being the end of the program.
+/// Under AddressSanitizer too, a request for an absurd amount of memory fails instead of ending the program.
 extern "C" __attribute__((visibility("default"))) const char* __asan_default_options() {
   return "allocator_may_return_null=1:max_allocation_size_mb=4096";
 }

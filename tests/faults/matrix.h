@@ -1,15 +1,17 @@
-// How a fault is tried: disturbed once, and then, undisturbed, once more.
+// How a fault is tried, disturbed once and then undisturbed, and the documented answers.
 #pragma once
 
 #include <gmock/gmock.h>
 
 #include <functional>
+#include <set>
 #include <string>
 
-#include "faults/expectations.h"
 #include "faults/scene.h"
 
 namespace faults {
+
+// --- trying
 
 /// Counts the combinations (a fault and a question) that a test tries, and says the number: as the test's property, and
 /// for all tests of the process when it ends.
@@ -32,5 +34,24 @@ class MatrixTest : public testing::Test {
 
 /// The name of a test made from any text.
 std::string testName(const std::string& text);
+
+// --- expectations
+
+/// The question's answer while `what` (a framework call, a key of a dictionary, a message, an entry of the host)
+/// returns `answer`: the right answer unless the table in expectations.cpp has another.
+std::string expected(const std::string& what, const std::string& answer, const Question& question);
+
+/// Whether the answer makes the plugin request so much memory that it may fail; the question then fails.
+bool asksForMuchMemory(const std::string& what, const std::string& answer);
+
+/// The question's answer when it fails altogether.
+std::string failureValue(const Question& question);
+
+/// Whether `got` may be the answer when only one of several calls returned `answer`: the right answer, the failure
+/// value, the answer when all calls did or, for lists and names, one made of the pieces of these.
+bool mayComeOnce(const std::string& got, const std::string& what, const std::string& answer, const Question& question);
+
+/// The names in the table's first column, so that a test finds unused rows.
+std::set<std::string> expectedSubjects();
 
 }  // namespace faults

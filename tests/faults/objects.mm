@@ -1,4 +1,4 @@
-#include "faults/objects.h"
+#include "faults/answers.h"
 
 #import <Foundation/Foundation.h>
 
@@ -9,22 +9,22 @@
 namespace faults {
 namespace {
 
-CFTypeRef kept(id object) { return [object retain]; }
+CFTypeRef leaked(id object) { return [object retain]; }
 
 std::vector<NamedObject> makeSamples() {
   NSAutoreleasePool* const pool = [[NSAutoreleasePool alloc] init];
   const unsigned char bytes[16] = {'d', 'a', 't', 'a'};
   NSDictionary* const dictionary = [NSDictionary dictionaryWithObject:@"value" forKey:@"key"];
   std::vector<NamedObject> samples = {
-      {"a string", kept(@"another text")},
-      {"a number", kept([NSNumber numberWithInt:7])},
-      {"a boolean", kept([NSNumber numberWithBool:YES])},
-      {"a URL", kept([NSURL fileURLWithPath:@"/another/file" isDirectory:NO])},
-      {"data", kept([NSData dataWithBytes:bytes length:sizeof bytes])},
-      {"a dictionary", kept(dictionary)},
+      {"a string", leaked(@"another text")},
+      {"a number", leaked([NSNumber numberWithInt:7])},
+      {"a boolean", leaked([NSNumber numberWithBool:YES])},
+      {"a URL", leaked([NSURL fileURLWithPath:@"/another/file" isDirectory:NO])},
+      {"data", leaked([NSData dataWithBytes:bytes length:sizeof bytes])},
+      {"a dictionary", leaked(dictionary)},
       {"a UUID", platform::makeUuid({0xEE})},
-      {"an array", kept([NSArray arrayWithObject:[NSNumber numberWithInt:7]])},
-      {"an object", kept([[[NSObject alloc] init] autorelease])},
+      {"an array", leaked([NSArray arrayWithObject:[NSNumber numberWithInt:7]])},
+      {"an object", leaked([[[NSObject alloc] init] autorelease])},
   };
   [pool release];
   return samples;

@@ -6,8 +6,7 @@
 #include <stdexcept>
 
 #include "display/internal.h"
-#include "faults/library_symbols.h"
-#include "faults/messages.h"
+#include "faults/plugin_library.h"
 #include "frameworks/hooks/calls.h"
 #include "support/fresh_plugin.h"
 #include "support/icc_maker.h"
@@ -16,6 +15,8 @@
 namespace faults {
 namespace {
 
+using devhost::CallResult;
+using devhost::Values;
 using platform::desktop::DeviceProfile;
 using platform::desktop::Script;
 using std::chrono::milliseconds;
@@ -23,8 +24,8 @@ using std::chrono::seconds;
 
 std::vector<seconds> limits_asked_for;
 
-/// Ends when there is an answer, or when nobody is left who could give one.
-std::future_status waitWhileThereIsHope(const std::future<bool>& answer, seconds limit) {
+/// Ends when there is an answer, or when no walk is left that could give one.
+std::future_status waitUntilNoWalkIsLeft(const std::future<bool>& answer, seconds limit) {
   limits_asked_for.push_back(limit);
   constexpr std::chrono::microseconds kStep{200};
   while (platform::unfinishedBlocks() > 0) {
@@ -35,15 +36,15 @@ std::future_status waitWhileThereIsHope(const std::future<bool>& answer, seconds
   return answer.wait_for(seconds(0));
 }
 
-/// The variable is not exported: it is found by the library's own table of symbols.
+/// The variable is not exported: its offset comes from the library's symbol table.
 void replaceWait(const devhost::Plugin& plugin) {
   static const std::uintptr_t offset = ownSymbols(OSTREVIN_LIBRARY).at("_ZN15DisplayServices8internal11answer_waitE");
   Dl_info info{};
   if (dladdr(plugin.symbol("REALPluginMain"), &info) == 0) {
-    throw std::runtime_error("where is the plugin?");
+    throw std::runtime_error("the plugin's load address is unknown");
   }
   auto* const base = static_cast<char*>(info.dli_fbase);
-  *reinterpret_cast<DisplayServices::internal::AnswerWait*>(base + offset) = waitWhileThereIsHope;
+  *reinterpret_cast<DisplayServices::internal::AnswerWait*>(base + offset) = waitUntilNoWalkIsLeft;
 }
 
 /// A wide-gamut display profile with a document of the plugin's own.
@@ -77,7 +78,7 @@ void addDisplay(Script& script, std::uint32_t number, platform::desktop::Rect bo
   script.arrangement.screens.push_back(support::screen(bounds, 1 + number * 0.25));
 }
 
-/// Answers do not depend on where the temporary folder is.
+/// Replaces the temporary folder, which differs from run to run.
 std::string withoutFolder(std::string text) {
   const std::string& folder = profileFolder();
   for (std::size_t at = text.find(folder); at != std::string::npos; at = text.find(folder, at)) {
@@ -133,7 +134,7 @@ Scene::~Scene() { answerNoMessage(); }
 void Scene::load(Wait wait) {
   plugin_.emplace(support::loadFreshPlugin(host));
   watchMessagesOf(plugin_->symbol("REALPluginMain"));
-  if (wait == Wait::kWhileThereIsHope) {
+  if (wait == Wait::kUntilNoWalkIsLeft) {
     replaceWait(*plugin_);
   }
 }
@@ -166,6 +167,97 @@ Outcome Scene::run(const std::function<std::string(Scene&)>& question) {
   outcome.time = std::chrono::duration_cast<milliseconds>(std::chrono::steady_clock::now() - begin);
   outcome.limits = limits_asked_for;
   return outcome;
+}
+
+// --- questions
+
+namespace {
+
+std::string textOf(const devhost::Value& value) {
+  std::ostringstream text;
+  text << value;
+  return text.str();
+}
+
+/// The method's result and then the by-reference arguments, with blanks between them.
+std::string describe(const CallResult& call) {
+  std::string text = call.result.isNothing() ? "" : textOf(call.result);
+  for (const devhost::ByReference& parameter : call.by_reference) {
+    text += (text.empty() ? "" : " ") + textOf(parameter.value);
+  }
+  return text;
+}
+
+std::function<std::string(Scene&)> method(const char* name, Values arguments = {}) {
+  return [=](Scene& scene) { return describe(scene.plugin().call(name, arguments)); };
+}
+
+/// A method whose answer is the events that it raises.
+std::function<std::string(Scene&)> events(const char* name, Values arguments = {}) {
+  return [=](Scene& scene) {
+    scene.plugin().call(name, arguments);
+    return scene.takeEvents();
+  };
+}
+
+Question same(const char* name, const std::function<std::string(Scene&)>& ask, const char* right, seconds limit = {}) {
+  return {name, ask, right, ask, right, limit};
+}
+
+std::string setObject(Scene& scene) { return describe(scene.plugin().call("SetObject", {scene.listener()})); }
+
+std::string isWideGamut(Scene& scene) {
+  return scene.exported<bool(std::uint32_t)>("_ZN7Display11IsWideGamutEj")(1) ? "True" : "False";
+}
+
+std::string buildMonitorsSet(Scene& scene) {
+  scene.exported<void()>("_ZN15DisplayServices23BuildInitialMonitorsSetEv")();
+  return "";
+}
+
+/// Asked twice, because the first answer is about what was there before.
+std::string displaysChanged(Scene& scene) {
+  auto* const changed = scene.exported<bool()>("_ZN15DisplayServices15DisplaysChangedEv");
+  changed();
+  return changed() ? "True" : "False";
+}
+
+std::string path(const char* name) { return profileFolder() + '/' + name; }
+
+std::vector<Question> makeQuestions() {
+  constexpr const char* kAllEvents = "B=DIR/a.icc A=DIR/b.icc B=DIR/c.icc";
+  return {
+      same("SetObject", setObject, ""),
+      same("ListAllInstalledProfiles", events("ListAllInstalledProfiles"), kAllEvents),
+      same("ListDisplayProfiles", events("ListDisplayProfiles", {1}), "B=DIR/a.icc A=DIR/b.icc"),
+      {"GetName", method("GetName", {1}), R"("Notebook")", method("GetName", {2}), R"("Größe 27″")", seconds(10)},
+      {"GetName of display 4", method("GetName", {4}), R"("Device 4")", method("GetName", {5}), R"("Device 5")",
+       seconds(10)},
+      same("GetRect", method("GetRect", {1}), "0 0 1440 900"),
+      same("GetCGRect", method("GetCGRect", {2}), "-1440.5 0 1440 900"),
+      same("GetProfilePath", method("GetProfilePath", {1}), R"("DIR/a.icc")", seconds(2)),
+      same("GetIndex", method("GetIndex", {2}), "1"),
+      same("GetScale", method("GetScale", {2}), "1.5"),
+      same("GetScale of display 77", method("GetScale", {77}), "1.25"),
+      same("SetProfile", method("SetProfile", {3, path("b.icc")}), "True"),
+      same("DisplayIDForWindow", method("DisplayIDForWindow", {10, -10, 10, 20}), "1"),
+      same("GetInstalledProfilePathsArray", method("GetInstalledProfilePathsArray"),
+           R"(["DIR/b.icc", "DIR/c.icc", "DIR/a.icc"])"),
+      same("GetAssociatedProfilePathsArray", method("GetAssociatedProfilePathsArray", {1}),
+           R"(["DIR/b.icc", "DIR/a.icc"])"),
+      same("ICCTagExists", method("ICCTagExists", {path("a.icc"), "desc"}), "True"),
+      same("QV02Read", method("QV02Read", {path("a.icc"), "before"}), R"(0 "<document/>")"),
+      same("IsWideGamut", isWideGamut, "True", seconds(2)),
+      same("BuildInitialMonitorsSet", buildMonitorsSet, ""),
+      same("DisplaysChanged", displaysChanged, "False"),
+  };
+}
+
+}  // namespace
+
+const std::vector<Question>& questions() {
+  static const std::vector<Question> all = makeQuestions();
+  return all;
 }
 
 }  // namespace faults

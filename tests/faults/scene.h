@@ -1,4 +1,4 @@
-// What the faults are tried on: a fresh plugin on a scripted desktop of five displays, and what is asked of it.
+// The subject of the faults: a fresh plugin on a scripted desktop of five displays, and the questions put to it.
 #pragma once
 
 #include <gmock/gmock.h>
@@ -13,15 +13,15 @@
 
 namespace faults {
 
-/// How a method's answer came about.
+/// A method's answer, and its waits.
 struct Outcome {
-  std::string answer;  ///< what it answered, as text; "threw ..." when an exception came out of it
+  std::string answer;  ///< as text; "threw ..." when an exception came out of it
   std::chrono::milliseconds time{0};
-  std::vector<std::chrono::seconds> limits;  ///< how long it was ready to wait for ColorSync, each time that it waited
+  std::vector<std::chrono::seconds> limits;  ///< the limit of each wait for ColorSync
 };
 
-/// Unless real time is asked for, queries wait for ColorSync until it is certain that no answer will come, not until
-/// their time is up; how long they would have waited at most is noted.
+/// Except in real time, a query waits for ColorSync until no walk is left that could answer, not until its limit, which
+/// is recorded.
 class Scene {
  public:
   Scene();
@@ -29,12 +29,12 @@ class Scene {
   Scene(const Scene&) = delete;
   Scene& operator=(const Scene&) = delete;
 
-  enum class Wait { kWhileThereIsHope, kInRealTime };
+  enum class Wait { kUntilNoWalkIsLeft, kInRealTime };
 
   /// Loads a plugin into the host as it is then.
-  void load(Wait wait = Wait::kWhileThereIsHope);
+  void load(Wait wait = Wait::kUntilNoWalkIsLeft);
   const devhost::Plugin& plugin() const { return *plugin_; }
-  /// Calls, and describes what came of it.
+  /// Calls, and describes the outcome.
   Outcome run(const std::function<std::string(Scene&)>& question);
   /// A function that the plugin exports. Throws when there is none.
   template <typename Function>
@@ -63,12 +63,12 @@ platform::desktop::Script fiveDisplays();
 /// The folder of the profiles "a.icc", "b.icc" and "c.icc". In answers it stands as "DIR".
 const std::string& profileFolder();
 
-/// Something that is asked of the plugin, once disturbed and once more afterwards.
+/// Put to the plugin once disturbed and once more afterwards.
 struct Question {
   std::string name;
   std::function<std::string(Scene&)> ask;
   std::string right;  ///< the answer when nothing is wrong
-  /// What is asked afterwards; the same, unless the plugin remembers.
+  /// Put afterwards; the same, unless the plugin caches.
   std::function<std::string(Scene&)> ask_afterwards;
   std::string right_afterwards;
   std::chrono::seconds limit{0};  ///< how long it may wait for ColorSync

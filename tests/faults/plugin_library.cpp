@@ -1,14 +1,85 @@
-#include "faults/messages.h"
+#include "faults/plugin_library.h"
 
 #include <dlfcn.h>
 #include <link.h>
 #include <objc/message.h>
 #include <objc/runtime.h>
 
+#include <algorithm>
+#include <array>
 #include <atomic>
+#include <cstdio>
+#include <memory>
 #include <mutex>
+#include <sstream>
+#include <stdexcept>
+#include <utility>
 
 namespace faults {
+
+// --- symbols
+
+namespace {
+
+/// The lines that nm prints: "NAME TYPE [VALUE [SIZE]]".
+std::istringstream listing(const std::string& options, const std::string& library) {
+  const std::string command = "nm --format=posix " + options + " '" + library + "'";
+  const std::unique_ptr<FILE, int (*)(FILE*)> pipe(popen(command.c_str(), "r"), pclose);
+  std::string text;
+  std::array<char, 4096> buffer{};
+  while (const std::size_t size = pipe ? std::fread(buffer.data(), 1, buffer.size(), pipe.get()) : 0) {
+    text.append(buffer.data(), size);
+  }
+  if (text.empty()) {
+    throw std::runtime_error("no output from: " + command);
+  }
+  return std::istringstream(text);
+}
+
+std::set<std::string> names(const std::string& options, const std::string& library) {
+  std::istringstream lines = listing(options, library);
+  std::set<std::string> result;
+  for (std::string line; std::getline(lines, line);) {
+    result.insert(line.substr(0, line.find_first_of(" @")));
+  }
+  return result;
+}
+
+}  // namespace
+
+std::set<std::string> undefinedSymbols(const std::string& library) { return names("-D --undefined-only", library); }
+
+std::set<std::string> definedSymbols(const std::string& library) { return names("-D --defined-only", library); }
+
+std::map<std::string, std::uintptr_t> ownSymbols(const std::string& library) {
+  std::istringstream lines = listing("--defined-only", library);
+  std::map<std::string, std::uintptr_t> result;
+  for (std::string line; std::getline(lines, line);) {
+    std::istringstream fields(line);
+    std::string name;
+    std::string type;
+    std::string value;
+    if (fields >> name >> type >> value) {
+      result[name] = std::stoull(value, nullptr, 16);
+    }
+  }
+  return result;
+}
+
+std::set<std::string> sentSelectors(const std::string& library) {
+  // The compiler makes a text of this name for each selector that a message expression uses.
+  static const std::string kPrefix = ".objc_sel_name";
+  std::set<std::string> selectors;
+  for (const auto& [name, offset] : ownSymbols(library)) {
+    if (name.starts_with(kPrefix)) {
+      selectors.insert(name.substr(kPrefix.size()));
+    }
+  }
+  return selectors;
+}
+
+// --- messages
+
 namespace {
 
 using Lookup = IMP (*)(id, SEL);
@@ -27,8 +98,6 @@ struct State {
   std::set<std::string> sent;
   std::string answered;  ///< selector; empty for none
   const void* result = nullptr;
-  std::uint64_t only_nth = 0;
-  std::uint64_t seen = 0;
 };
 
 State& state() {
@@ -36,9 +105,9 @@ State& state() {
   return *kept;
 }
 
-/// What an answered message comes to. Arguments are not looked at, so it serves any method that returns a pointer.
+/// Replaces the method of an answered message. It ignores arguments, so it serves any method that returns a pointer.
 std::atomic<const void*> current_result{nullptr};
-const void* answerIt() { return current_result.load(); }
+const void* returnResult() { return current_result.load(); }
 
 /// Notes the message; true when it is to be answered.
 bool notes(SEL selector) {
@@ -48,9 +117,8 @@ bool notes(SEL selector) {
   if (name != state().answered) {
     return false;
   }
-  ++state().seen;
   current_result = state().result;
-  return state().only_nth == 0 || state().only_nth == state().seen;
+  return true;
 }
 
 int findRange(dl_phdr_info* info, std::size_t, void* data) {
@@ -84,19 +152,17 @@ std::set<std::string> messagesSent() {
   return state().sent;
 }
 
-void answerMessage(const std::string& selector, const void* result, std::uint64_t only_nth) {
+void answerMessage(const std::string& selector, const void* result) {
   const std::lock_guard lock(state().mutex);
   state().answered = selector;
   state().result = result;
-  state().only_nth = only_nth;
-  state().seen = 0;
 }
 
 void answerNoMessage() { answerMessage("", nullptr); }
 
 }  // namespace faults
 
-/// Every message of the process comes this way, from before main() on.
+/// Every message of the process passes here, from before main() on.
 extern "C" __attribute__((visibility("default"))) IMP objc_msg_lookup(id receiver, SEL selector) {
   static std::atomic<faults::Lookup> real{nullptr};
   faults::Lookup lookup = real.load(std::memory_order_relaxed);
@@ -108,7 +174,7 @@ extern "C" __attribute__((visibility("default"))) IMP objc_msg_lookup(id receive
   const bool watched = caller >= faults::watched_begin.load(std::memory_order_relaxed) &&
                        caller < faults::watched_end.load(std::memory_order_relaxed);
   if (watched && faults::notes(selector)) {
-    return reinterpret_cast<IMP>(faults::answerIt);
+    return reinterpret_cast<IMP>(faults::returnResult);
   }
   return lookup(receiver, selector);
 }
