@@ -1,4 +1,4 @@
-// The methods on whatever desktop the process has, compared with what the frameworks answer to this program: on a Mac
+// The methods on the process's own desktop, compared with the frameworks' results in this program: on a Mac
 // the real one, elsewhere the example that comes with the project.
 #include <CoreGraphics/CoreGraphics.h>
 #include <gmock/gmock.h>
@@ -38,7 +38,7 @@ class AnyDesktop : public testing::Test {
   devhost::Plugin plugin;
 };
 
-TEST_F(AnyDesktop, NumbersTheDisplaysInTheOrderOfCoreGraphics) {
+TEST_F(AnyDesktop, GetIndexFollowsCoreGraphics) {
   const auto displays = activeDisplays();
   ASSERT_THAT(displays, testing::Not(testing::IsEmpty()));
   for (std::size_t index = 0; index < displays.size(); ++index) {
@@ -46,11 +46,11 @@ TEST_F(AnyDesktop, NumbersTheDisplaysInTheOrderOfCoreGraphics) {
   }
 }
 
-TEST_F(AnyDesktop, KnowsNoDisplayOfTheNumberZero) {
+TEST_F(AnyDesktop, DisplayZeroIsUnknown) {
   EXPECT_EQ(plugin.call("GetIndex", {0}).result.unsignedNumber(), 4099018739U);
 }
 
-TEST_F(AnyDesktop, HasDisplaysWhereCoreGraphicsHasThem) {
+TEST_F(AnyDesktop, GetRectMatchesCoreGraphics) {
   for (const CGDirectDisplayID display : activeDisplays()) {
     const CGRect bounds = CGDisplayBounds(display);
     const auto found = plugin.call("GetCGRect", {display});
@@ -61,14 +61,14 @@ TEST_F(AnyDesktop, HasDisplaysWhereCoreGraphicsHasThem) {
   }
 }
 
-TEST_F(AnyDesktop, HasPixelsOnEveryDisplayAndANameForEach) {
+TEST_F(AnyDesktop, EveryDisplayHasAScaleAndAName) {
   for (const CGDirectDisplayID display : activeDisplays()) {
     EXPECT_GE(plugin.call("GetScale", {display}).result.real(), 1.0);
     EXPECT_THAT(plugin.call("GetName", {display})["name"].text(), testing::Not(testing::IsEmpty()));
   }
 }
 
-TEST_F(AnyDesktop, ListsInstalledProfilesThatCanBeRead) {
+TEST_F(AnyDesktop, ListsReadableProfiles) {
   const auto paths = installedProfiles();
   ASSERT_THAT(paths, testing::Not(testing::IsEmpty()));
   for (const std::string& path : paths) {
@@ -77,7 +77,7 @@ TEST_F(AnyDesktop, ListsInstalledProfilesThatCanBeRead) {
   }
 }
 
-TEST_F(AnyDesktop, CallsTheObjectBackOnceForEachInstalledProfile) {
+TEST_F(AnyDesktop, RaisesOneEventForEachInstalledProfile) {
   std::vector<std::string> called;
   auto object = host.makeObject("Listener");
   host.addMethod(*object, "DisplayProfileFound( name as String, path as String )",

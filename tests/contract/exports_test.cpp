@@ -1,4 +1,4 @@
-// What the built library exports, compared with the list in the tree; nm and ldd say what is true.
+// What the built library exports, by nm and ldd, compared with the list in the tree.
 #include <gmock/gmock.h>
 
 #include <fnmatch.h>
@@ -74,7 +74,7 @@ TEST(Exports, EveryListedSymbolIsExportedOnce) {
   }
 }
 
-TEST(Exports, OnlyTheEntryTheVersionsAndTheFiveNamespacesAreListed) {
+TEST(Exports, ListHasOnlyTheEntryVersionsAndNamespaces) {
   const std::vector<std::string> allowed = {
       "REALPluginMain",        "OstrevinVersionNumber", "OstrevinVersionString", "_ZN7Display*",
       "_ZN15DisplayServices*", "_ZN15ProfileServices*", "_ZN14StringServices*",  "_ZN5Utils*"};
@@ -86,7 +86,7 @@ TEST(Exports, OnlyTheEntryTheVersionsAndTheFiveNamespacesAreListed) {
 }
 
 #ifndef OSTREVIN_SANITIZED  // a sanitizer's functions are in the program only
-TEST(Exports, EveryUndefinedSymbolIsFoundInALibraryThatThePluginNames) {
+TEST(Exports, EveryUndefinedSymbolHasALibrary) {
   const std::string report = outputOf("ldd -r '" OSTREVIN_LIBRARY "' 2>&1");
   EXPECT_THAT(report, testing::HasSubstr("libOstrevinPlatform.so"));
   EXPECT_THAT(report, Not(testing::HasSubstr("undefined symbol")));
@@ -94,7 +94,7 @@ TEST(Exports, EveryUndefinedSymbolIsFoundInALibraryThatThePluginNames) {
 }
 #endif
 
-TEST(LoadedModule, IsInitialisedDataThatNoCodeOfTheLibraryWrites) {
+TEST(LoadedModule, IsInitialisedDataNeverWritten) {
   // "d" is initialised data in nm's words; records that code fills in at load would be "b".
   const std::string symbols = outputOf("nm '" OSTREVIN_LIBRARY "'");
   EXPECT_THAT(symbols, HasSubstr(" d DisplayModuleDefinition\n"));

@@ -24,7 +24,7 @@ class FileMethods : public MethodTest {
   const support::TemporaryFolder folder;
 };
 
-TEST_F(FileMethods, QV02ReadPutsTheDocumentInPlaceOfWhatWasThere) {
+TEST_F(FileMethods, QV02ReadReplacesTheArgument) {
   const auto answer = read(profileWith("<profile name=\"Größe\"/>"));
   EXPECT_EQ(answer.result.integer(), kNoError);
   EXPECT_EQ(answer["xmlString"].text(), "<profile name=\"Größe\"/>");
@@ -35,19 +35,19 @@ TEST_F(FileMethods, QV02ReadKeepsNulsInTheDocument) {
   EXPECT_EQ(read(profileWith(document))["xmlString"].text(), document);
 }
 
-TEST_F(FileMethods, QV02ReadOfAnEmptyDocumentIsNoError) {
+TEST_F(FileMethods, QV02ReadAcceptsAnEmptyDocument) {
   const auto answer = read(profileWith(""));
   EXPECT_EQ(answer.result.integer(), kNoError);
   EXPECT_EQ(answer["xmlString"].text(), "");
 }
 
-TEST_F(FileMethods, QV02ReadOfAProfileWithoutTheTagGivesAnEmptyText) {
+TEST_F(FileMethods, QV02ReadWithoutTheTagStoresAnEmptyText) {
   const auto answer = read(folder.write("without.icc", support::displayProfile("a")));
   EXPECT_EQ(answer.result.integer(), kFailedToReadTag);
   EXPECT_EQ(answer["xmlString"].text(), "");
 }
 
-TEST_F(FileMethods, ICCTagExistsKnowsTheTagsOfTheFile) {
+TEST_F(FileMethods, ICCTagExistsFindsTheTagsOfTheFile) {
   const std::string path = profileWith("a");
   EXPECT_TRUE(plugin.call("ICCTagExists", {path, "QV02"}).result.boolean());
   EXPECT_TRUE(plugin.call("ICCTagExists", {path, "desc"}).result.boolean());

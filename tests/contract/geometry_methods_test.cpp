@@ -24,7 +24,7 @@ TEST_F(GeometryMethods, GetRectWritesTruncatedEdges) {
   EXPECT_EQ(answer["bottom"].integer(), 900);
 }
 
-TEST_F(GeometryMethods, GetRectLeavesTheUpperHalfOfAHostsSlotAlone) {
+TEST_F(GeometryMethods, GetRectWritesFourBytesPerEdge) {
   const RawSlot ones{0xFFFFFFFFFFFFFFFF};
   const auto answer = plugin.call("GetRect", {3, ones, ones, ones, ones});
   EXPECT_EQ(answer.slot("left"), 0xFFFFFFFF000005A0U);
@@ -40,24 +40,24 @@ TEST_F(GeometryMethods, GetCGRectWritesOriginAndSize) {
   EXPECT_EQ(answer["height"].real(), 900.0);
 }
 
-TEST_F(GeometryMethods, GetIndexIsThePositionAmongTheActiveDisplays) {
+TEST_F(GeometryMethods, GetIndexReturnsThePosition) {
   EXPECT_EQ(plugin.call("GetIndex", {1}).result.unsignedNumber(), 0U);
   EXPECT_EQ(plugin.call("GetIndex", {3}).result.unsignedNumber(), 2U);
 }
 
-TEST_F(GeometryMethods, GetIndexOfAnUnknownDisplayIsDisplayNotFound) {
+TEST_F(GeometryMethods, GetIndexReturns4099018739ForUnknownDisplay) {
   EXPECT_EQ(plugin.call("GetIndex", {0}).result.unsignedNumber(), kNotFound);
   EXPECT_EQ(plugin.call("GetIndex", {4294967295U}).result.unsignedNumber(), kNotFound);
 }
 
-TEST_F(GeometryMethods, GetScaleIsTheScreensBackingScale) {
+TEST_F(GeometryMethods, GetScaleReturnsTheBackingScale) {
   EXPECT_EQ(plugin.call("GetScale", {1}).result.real(), 2.0);
   EXPECT_EQ(plugin.call("GetScale", {2}).result.real(), 1.0);
   // The third screen's frame is 20 points off, which no tolerance covers.
   EXPECT_EQ(plugin.call("GetScale", {3}).result.real(), 2.0);
 }
 
-TEST_F(GeometryMethods, DisplayIDForWindowLooksAtTheRectangleBelowTheWindow) {
+TEST_F(GeometryMethods, DisplayIDForWindowTestsTheRectangleBelowTheWindow) {
   EXPECT_EQ(plugin.call("DisplayIDForWindow", {100, -100, 100, 100}).result.unsignedNumber(), 1U);
   EXPECT_EQ(plugin.call("DisplayIDForWindow", {-200, 0, 100, 100}).result.unsignedNumber(), 2U);
   EXPECT_EQ(plugin.call("DisplayIDForWindow", {100, 800, 100, 100}).result.unsignedNumber(), 0U);
@@ -74,7 +74,7 @@ TEST_F(GeometryMethods, DisplayIDForWindowTakesTheFullRangeOfIntegers) {
             1U);
 }
 
-TEST_F(GeometryMethods, SeeWhatChangedSinceTheLastCall) {
+TEST_F(GeometryMethods, NothingIsCachedBetweenCalls) {
   session.desktop->change([](Script& script) {
     script.arrangement.displays.erase(script.arrangement.displays.begin() + 1);
     script.arrangement.displays[1].bounds.x = 5000;
@@ -84,7 +84,7 @@ TEST_F(GeometryMethods, SeeWhatChangedSinceTheLastCall) {
   EXPECT_EQ(plugin.call("GetCGRect", {3})["x"].real(), 5000.0);
 }
 
-TEST(GeometryMethodsAtScale, AnswerFor64Displays) {
+TEST(GeometryMethodsAtScale, SixtyFourDisplays) {
   Script script;
   for (std::uint32_t i = 1; i <= 64; ++i) {
     script.arrangement.displays.push_back(support::display(i, {100.0 * i, 0, 100, 100}));
@@ -99,7 +99,7 @@ TEST(GeometryMethodsAtScale, AnswerFor64Displays) {
   }
 }
 
-TEST(GeometryMethodsWithoutDisplays, AnswerTheirFailureValues) {
+TEST(GeometryMethodsWithoutDisplays, ReturnFailureValues) {
   const support::ScriptedSession session;
   devhost::Host host;
   const auto plugin = support::loadFreshPlugin(host);

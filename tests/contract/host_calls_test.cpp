@@ -1,4 +1,4 @@
-// What the methods ask of the host, and in which order: the host's entries are replaced by some that take notes.
+// Which host entries the methods call, and in which order: entries that record their calls replace the host's.
 #include <cstdint>
 #include <functional>
 #include <string>
@@ -13,7 +13,7 @@ namespace {
 using contract::MethodTest;
 using testing::ElementsAre;
 
-/// A handle that stands for something of the host's; nobody looks behind it.
+/// An opaque handle.
 template <int kNumber>
 void* handle() {
   static char place;
@@ -62,31 +62,31 @@ class ByReferenceStrings : public HostCalls {
   }
 };
 
-TEST_F(ByReferenceStrings, OfGetNameAreReleasedOnceTheNewOneIsThere) {
+TEST_F(ByReferenceStrings, GetNameReleasesTheOldStringLast) {
   slot = handle<1>();
   call("GetName", std::uint32_t{1}, &slot);
   expectTheOldStringGoesOnceTheNewOneIsThere("Notebook");
 }
 
-TEST_F(ByReferenceStrings, OfGetProfilePathAreReleasedOnceTheNewOneIsThere) {
+TEST_F(ByReferenceStrings, GetProfilePathReleasesTheOldStringLast) {
   slot = handle<1>();
   call("GetProfilePath", std::uint32_t{1}, &slot);
   expectTheOldStringGoesOnceTheNewOneIsThere("/a.icc");
 }
 
-TEST_F(ByReferenceStrings, OfQV02ReadAreReleasedOnceTheNewOneIsThere) {
+TEST_F(ByReferenceStrings, QV02ReadReleasesTheOldStringLast) {
   slot = handle<1>();
   void* const no_path = nullptr;
   EXPECT_EQ(call<std::int32_t>("QV02Read", no_path, &slot), 466);
   expectTheOldStringGoesOnceTheNewOneIsThere("");
 }
 
-TEST_F(ByReferenceStrings, ThatAreNullAreReleasedAsWell) {
+TEST_F(ByReferenceStrings, NullOldStringsAreReleased) {
   call("GetName", std::uint32_t{1}, &slot);
   EXPECT_THAT(notes, ElementsAre("build \"Notebook\"", "unlock null, which the variable still holds"));
 }
 
-TEST_F(HostCalls, ICCTagExistsAsksForThePathBeforeTheTag) {
+TEST_F(HostCalls, ICCTagExistsReadsThePathBeforeTheTag) {
   host.entries().set(
       "StringGetCString", +[](void* string) -> const char* {
         notes.emplace_back(string == handle<1>() ? "path" : "tag");
@@ -117,7 +117,7 @@ class ProfileFound : public HostCalls {
   static inline std::function<void(void*)> set_object;
 };
 
-TEST_F(ProfileFound, IsLookedUpOnceAndCalledForTheObjectThatIsSetAtEachCall) {
+TEST_F(ProfileFound, IsCalledForTheObjectSetAtThatMoment) {
   call("SetObject", handle<1>());
   call("ListAllInstalledProfiles");
   EXPECT_THAT(notes, ElementsAre("find the method of the first", "call it for the first", "call it for the second",

@@ -16,7 +16,7 @@ constexpr const char* kProfileFound = "DisplayProfileFound( name as String, path
 
 using ListingMethods = MethodTest;
 
-TEST_F(ListingMethods, EventsComeByPath) {
+TEST_F(ListingMethods, EventsAreInPathOrder) {
   Events events;
   const auto object = listener(events);
   plugin.call("SetObject", {object});
@@ -24,18 +24,18 @@ TEST_F(ListingMethods, EventsComeByPath) {
   EXPECT_THAT(events, ElementsAre(Pair("B", "/a.icc"), Pair("A", "/b.icc"), Pair("B", "/c.icc")));
 }
 
-TEST_F(ListingMethods, ArraysComeByNameWithTheTieOrderOfHintedInsertion) {
+TEST_F(ListingMethods, ArraysAreInNameOrderWithHintedTies) {
   EXPECT_THAT(plugin.call("GetInstalledProfilePathsArray").result.texts(), ElementsAre("/b.icc", "/c.icc", "/a.icc"));
 }
 
-TEST_F(ListingMethods, ArraysKeepPathOrderOfEqualNamesThatFollowOneAnother) {
+TEST_F(ListingMethods, ArraysKeepPathOrderOfEqualNeighbours) {
   session.desktop->change([](Script& script) {
     script.installed_profiles = {contract::installed("/2.icc", "A"), contract::installed("/1.icc", "A")};
   });
   EXPECT_THAT(plugin.call("GetInstalledProfilePathsArray").result.texts(), ElementsAre("/1.icc", "/2.icc"));
 }
 
-TEST_F(ListingMethods, DisplayEventsNameProfilesByTheInstalledOnes) {
+TEST_F(ListingMethods, DisplayEventsUseInstalledNames) {
   Events events;
   const auto object = listener(events);
   plugin.call("SetObject", {object});
@@ -46,7 +46,7 @@ TEST_F(ListingMethods, DisplayEventsNameProfilesByTheInstalledOnes) {
   EXPECT_THAT(events, ElementsAre(Pair("", "/not installed.icc")));
 }
 
-TEST_F(ListingMethods, DisplayArraysComeByNameThenDefaultThenCurrent) {
+TEST_F(ListingMethods, DisplayArraysAreInOrderOfNameDefaultCurrent) {
   session.desktop->change([](Script& script) {
     script.installed_profiles = {contract::installed("/1", "N"), contract::installed("/2", "N"),
                                  contract::installed("/3", "N")};
@@ -57,14 +57,14 @@ TEST_F(ListingMethods, DisplayArraysComeByNameThenDefaultThenCurrent) {
   EXPECT_THAT(plugin.call("GetAssociatedProfilePathsArray", {1}).result.texts(), ElementsAre("/3", "/2", "/1"));
 }
 
-TEST_F(ListingMethods, ProfilesWithoutANameComeFirstInArrays) {
+TEST_F(ListingMethods, ArraysBeginWithNamelessProfiles) {
   session.desktop->change(
       [](Script& script) { script.installed_profiles.push_back(contract::installed("/z.icc", "")); });
   EXPECT_THAT(plugin.call("GetInstalledProfilePathsArray").result.texts(),
               ElementsAre("/z.icc", "/b.icc", "/c.icc", "/a.icc"));
 }
 
-TEST_F(ListingMethods, ADisplayWithoutProfilesRaisesNoEventAndGivesAnEmptyArray) {
+TEST_F(ListingMethods, DisplayWithoutProfilesHasNoEventsAndAnEmptyArray) {
   session.desktop->change([](Script& script) { script.device_profiles.clear(); });
   Events events;
   const auto object = listener(events);
@@ -74,12 +74,12 @@ TEST_F(ListingMethods, ADisplayWithoutProfilesRaisesNoEventAndGivesAnEmptyArray)
   EXPECT_THAT(plugin.call("GetAssociatedProfilePathsArray", {1}).result.texts(), testing::IsEmpty());
 }
 
-TEST_F(ListingMethods, ADisplayWithoutAUuidGetsTheListOfTheDisplayBefore) {
+TEST_F(ListingMethods, DisplayWithoutUuidRepeatsTheLastList) {
   EXPECT_THAT(plugin.call("GetAssociatedProfilePathsArray", {2}).result.texts(), ElementsAre("/c.icc"));
   EXPECT_THAT(plugin.call("GetAssociatedProfilePathsArray", {77}).result.texts(), ElementsAre("/c.icc"));
 }
 
-TEST_F(ListingMethods, TheSecondOfTwoObjectsGetsTheEvents) {
+TEST_F(ListingMethods, SecondObjectReplacesTheFirst) {
   Events first;
   Events second;
   const auto first_object = listener(first);
@@ -91,7 +91,7 @@ TEST_F(ListingMethods, TheSecondOfTwoObjectsGetsTheEvents) {
   EXPECT_EQ(second.size(), 3U);
 }
 
-TEST_F(ListingMethods, TakeNoReferenceOnTheObject) {
+TEST_F(ListingMethods, ObjectIsNotRetained) {
   Events events;
   const auto object = listener(events);
   host.clearRecords();
@@ -100,7 +100,7 @@ TEST_F(ListingMethods, TakeNoReferenceOnTheObject) {
   EXPECT_THAT(host.entries().lookups(), IsEmpty()) << "an entry would be needed to lock an object";
 }
 
-TEST_F(ListingMethods, AskForTheEventOnceBeforeTheFirstProfileOnANullObjectToo) {
+TEST_F(ListingMethods, EventIsLoadedOnceFromANullObjectToo) {
   plugin.call("ListAllInstalledProfiles");
   ASSERT_EQ(host.methodLookups().size(), 1U);
   EXPECT_EQ(host.methodLookups()[0].owner, nullptr);
@@ -111,25 +111,25 @@ TEST_F(ListingMethods, AskForTheEventOnceBeforeTheFirstProfileOnANullObjectToo) 
   EXPECT_EQ(host.methodLookups().size(), 1U);
 }
 
-TEST_F(ListingMethods, AskForTheEventWhenThereIsNoProfileToo) {
+TEST_F(ListingMethods, EventIsLoadedWithoutProfilesToo) {
   session.desktop->change([](Script& script) { script.installed_profiles.clear(); });
   plugin.call("ListAllInstalledProfiles");
   EXPECT_EQ(host.methodLookups().size(), 1U);
 }
 
-TEST_F(ListingMethods, RaiseNothingOnAnObjectWithoutTheEvent) {
+TEST_F(ListingMethods, ObjectWithoutTheEventGetsNone) {
   const auto object = host.makeObject("Silent");
   plugin.call("SetObject", {object});
   plugin.call("ListAllInstalledProfiles");
   EXPECT_THAT(host.faults(), IsEmpty());
 }
 
-TEST_F(ListingMethods, BuildTheirStringsWithoutAnEventToo) {
+TEST_F(ListingMethods, StringsAreBuiltWithoutAnEventToo) {
   plugin.call("ListAllInstalledProfiles");
   EXPECT_EQ(host.unreleased().size(), 6U) << "a name and a path of each of three profiles, for nobody";
 }
 
-TEST_F(ListingMethods, HandTheirStringsToTheHost) {
+TEST_F(ListingMethods, StringsBelongToTheHost) {
   Events events;
   const auto object = listener(events);
   plugin.call("SetObject", {object});
@@ -139,7 +139,7 @@ TEST_F(ListingMethods, HandTheirStringsToTheHost) {
   EXPECT_THAT(host.faults(), IsEmpty());
 }
 
-TEST_F(ListingMethods, AnEventMayCallTheSameListingAgain) {
+TEST_F(ListingMethods, EventMayCallTheSameListing) {
   std::vector<std::string> paths;
   int depth = 0;
   auto object = host.makeObject("Listener");
@@ -157,7 +157,7 @@ TEST_F(ListingMethods, AnEventMayCallTheSameListingAgain) {
   EXPECT_THAT(paths, ElementsAre("/a.icc", "/b.icc", "/c.icc"));
 }
 
-TEST_F(ListingMethods, AnEventMayChangeTheObject) {
+TEST_F(ListingMethods, EventMayChangeTheObject) {
   Events later;
   auto second = listener(later);
   auto first = host.makeObject("Listener");
@@ -172,7 +172,7 @@ TEST_F(ListingMethods, AnEventMayChangeTheObject) {
   EXPECT_EQ(raised + static_cast<int>(later.size()), 3);
 }
 
-TEST_F(ListingMethods, RunWithoutTheHostsObjectMethods) {
+TEST_F(ListingMethods, HostWithoutObjectMethodsGetsNoEvents) {
   host.entries().remove("REALLoadObjectMethod");
   Events events;
   const auto object = listener(events);

@@ -24,7 +24,7 @@ std::uint64_t frameworkCalls() {
 }
 
 // In a process of its own, which has not loaded the plugin before.
-TEST(LoadingThePlugin, CallsNoFrameworkStartsNoThreadAndOpensNothing) {
+TEST(PluginLoad, CallsNoFrameworkAndStartsNoThread) {
   const std::uint64_t calls = frameworkCalls();
   const std::size_t threads = entriesOf("/proc/self/task");
   const std::size_t files = entriesOf("/proc/self/fd");
@@ -37,7 +37,7 @@ TEST(LoadingThePlugin, CallsNoFrameworkStartsNoThreadAndOpensNothing) {
   EXPECT_GT(frameworkCalls(), calls) << "the calls are not counted";
 }
 
-TEST(LoadingThePlugin, IntoAHostWithoutAnEntryForTheVersionEndsTheProcess) {
+TEST(PluginLoad, EndsTheProcessWithoutRegisterPluginVersion) {
   GTEST_FLAG_SET(death_test_style, "threadsafe");
   devhost::Host host;
   host.entries().remove("RegisterPluginVersion");

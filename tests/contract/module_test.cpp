@@ -1,4 +1,4 @@
-// The module as a host sees it when the plugin is loaded; no display is asked about.
+// The module as a host sees it when the plugin is loaded. Needs no display.
 #include <gmock/gmock.h>
 
 #include <set>
@@ -26,11 +26,11 @@ TEST_F(Module, IsRegisteredOnceUnderItsNameAndVersion) {
   EXPECT_EQ(plugin.module().methods.size(), 15U);
 }
 
-TEST_F(Module, IsRegisteredAfterTheVersionIsAnnouncedAndNothingElseIsLookedUp) {
+TEST_F(Module, IsRegisteredAfterTheVersion) {
   EXPECT_THAT(host.entries().lookups(), ElementsAre("RegisterPluginVersion", "PluginRegisterModule"));
 }
 
-TEST_F(Module, HasZerosInEveryFieldThatItDoesNotUse) {
+TEST_F(Module, HasZerosInUnusedFields) {
   EXPECT_THAT(plugin.module().further, testing::Each(0U));
   for (const devhost::Method& method : plugin.module().methods) {
     EXPECT_NE(method.function, nullptr);

@@ -87,7 +87,7 @@ class DeviceListIterator : public DisplayTest {
   std::future<bool> answer_ = promise_.get_future();
 };
 
-TEST_F(DeviceListIterator, KeepsUrlAndNameOfAMatchFulfilsThePromiseAndEndsTheWalk) {
+TEST_F(DeviceListIterator, EndsTheWalkAtAMatch) {
   const MadeEntry made;
   EXPECT_FALSE(goesOn(made.get()));
   ASSERT_TRUE(fulfilled());
@@ -96,21 +96,21 @@ TEST_F(DeviceListIterator, KeepsUrlAndNameOfAMatchFulfilsThePromiseAndEndsTheWal
   EXPECT_EQ(device_iterator::device_name, made.description());
 }
 
-TEST_F(DeviceListIterator, TakesOneReferenceOnTheUrlOfAMatch) {
+TEST_F(DeviceListIterator, RetainsTheUrlOfAMatch) {
   const MadeEntry made;
   const CFIndex before = CFGetRetainCount(made.url());
   goesOn(made.get());
   EXPECT_EQ(CFGetRetainCount(made.url()), before + 1);
 }
 
-TEST_F(DeviceListIterator, KeepsTheNameOfAMatchAlive) {
+TEST_F(DeviceListIterator, RetainsTheNameOfAMatch) {
   const MadeEntry made;
   const CFIndex before = CFGetRetainCount(made.description());
   goesOn(made.get());
   EXPECT_EQ(CFGetRetainCount(made.description()), before + 1);
 }
 
-TEST_F(DeviceListIterator, TakesNoReferenceOnWhatDoesNotMatch) {
+TEST_F(DeviceListIterator, RetainsNothingWithoutAMatch) {
   MadeEntry made;
   made.set(kColorSyncDeviceProfileIsCurrent, kCFBooleanFalse);
   const CFIndex url_before = CFGetRetainCount(made.url());
@@ -127,7 +127,7 @@ TEST_F(DeviceListIterator, NeedsAllFourConditions) {
   expectNoMatch(MadeEntry().set(kColorSyncDeviceProfileIsCurrent, kCFBooleanFalse).get());
 }
 
-TEST_F(DeviceListIterator, PassesOverAnEntryThatLacksAValue) {
+TEST_F(DeviceListIterator, SkipsAnEntryWithAMissingValue) {
   for (const CFStringRef missing : allKeys()) {
     const auto partial = OwnedRef<CFMutableDictionaryRef>::adopt(CFDictionaryCreateMutable(
         kCFAllocatorDefault, 0, &kCFTypeDictionaryKeyCallBacks, &kCFTypeDictionaryValueCallBacks));
@@ -142,7 +142,7 @@ TEST_F(DeviceListIterator, PassesOverAnEntryThatLacksAValue) {
   }
 }
 
-TEST_F(DeviceListIterator, PassesOverAnEntryWithAValueOfAnotherType) {
+TEST_F(DeviceListIterator, SkipsAnEntryWithAValueOfAnotherType) {
   const UInt8 byte = 1;
   const auto data = OwnedRef<CFDataRef>::adopt(CFDataCreate(kCFAllocatorDefault, &byte, 1));
   for (const CFStringRef key : allKeys()) {
@@ -154,20 +154,20 @@ TEST_F(DeviceListIterator, PassesOverAnEntryWithAValueOfAnotherType) {
   expectNoMatch(MadeEntry().set(kColorSyncDeviceProfileIsDefault, number.get()).get());
 }
 
-TEST_F(DeviceListIterator, PassesOverANullEntry) { expectNoMatch(nullptr); }
+TEST_F(DeviceListIterator, SkipsANullEntry) { expectNoMatch(nullptr); }
 
-TEST_F(DeviceListIterator, MatchesNothingWhileNothingIsSought) {
+TEST_F(DeviceListIterator, MatchesNothingWithoutASoughtUuid) {
   device_iterator::inUUIDstr = nullptr;
   expectNoMatch(MadeEntry().get());
 }
 
-TEST_F(DeviceListIterator, PassesOverADeviceWhoseUuidGivesNoText) {
+TEST_F(DeviceListIterator, SkipsADeviceWithoutUuidText) {
   const MadeEntry made;
   fail(Call::CFUUIDCreateString);
   expectNoMatch(made.get());
 }
 
-TEST_F(DeviceListIterator, MatchesAgainAfterItsPromiseIsFulfilled) {
+TEST_F(DeviceListIterator, AcceptsAFulfilledPromise) {
   const MadeEntry first;
   const MadeEntry second;
   EXPECT_FALSE(goesOn(first.get()));
@@ -176,13 +176,13 @@ TEST_F(DeviceListIterator, MatchesAgainAfterItsPromiseIsFulfilled) {
   EXPECT_TRUE(answer_.get());
 }
 
-TEST_F(DeviceListIterator, CanDoWithoutAPromise) {
+TEST_F(DeviceListIterator, AcceptsANullPromise) {
   const MadeEntry made;
   EXPECT_FALSE(goesOn(made.get(), nullptr));
   EXPECT_EQ(device_iterator::profile_path, made.url());
 }
 
-TEST_F(DeviceListIterator, DropsAMatchWhenAnotherDisplayIsSoughtMeanwhile) {
+TEST_F(DeviceListIterator, DropsAMatchForAnEarlierQuery) {
   const MadeEntry made;
   const auto other = uuidText(2);
   platform::calls::setHook(Call::CFEqual, [&other](std::uint64_t nth) {
@@ -195,7 +195,7 @@ TEST_F(DeviceListIterator, DropsAMatchWhenAnotherDisplayIsSoughtMeanwhile) {
   EXPECT_EQ(device_iterator::inUUIDstr, other.get());
 }
 
-TEST_F(DeviceListIterator, DiscardsTheRecordsOfDevices) {
+TEST_F(DeviceListIterator, DiscardsDeviceRecords) {
   const MadeEntry made;
   const auto before = count(Call::CFDictionaryCreate);
   goesOn(made.get());

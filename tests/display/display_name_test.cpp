@@ -37,7 +37,7 @@ class FoundService {
   io_service_t handle_;
 };
 
-class IoServicePort : public DisplayTest {
+class IOServicePort : public DisplayTest {
  protected:
   /// The only display is number 1; these are the services.
   void setServices(std::vector<DisplayService> services) {
@@ -55,13 +55,13 @@ class IoServicePort : public DisplayTest {
   }
 };
 
-TEST_F(IoServicePort, IsTheServiceWithVendorModelAndSerialOfTheDisplay) {
+TEST_F(IOServicePort, MatchesVendorModelAndSerial) {
   EXPECT_EQ(text(DisplayNameForID(1)), "Name 1");
   EXPECT_EQ(text(DisplayNameForID(3)), "Name 3");
   EXPECT_TRUE(FoundService(2));
 }
 
-TEST_F(IoServicePort, OfADisplayWithoutSerialMatchesAServiceWithoutSerial) {
+TEST_F(IOServicePort, MatchesWithoutSerials) {
   DisplayService bare = service(1, "Bare");
   bare.serial.reset();
   setServices({bare});
@@ -70,7 +70,7 @@ TEST_F(IoServicePort, OfADisplayWithoutSerialMatchesAServiceWithoutSerial) {
   EXPECT_TRUE(FoundService(1));
 }
 
-TEST_F(IoServicePort, NeedsEachOfTheThreeNumbers) {
+TEST_F(IOServicePort, NeedsEachOfTheThreeNumbers) {
   setServices({service(1, "One")});
   for (const auto& numbers : std::vector<std::array<std::uint32_t, 3>>{{9, 2, 1}, {1, 9, 1}, {1, 2, 9}}) {
     setNumbers(numbers[0], numbers[1], numbers[2]);
@@ -80,7 +80,7 @@ TEST_F(IoServicePort, NeedsEachOfTheThreeNumbers) {
   EXPECT_TRUE(FoundService(1));
 }
 
-TEST_F(IoServicePort, ComparesVendorThenModelThenSerial) {
+TEST_F(IOServicePort, ComparesVendorThenModelThenSerial) {
   setServices({service(1, "One")});
   setNumbers(9, 9, 9);
   const CallsSince vendors(Call::CGDisplayVendorNumber);
@@ -98,7 +98,7 @@ TEST_F(IoServicePort, ComparesVendorThenModelThenSerial) {
   EXPECT_EQ(serials.count(), 1u);
 }
 
-TEST_F(IoServicePort, ComparesNumbersAsThirtyTwoBits) {
+TEST_F(IOServicePort, ComparesNumbersAs32Bits) {
   DisplayService large = service(1, "Large");
   large.vendor = 0xFFFFFFFE;
   large.product = 0x80000000;
@@ -108,7 +108,7 @@ TEST_F(IoServicePort, ComparesNumbersAsThirtyTwoBits) {
   EXPECT_EQ(text(DisplayNameForID(1)), "Large");
 }
 
-TEST_F(IoServicePort, PassesOverServicesWithoutVendorWithoutProductAndWithoutInformation) {
+TEST_F(IOServicePort, SkipsServicesWithoutNumbersOrInformation) {
   DisplayService no_vendor = service(1, "No vendor");
   no_vendor.vendor.reset();
   DisplayService no_product = service(1, "No product");
@@ -124,12 +124,12 @@ TEST_F(IoServicePort, PassesOverServicesWithoutVendorWithoutProductAndWithoutInf
   EXPECT_EQ(text(DisplayNameForID(1)), "Whole");
 }
 
-TEST_F(IoServicePort, OfTwoEqualServicesIsTheFirst) {
+TEST_F(IOServicePort, IsTheFirstOfTwoEqualServices) {
   setServices({service(1, "First"), service(1, "Second")});
   EXPECT_EQ(text(DisplayNameForID(1)), "First");
 }
 
-TEST_F(IoServicePort, IsFoundAmongSixtyFourServices) {
+TEST_F(IOServicePort, IsFoundAmong64Services) {
   std::vector<DisplayService> services;
   for (std::uint32_t serial = 1; serial <= 64; ++serial) {
     services.push_back(service(100 + serial, "Other"));
@@ -143,7 +143,7 @@ TEST_F(IoServicePort, IsFoundAmongSixtyFourServices) {
   EXPECT_EQ(releases.count(), 2u) << "the iterator and the match; services that do not match stay";
 }
 
-TEST_F(IoServicePort, AmongSixtyFourOthersIsNone) {
+TEST_F(IOServicePort, IsNoneAmong64OtherServices) {
   std::vector<DisplayService> services;
   for (std::uint32_t serial = 1; serial <= 64; ++serial) {
     services.push_back(service(100 + serial, "Other"));
@@ -154,12 +154,12 @@ TEST_F(IoServicePort, AmongSixtyFourOthersIsNone) {
   EXPECT_EQ(releases.count(), 1u) << "the iterator only";
 }
 
-TEST_F(IoServicePort, IsNoneWithoutServices) {
+TEST_F(IOServicePort, IsNoneWithoutServices) {
   setServices({});
   EXPECT_FALSE(FoundService(1));
 }
 
-TEST_F(IoServicePort, IsNoneWhenACallFails) {
+TEST_F(IOServicePort, IsNoneWhenACallFails) {
   for (const Call call :
        {Call::IOServiceMatching, Call::IOServiceGetMatchingServices, Call::IOIteratorNext,
         Call::IODisplayCreateInfoDictionary, Call::CFDictionaryGetValueIfPresent, Call::CFNumberGetValue}) {
@@ -171,39 +171,39 @@ TEST_F(IoServicePort, IsNoneWhenACallFails) {
   }
 }
 
-TEST_F(IoServicePort, IsNoneWhenAnErrorComesWithTheServices) {
+TEST_F(IOServicePort, IsNoneWhenAnErrorComesWithTheServices) {
   platform::calls::setHook(Call::IOServiceGetMatchingServices,
                            [](std::uint64_t) { return Answer{.late_error = KERN_FAILURE}; });
   EXPECT_FALSE(FoundService(1));
   EXPECT_EQ(text(DisplayNameForID(1)), "UNKNOWN");
 }
 
-TEST_F(IoServicePort, IsNoneForADisplayOfZerosWhenNumbersCannotBeRead) {
+TEST_F(IOServicePort, IsNoneWithUnreadableNumbers) {
   setNumbers(0, 0, 0);
   fail(Call::CFNumberGetValue);
   EXPECT_FALSE(FoundService(1));
 }
 
-TEST_F(IoServicePort, OfDisplayZeroOrADisconnectedDisplayIsNone) {
+TEST_F(IOServicePort, IsNoneForDisplay0AndDisconnectedDisplays) {
   EXPECT_FALSE(FoundService(0));
   EXPECT_FALSE(FoundService(99));
 }
 
-using DisplayName = IoServicePort;
+using DisplayName = IOServicePort;
 
-TEST_F(DisplayName, OfDisplayZeroOrADisconnectedDisplayIsUnknown) {
+TEST_F(DisplayName, IsUnknownForDisplay0AndDisconnectedDisplays) {
   EXPECT_EQ(text(DisplayNameForID(0)), "UNKNOWN");
   EXPECT_EQ(text(DisplayNameForID(99)), "UNKNOWN");
 }
 
-TEST_F(DisplayName, WithAnotherSerialInIoKitIsUnknownWithoutAskingColorSync) {
+TEST_F(DisplayName, IsUnknownForAnotherSerialWithoutAQuery) {
   setServices({service(7, "Other")});
   const CallsSince walks(Call::ColorSyncIterateDeviceProfiles);
   EXPECT_EQ(text(DisplayNameForID(1)), "UNKNOWN");
   EXPECT_EQ(walks.count(), 0u);
 }
 
-TEST_F(DisplayName, WithoutProductNamesIsUnknownWithoutAskingColorSync) {
+TEST_F(DisplayName, IsUnknownWithoutProductNamesWithoutAQuery) {
   DisplayService none = service(1, "");
   none.product_names.reset();
   DisplayService empty = service(1, "");
@@ -216,12 +216,12 @@ TEST_F(DisplayName, WithoutProductNamesIsUnknownWithoutAskingColorSync) {
   EXPECT_EQ(queues.count(), 0u);
 }
 
-TEST_F(DisplayName, ThatIsEmptyInIoKitIsColorSyncs) {
+TEST_F(DisplayName, EmptyInIoKitComesFromColorSync) {
   setServices({service(1, "")});
   EXPECT_EQ(text(DisplayNameForID(1)), "ColorSync 1");
 }
 
-TEST_F(DisplayName, FromColorSyncLeavesAReferenceToTheUuidBehind) {
+TEST_F(DisplayName, FromColorSyncLeaksTheUuid) {
   setServices({service(1, "")});
   const auto uuid = makeUuid(1);
   const CFIndex before = CFGetRetainCount(uuid.get());
@@ -230,7 +230,7 @@ TEST_F(DisplayName, FromColorSyncLeavesAReferenceToTheUuidBehind) {
   EXPECT_EQ(CFGetRetainCount(uuid.get()), before + 1);
 }
 
-TEST_F(DisplayName, ThatIsEmptyInIoKitAndNotInColorSyncIsUnknownAtTheLimit) {
+TEST_F(DisplayName, EmptyInIoKitIsUnknownAtColorSyncsLimit) {
   setServices({service(1, "")});
   edit([](Script& script) { script.device_profiles.clear(); });
   waitInNoTime([this] { waitForWalks(1); });
@@ -238,7 +238,7 @@ TEST_F(DisplayName, ThatIsEmptyInIoKitAndNotInColorSyncIsUnknownAtTheLimit) {
   EXPECT_THAT(limits(), ElementsAre(std::chrono::seconds(10)));
 }
 
-TEST_F(DisplayName, ThatIsEmptyInIoKitIsUnknownAtOnceForADisplayWithoutUuid) {
+TEST_F(DisplayName, EmptyInIoKitIsUnknownWithoutUuid) {
   setServices({service(1, "")});
   edit([](Script& script) { script.arrangement.displays[0].uuid.reset(); });
   const CallsSince queues(Call::dispatch_queue_create);
@@ -246,7 +246,7 @@ TEST_F(DisplayName, ThatIsEmptyInIoKitIsUnknownAtOnceForADisplayWithoutUuid) {
   EXPECT_EQ(queues.count(), 0u);
 }
 
-TEST_F(DisplayName, IsTheOneNameThatIoKitLeavesOfSeveral) {
+TEST_F(DisplayName, IsTheNameInThePreferredLanguage) {
   DisplayService several = service(1, "");
   several.product_names = {{{"fr", "Écran"}, {"en", "Screen"}, {"ja", "画面"}}};
   setServices({several});
@@ -261,20 +261,20 @@ TEST_F(DisplayName, KeepsItsBytes) {
   EXPECT_EQ(text(DisplayNameForID(1)), "Écran “27″” 画面");
 }
 
-TEST_F(DisplayName, StaysValidWhenTheServiceIsGone) {
+TEST_F(DisplayName, OutlivesTheService) {
   const CFStringRef name = DisplayNameForID(1);
   edit([](Script& script) { script = {}; });
   EXPECT_EQ(text(name), "Name 1");
 }
 
-TEST_F(DisplayName, IsUnknownWhenTheInformationIsGoneAfterTheMatch) {
+TEST_F(DisplayName, IsUnknownWithoutInformationAfterTheMatch) {
   fail(Call::IODisplayCreateInfoDictionary, 2);
   const CallsSince releases(Call::IOObjectRelease);
   EXPECT_EQ(text(DisplayNameForID(1)), "UNKNOWN");
   EXPECT_EQ(releases.count(), 2u) << "the iterator and the service";
 }
 
-TEST_F(DisplayName, IsSearchedAfreshEveryTime) {
+TEST_F(DisplayName, IsNotCached) {
   const CallsSince searches(Call::IOServiceGetMatchingServices);
   EXPECT_EQ(text(DisplayNameForID(1)), "Name 1");
   edit([](Script& script) { script.arrangement.services[0] = service(1, "Renamed"); });

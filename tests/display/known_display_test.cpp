@@ -1,4 +1,4 @@
-// The remembered names of displays.
+// The cached names of displays.
 #include "display/scripted_displays.h"
 
 namespace {
@@ -6,7 +6,7 @@ namespace {
 using namespace display_tests;
 using DisplayServices::KnownDisplayForID;
 
-// The memory is the process's: each test asks about a UUID that no other test asks about.
+// The cache is the process's: each test uses UUIDs of its own.
 class KnownDisplay : public DisplayTest {
  protected:
   /// The only display: number `number` and a UUID of this number.
@@ -18,7 +18,7 @@ class KnownDisplay : public DisplayTest {
   }
 };
 
-TEST_F(KnownDisplay, IsSearchedOnceAndIsTheIdenticalStringAfterwards) {
+TEST_F(KnownDisplay, IsSearchedOnce) {
   haveDisplay(11);
   const auto before = count(Call::IOServiceGetMatchingServices);
   const CFStringRef first = KnownDisplayForID(11);
@@ -28,7 +28,7 @@ TEST_F(KnownDisplay, IsSearchedOnceAndIsTheIdenticalStringAfterwards) {
   EXPECT_EQ(count(Call::IOServiceGetMatchingServices), before + 1);
 }
 
-TEST_F(KnownDisplay, KeepsItsNameWhateverHappensLater) {
+TEST_F(KnownDisplay, KeepsItsNameAfterChanges) {
   haveDisplay(12);
   EXPECT_EQ(text(KnownDisplayForID(12)), "Name 12");
   edit([](Script& script) { script.arrangement.services = {service(12, "Renamed")}; });
@@ -36,7 +36,7 @@ TEST_F(KnownDisplay, KeepsItsNameWhateverHappensLater) {
   EXPECT_EQ(text(KnownDisplayForID(12)), "Name 12");
 }
 
-TEST_F(KnownDisplay, ThatWasUnknownStaysUnknown) {
+TEST_F(KnownDisplay, StaysUnknown) {
   haveDisplay(13);
   edit([](Script& script) { script.arrangement.services.clear(); });
   EXPECT_EQ(text(KnownDisplayForID(13)), "UNKNOWN");
@@ -44,7 +44,7 @@ TEST_F(KnownDisplay, ThatWasUnknownStaysUnknown) {
   EXPECT_EQ(text(KnownDisplayForID(13)), "UNKNOWN");
 }
 
-TEST_F(KnownDisplay, WithoutUuidIsUnknownAndNotRemembered) {
+TEST_F(KnownDisplay, IsNotCachedWithoutUuid) {
   haveDisplay(14);
   edit([](Script& script) { script.arrangement.displays[0].uuid.reset(); });
   EXPECT_EQ(text(KnownDisplayForID(14)), "UNKNOWN");
@@ -52,7 +52,7 @@ TEST_F(KnownDisplay, WithoutUuidIsUnknownAndNotRemembered) {
   EXPECT_EQ(text(KnownDisplayForID(14)), "Name 14");
 }
 
-TEST_F(KnownDisplay, ZeroAndDisconnectedDisplaysAreUnknown) {
+TEST_F(KnownDisplay, IsUnknownForDisplay0AndDisconnectedDisplays) {
   EXPECT_EQ(text(KnownDisplayForID(0)), "UNKNOWN");
   EXPECT_EQ(text(KnownDisplayForID(99)), "UNKNOWN");
   EXPECT_EQ(text(DisplayServices::__knownDisplayForUUID(nullptr)), "UNKNOWN");
@@ -68,7 +68,7 @@ TEST_F(KnownDisplay, IsKeyedByUuidNotByNumber) {
   EXPECT_EQ(text(KnownDisplayForID(16)), "Name 15");
 }
 
-TEST_F(KnownDisplay, WithoutAUuidTextIsUnknownAndNotRemembered) {
+TEST_F(KnownDisplay, IsNotCachedWithoutUuidText) {
   haveDisplay(17);
   fail(Call::CFUUIDCreateString);
   EXPECT_EQ(text(KnownDisplayForID(17)), "UNKNOWN");
@@ -84,7 +84,7 @@ TEST_F(KnownDisplay, DoesNotConsumeTheUuid) {
   EXPECT_EQ(CFGetRetainCount(uuid.get()), before);
 }
 
-TEST_F(KnownDisplay, LeavesAReferenceToTheUuidBehindPerCall) {
+TEST_F(KnownDisplay, LeaksAReferenceToTheUuidPerCall) {
   haveDisplay(19);
   const auto uuid = makeUuid(19);
   const CFIndex before = CFGetRetainCount(uuid.get());
@@ -93,7 +93,7 @@ TEST_F(KnownDisplay, LeavesAReferenceToTheUuidBehindPerCall) {
   EXPECT_EQ(CFGetRetainCount(uuid.get()), before + 2);
 }
 
-TEST_F(KnownDisplay, ThatOnlyColorSyncCanNameIsWaitedForOnce) {
+TEST_F(KnownDisplay, QueriesColorSyncOnce) {
   haveDisplay(20);
   edit([](Script& script) {
     script.arrangement.services = {service(20, "")};
@@ -105,7 +105,7 @@ TEST_F(KnownDisplay, ThatOnlyColorSyncCanNameIsWaitedForOnce) {
   EXPECT_THAT(limits(), testing::ElementsAre(std::chrono::seconds(10)));
 }
 
-TEST_F(KnownDisplay, IsFoundWhenNothingCanBeRemembered) {
+TEST_F(KnownDisplay, IsFoundWithoutACache) {
   haveDisplay(21);
   fail(Call::CFDictionaryCreateMutable);
   EXPECT_EQ(text(KnownDisplayForID(21)), "Name 21");

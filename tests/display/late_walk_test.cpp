@@ -1,4 +1,4 @@
-// Walks that go on after their query has given up.
+// Walks that outlive their query.
 #include <cstdio>
 #include <cstdlib>
 #include <functional>
@@ -41,7 +41,7 @@ class LateWalk : public DisplayTest {
   unsigned begun_ = 0;
 };
 
-TEST_F(LateWalk, WithAMatchLeavesItInTheSharedVariables) {
+TEST_F(LateWalk, StoresItsMatch) {
   giveUpOn(1);
   EXPECT_EQ(text(device_iterator::device_name), "Empty");
   desktop_->releaseWalks();
@@ -50,7 +50,7 @@ TEST_F(LateWalk, WithAMatchLeavesItInTheSharedVariables) {
   EXPECT_EQ(text(device_iterator::device_name), "ColorSync 1");
 }
 
-TEST_F(LateWalk, LeavesAQueryForAnotherDisplayItsOwnAnswer) {
+TEST_F(LateWalk, DoesNotDisturbAQueryForAnotherDisplay) {
   giveUpOn(1);
   stopHanging();
   waitInNoTime([this] { waitForWalks(1); });
@@ -59,7 +59,7 @@ TEST_F(LateWalk, LeavesAQueryForAnotherDisplayItsOwnAnswer) {
   waitForWalks(2);
 }
 
-TEST_F(LateWalk, ThatGoesOnDuringAQueryForAnotherDisplayLeavesItItsOwnAnswer) {
+TEST_F(LateWalk, DoesNotDisturbAQueryThatItOverlaps) {
   giveUpOn(1);
   stopHanging();
   waitInNoTime([this] {
@@ -70,7 +70,7 @@ TEST_F(LateWalk, ThatGoesOnDuringAQueryForAnotherDisplayLeavesItItsOwnAnswer) {
   EXPECT_EQ(text(device_iterator::device_name), "ColorSync 2");
 }
 
-TEST_F(LateWalk, ThatMatchesBetweenAnotherQuerysMatchAndItsAnswerIsDropped) {
+TEST_F(LateWalk, IsDroppedBetweenAnotherMatchAndItsAnswer) {
   // The walk for display 1 stops in the last comparison of the entry that matches it ...
   Event reached_match;
   Event may_go_on;
@@ -84,7 +84,7 @@ TEST_F(LateWalk, ThatMatchesBetweenAnotherQuerysMatchAndItsAnswerIsDropped) {
   stopHanging();
   waitInNoTime([&] { reached_match.wait(); });
   EXPECT_EQ(ProfilePathForDisplay(1), nullptr);
-  // ... and goes on when the walk for display 2 has matched, and its query has not yet read the answer.
+  // ... and continues between the match of display 2's walk and its query's read.
   waitInNoTime([&] {
     waitForWalks(1);
     may_go_on.happen();
@@ -94,7 +94,7 @@ TEST_F(LateWalk, ThatMatchesBetweenAnotherQuerysMatchAndItsAnswerIsDropped) {
   EXPECT_EQ(text(device_iterator::device_name), "ColorSync 2");
 }
 
-TEST_F(LateWalk, LeavesANameQueryItsOwnAnswer) {
+TEST_F(LateWalk, DoesNotDisturbANameQuery) {
   giveUpOn(1);
   stopHanging();
   waitInNoTime([this] {
@@ -104,7 +104,7 @@ TEST_F(LateWalk, LeavesANameQueryItsOwnAnswer) {
   EXPECT_EQ(text(displayNameUsingColorSync(makeUuid(3).get())), "ColorSync 3");
 }
 
-TEST_F(LateWalk, AmongFortyOthersLeavesAQueryItsOwnAnswer) {
+TEST_F(LateWalk, FortyDoNotDisturbAQuery) {
   constexpr unsigned kLateWalks = 40;
   for (unsigned i = 0; i < kLateWalks; ++i) {
     giveUpOn(1 + i % 3);
@@ -117,7 +117,7 @@ TEST_F(LateWalk, AmongFortyOthersLeavesAQueryItsOwnAnswer) {
   EXPECT_EQ(queriedPath(3), "/profiles/3.icc");
 }
 
-TEST_F(LateWalk, RacingWithAQueryForAnotherDisplayLeavesItItsOwnAnswer) {
+TEST_F(LateWalk, DoesNotDisturbARacingQuery) {
   for (unsigned round = 0; round < 50; ++round) {
     // A desktop whose walks hang until they are released, and then never again.
     desktop_ = std::make_shared<ScriptedDesktop>(script_);
@@ -146,7 +146,7 @@ __attribute__((destructor)) void runAtTheVeryEnd() {
 
 using LateWalkDeathTest = LateWalk;
 
-TEST_F(LateWalkDeathTest, ThatHangsWhileTheProcessExitsDoesNoHarm) {
+TEST_F(LateWalkDeathTest, MayHangWhileTheProcessExits) {
   GTEST_FLAG_SET(death_test_style, "threadsafe");
   EXPECT_EXIT(
       {
@@ -156,7 +156,7 @@ TEST_F(LateWalkDeathTest, ThatHangsWhileTheProcessExitsDoesNoHarm) {
       testing::ExitedWithCode(0), "");
 }
 
-TEST_F(LateWalkDeathTest, ThatMatchesWhenStaticObjectsAreGoneDoesNoHarm) {
+TEST_F(LateWalkDeathTest, MayMatchAfterStaticDestruction) {
   GTEST_FLAG_SET(death_test_style, "threadsafe");
   EXPECT_EXIT(
       {

@@ -37,7 +37,7 @@ TEST_F(MonitorsSet, BuildAddsToWhatIsThere) {
   EXPECT_THAT(set, SizeIs(4));
 }
 
-TEST_F(MonitorsSet, BuildLeavesOneReferencePerDisplayBehind) {
+TEST_F(MonitorsSet, BuildLeaksOneReferencePerDisplay) {
   const auto uuid = makeUuid(1);
   const CFIndex before = CFGetRetainCount(uuid.get());
   monitors_set::UuidSet set;
@@ -46,48 +46,48 @@ TEST_F(MonitorsSet, BuildLeavesOneReferencePerDisplayBehind) {
   EXPECT_EQ(CFGetRetainCount(uuid.get()), before + 2);
 }
 
-TEST_F(MonitorsSet, HasNoDisplayTwice) {
+TEST_F(MonitorsSet, HasEachUuidOnce) {
   edit([](Script& script) { script.arrangement.displays[1].uuid = uuidOf(1); });
   EXPECT_THAT(build(), SizeIs(2));
 }
 
-TEST_F(MonitorsSet, OfNoDisplaysIsEmptyAndTheListIsNotAskedFor) {
+TEST_F(MonitorsSet, IsEmptyWithoutDisplaysAfterOneCall) {
   edit([](Script& script) { script.arrangement.displays.clear(); });
   const auto before = count(Call::CGGetActiveDisplayList);
   EXPECT_THAT(build(), SizeIs(0));
   EXPECT_EQ(count(Call::CGGetActiveDisplayList), before + 1);
 }
 
-TEST_F(MonitorsSet, IsLeftAsItWasWhenTheDisplaysCannotBeListed) {
+TEST_F(MonitorsSet, StaysEmptyWhenListingFails) {
   fail(Call::CGGetActiveDisplayList, 1);
   EXPECT_THAT(build(), SizeIs(0));
   fail(Call::CGGetActiveDisplayList, 2);
   EXPECT_THAT(build(), SizeIs(0));
 }
 
-TEST_F(MonitorsSet, IsBuiltDespiteAnErrorThatComesWithTheCount) {
+TEST_F(MonitorsSet, IgnoresAnErrorWithACount) {
   answerOnce(Call::CGGetActiveDisplayList, 1, {.late_error = kCGErrorFailure});
   EXPECT_THAT(build(), SizeIs(3));
 }
 
-TEST_F(MonitorsSet, IsLeftAsItWasWhenAnErrorComesWithTheList) {
+TEST_F(MonitorsSet, StaysEmptyAfterAnErrorWithAList) {
   answerOnce(Call::CGGetActiveDisplayList, 2, {.late_error = kCGErrorFailure});
   EXPECT_THAT(build(), SizeIs(0));
 }
 
-TEST_F(MonitorsSet, ReadsNoMoreDisplaysThanItMadeRoomFor) {
+TEST_F(MonitorsSet, ReadsNoFurtherThanItsBuffer) {
   answerOnce(Call::CGGetActiveDisplayList, 2, {.number = 1000});
   EXPECT_THAT(build(), SizeIs(3));
 }
 
-TEST_F(MonitorsSet, TakesNoMoreDisplaysThanAreListedInTheEnd) {
+TEST_F(MonitorsSet, HasOnlyListedDisplays) {
   answerOnce(Call::CGGetActiveDisplayList, 2, {.number = 1});
   EXPECT_THAT(build(), UnorderedElementsAre(makeUuid(1).get()));
   answerOnce(Call::CGGetActiveDisplayList, 2, {.number = 0});
   EXPECT_THAT(build(), SizeIs(0));
 }
 
-TEST_F(MonitorsSet, TakesOnlyAsManyDisplaysAsWereCountedAtFirst) {
+TEST_F(MonitorsSet, HasOnlyCountedDisplays) {
   answerOnce(Call::CGGetActiveDisplayList, 1, {.number = 2});
   EXPECT_THAT(build(), UnorderedElementsAre(makeUuid(1).get(), makeUuid(2).get()));
 }
@@ -97,27 +97,27 @@ TEST_F(MonitorsSet, CountsADisplayWithoutUuidAsNull) {
   EXPECT_THAT(build(), UnorderedElementsAre(nullptr, makeUuid(2).get(), makeUuid(3).get()));
 }
 
-TEST_F(MonitorsSet, IntoNothingIsNothing) { monitors_set::buildSet(nullptr); }
+TEST_F(MonitorsSet, AcceptsANullSet) { monitors_set::buildSet(nullptr); }
 
-using DisplaysHaveChanged = MonitorsSet;
+using DisplaysChangedResult = MonitorsSet;
 
-TEST_F(DisplaysHaveChanged, NotRightAfterTheFirstLook) {
+TEST_F(DisplaysChangedResult, ReturnsFalseAfterTheInitialSet) {
   BuildInitialMonitorsSet();
   EXPECT_FALSE(DisplaysChanged());
   EXPECT_FALSE(DisplaysChanged());
 }
 
-TEST_F(DisplaysHaveChanged, OnceBeforeTheFirstLook) {
+TEST_F(DisplaysChangedResult, ReturnsTrueOnceWithoutAnInitialSet) {
   EXPECT_TRUE(DisplaysChanged());
   EXPECT_FALSE(DisplaysChanged());
 }
 
-TEST_F(DisplaysHaveChanged, NotBeforeTheFirstLookWhenThereAreNone) {
+TEST_F(DisplaysChangedResult, ReturnsFalseWithoutDisplays) {
   edit([](Script& script) { script.arrangement.displays.clear(); });
   EXPECT_FALSE(DisplaysChanged());
 }
 
-TEST_F(DisplaysHaveChanged, OnceAfterADisplayIsConnectedAndOnceAfterItIsDisconnected) {
+TEST_F(DisplaysChangedResult, ReturnsTrueOnceForEachChange) {
   BuildInitialMonitorsSet();
   edit([](Script& script) { script.arrangement.displays.push_back(display(4)); });
   EXPECT_TRUE(DisplaysChanged());
@@ -127,14 +127,14 @@ TEST_F(DisplaysHaveChanged, OnceAfterADisplayIsConnectedAndOnceAfterItIsDisconne
   EXPECT_FALSE(DisplaysChanged());
 }
 
-TEST_F(DisplaysHaveChanged, WhenOneDisplayTakesThePlaceOfAnother) {
+TEST_F(DisplaysChangedResult, ReturnsTrueForAReplacedDisplay) {
   BuildInitialMonitorsSet();
   edit([](Script& script) { script.arrangement.displays[2].uuid = uuidOf(4); });
   EXPECT_TRUE(DisplaysChanged());
   EXPECT_FALSE(DisplaysChanged());
 }
 
-TEST_F(DisplaysHaveChanged, NotWhenTheyHaveAnotherPlaceOrderOrResolution) {
+TEST_F(DisplaysChangedResult, ReturnsFalseForAnotherArrangement) {
   BuildInitialMonitorsSet();
   edit([](Script& script) {
     auto& displays = script.arrangement.displays;
@@ -145,7 +145,7 @@ TEST_F(DisplaysHaveChanged, NotWhenTheyHaveAnotherPlaceOrderOrResolution) {
   EXPECT_FALSE(DisplaysChanged());
 }
 
-TEST_F(DisplaysHaveChanged, WhenTheyCannotBeListedAndAgainWhenTheyCan) {
+TEST_F(DisplaysChangedResult, ReturnsTrueWhenListingFailsAndRecovers) {
   BuildInitialMonitorsSet();
   fail(Call::CGGetActiveDisplayList);
   EXPECT_TRUE(DisplaysChanged());
@@ -154,7 +154,7 @@ TEST_F(DisplaysHaveChanged, WhenTheyCannotBeListedAndAgainWhenTheyCan) {
   EXPECT_TRUE(DisplaysChanged());
 }
 
-TEST_F(DisplaysHaveChanged, NotForgettingADisplayThatIsGoneAtASecondFirstLook) {
+TEST_F(DisplaysChangedResult, ComparesWithAllInitialSets) {
   BuildInitialMonitorsSet();
   edit([](Script& script) { script.arrangement.displays.pop_back(); });
   BuildInitialMonitorsSet();

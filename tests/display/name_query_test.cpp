@@ -11,17 +11,17 @@ using testing::IsEmpty;
 
 using NameQuery = DisplayTest;
 
-TEST_F(NameQuery, GivesTheDescriptionOfTheDisplaysDevice) {
+TEST_F(NameQuery, ReturnsTheDeviceDescription) {
   EXPECT_EQ(text(displayNameUsingColorSync(makeUuid(2).get())), "ColorSync 2");
 }
 
-TEST_F(NameQuery, IsUnknownWhenTheWalkFindsNothing) {
+TEST_F(NameQuery, ReturnsUnknownWithoutAMatch) {
   waitInNoTime([this] { waitForWalks(1); });
   EXPECT_EQ(text(displayNameUsingColorSync(makeUuid(9).get())), "UNKNOWN");
   EXPECT_THAT(limits(), ElementsAre(std::chrono::seconds(10)));
 }
 
-TEST_F(NameQuery, IsUnknownAtOnceWithoutUuidUuidTextOrQueue) {
+TEST_F(NameQuery, ReturnsUnknownAtOnceWithoutUuidOrQueue) {
   waitInNoTime();
   const auto uuid = makeUuid(1);
   EXPECT_EQ(text(displayNameUsingColorSync(nullptr)), "UNKNOWN");
@@ -48,7 +48,7 @@ TEST_F(NameQuery, DoesNotConsumeTheUuid) {
   EXPECT_EQ(CFGetRetainCount(uuid.get()), before);
 }
 
-TEST_F(NameQuery, GivesANameThatStaysValidWhenTheDesktopAndLaterQueriesAreGone) {
+TEST_F(NameQuery, ReturnsANameThatStaysValid) {
   const CFStringRef name = displayNameUsingColorSync(makeUuid(2).get());
   EXPECT_EQ(text(displayNameUsingColorSync(makeUuid(3).get())), "ColorSync 3");
   waitForWalks(2);

@@ -16,20 +16,20 @@ std::string queriedPath(CGDirectDisplayID number) {
 /// A reference of the caller's own, to be consumed.
 CFUUIDRef consumable(std::uint32_t number) { return makeUuid(number).release(); }
 
-TEST_F(ProfileAssignment, IsReportedByALaterQuery) {
+TEST_F(ProfileAssignment, ChangesTheProfile) {
   const auto url = makeUrl("/folder with spaces/Profil é.icc");
   EXPECT_TRUE(SetProfileForDisplay(url.get(), 2));
   EXPECT_EQ(queriedPath(2), "/folder with spaces/Profil é.icc");
   EXPECT_EQ(queriedPath(1), "/profiles/1.icc");
 }
 
-TEST_F(ProfileAssignment, ByUuidIsReportedByALaterQuery) {
+TEST_F(ProfileAssignment, ByUuidChangesTheProfile) {
   const auto url = makeUrl("/new.icc");
   EXPECT_TRUE(SetProfileForDisplay64(url.get(), consumable(3)));
   EXPECT_EQ(queriedPath(3), "/new.icc");
 }
 
-TEST_F(ProfileAssignment, GivesColorSyncADictionaryOfTheDefaultProfileAlone) {
+TEST_F(ProfileAssignment, SetsTheDefaultProfileOnly) {
   const platform::calls::Edit look = [](const void* given) -> const void* {
     const auto profiles = static_cast<CFDictionaryRef>(given);
     EXPECT_EQ(CFDictionaryGetCount(profiles), 1);
@@ -44,14 +44,14 @@ TEST_F(ProfileAssignment, GivesColorSyncADictionaryOfTheDefaultProfileAlone) {
   EXPECT_EQ(queriedPath(2), "/new.icc");
 }
 
-TEST_F(ProfileAssignment, PassesColorSyncsRefusalOn) {
+TEST_F(ProfileAssignment, ReturnsFalseWhenColorSyncRefuses) {
   edit([](Script& script) { script.accepts_profiles = false; });
   const auto url = makeUrl("/new.icc");
   EXPECT_FALSE(SetProfileForDisplay(url.get(), 1));
   EXPECT_EQ(queriedPath(1), "/profiles/1.icc");
 }
 
-TEST_F(ProfileAssignment, LeavesTheUrlsReferencesAsTheyWereAndReleasesTheUuidOnce) {
+TEST_F(ProfileAssignment, KeepsReferenceCounts) {
   const auto url = makeUrl("/new.icc");
   const auto uuid = makeUuid(1);
   const CFIndex url_before = CFGetRetainCount(url.get());
@@ -61,7 +61,7 @@ TEST_F(ProfileAssignment, LeavesTheUrlsReferencesAsTheyWereAndReleasesTheUuidOnc
   EXPECT_EQ(CFGetRetainCount(uuid.get()), uuid_before);
 }
 
-TEST_F(ProfileAssignment, ConsumesTheUuidWhateverTheResult) {
+TEST_F(ProfileAssignment, AlwaysConsumesTheUuid) {
   const auto url = makeUrl("/new.icc");
   const auto uuid = makeUuid(1);
   const CFIndex before = CFGetRetainCount(uuid.get());
@@ -74,7 +74,7 @@ TEST_F(ProfileAssignment, ConsumesTheUuidWhateverTheResult) {
   EXPECT_EQ(CFGetRetainCount(uuid.get()), before);
 }
 
-TEST_F(ProfileAssignment, WithoutUrlOrUuidIsFalseAndColorSyncIsNotAsked) {
+TEST_F(ProfileAssignment, ReturnsFalseWithoutUrlOrUuid) {
   const auto url = makeUrl("/new.icc");
   const auto before = count(Call::ColorSyncDeviceSetCustomProfiles);
   EXPECT_FALSE(SetProfileForDisplay(nullptr, 1));
@@ -85,7 +85,7 @@ TEST_F(ProfileAssignment, WithoutUrlOrUuidIsFalseAndColorSyncIsNotAsked) {
   EXPECT_EQ(count(Call::ColorSyncDeviceSetCustomProfiles), before);
 }
 
-TEST_F(ProfileAssignment, OfADisplayThatColorSyncDoesNotKnowIsFalse) {
+TEST_F(ProfileAssignment, ReturnsFalseForADisplayUnknownToColorSync) {
   edit([](Script& script) { script.device_profiles.clear(); });
   EXPECT_FALSE(SetProfileForDisplay(makeUrl("/new.icc").get(), 1));
 }

@@ -19,13 +19,13 @@ std::string queriedPath(CGDirectDisplayID number) {
   return path(OwnedRef<CFURLRef>::adopt(ProfilePathForDisplay(number)).get());
 }
 
-TEST_F(ProfileQuery, GivesTheDefaultAndCurrentProfileAtOnce) {
+TEST_F(ProfileQuery, ReturnsTheDefaultAndCurrentProfileAtOnce) {
   const auto begin = std::chrono::steady_clock::now();
   EXPECT_EQ(queriedPath(1), "/profiles/1.icc");
   EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(1));
 }
 
-TEST_F(ProfileQuery, TellsTwoDisplaysOfOneModelApartByTheirUuids) {
+TEST_F(ProfileQuery, DistinguishesTwinsByUuid) {
   edit([](Script& script) {
     for (Display& display : script.arrangement.displays) {
       display.serial = 0;
@@ -38,7 +38,7 @@ TEST_F(ProfileQuery, TellsTwoDisplaysOfOneModelApartByTheirUuids) {
   EXPECT_EQ(queriedPath(3), "/profiles/3.icc");
 }
 
-TEST_F(ProfileQuery, PassesOverOtherProfilesOfTheDisplay) {
+TEST_F(ProfileQuery, SkipsOtherProfilesOfTheDisplay) {
   edit([](Script& script) {
     script.device_profiles = {entry(1, "/neither", false, false), entry(1, "/default", true, false),
                               entry(1, "/current", false, true), entry(1, "/both")};
@@ -46,12 +46,12 @@ TEST_F(ProfileQuery, PassesOverOtherProfilesOfTheDisplay) {
   EXPECT_EQ(queriedPath(1), "/both");
 }
 
-TEST_F(ProfileQuery, TakesTheFirstOfSeveralMatches) {
+TEST_F(ProfileQuery, ReturnsTheFirstMatch) {
   edit([](Script& script) { script.device_profiles = {entry(1, "/first"), entry(1, "/second")}; });
   EXPECT_EQ(queriedPath(1), "/first");
 }
 
-TEST_F(ProfileQuery, NeverMatchesADefaultProfileThatIsNotCurrentNorACurrentOneThatIsNotDefault) {
+TEST_F(ProfileQuery, NeedsAProfileBothDefaultAndCurrent) {
   edit([](Script& script) { script.device_profiles = {entry(1, "/d", true, false), entry(1, "/c", false, true)}; });
   waitInNoTime([this] { waitForWalks(1); });
   EXPECT_EQ(ProfilePathForDisplay(1), nullptr);
@@ -63,7 +63,7 @@ TEST_F(ProfileQuery, NeverMatchesADeviceOfAnotherClass) {
   EXPECT_EQ(ProfilePathForDisplay(1), nullptr);
 }
 
-TEST_F(ProfileQuery, PassesOverEntriesThatLackAValue) {
+TEST_F(ProfileQuery, SkipsIncompleteEntries) {
   edit([](Script& script) {
     std::vector<DeviceProfile> entries(7, entry(1, "/partial"));
     entries[0].device_class.reset();
@@ -78,7 +78,7 @@ TEST_F(ProfileQuery, PassesOverEntriesThatLackAValue) {
   EXPECT_EQ(queriedPath(1), "/whole");
 }
 
-TEST_F(ProfileQuery, HandsTheCallerOneExtraReference) {
+TEST_F(ProfileQuery, RetainsTheResultOnce) {
   const CFURLRef borrowed = device_iterator::profileForCGDirectDisplayID(1);
   waitForWalks(1);
   const CFURLRef owned = ProfilePathForDisplay(1);
@@ -86,7 +86,7 @@ TEST_F(ProfileQuery, HandsTheCallerOneExtraReference) {
   ASSERT_NE(borrowed, nullptr);
   ASSERT_NE(owned, nullptr);
   EXPECT_EQ(device_iterator::profile_path, owned);
-  // Each walk made a URL of its own and has let go of it: what is left are the references of the query.
+  // Each walk has released the URL that it made: what is left are the references of the query.
   EXPECT_EQ(CFGetRetainCount(borrowed), 1);
   EXPECT_EQ(CFGetRetainCount(owned), 2);
   CFRelease(owned);
@@ -105,14 +105,14 @@ TEST_F(ProfileQuery, WalksOnAQueueWithItsLabel) {
   EXPECT_EQ(label, "SERIAL_QUEUE");
 }
 
-TEST_F(ProfileQuery, OfADisplayThatColorSyncDoesNotListIsNullWithoutAReference) {
+TEST_F(ProfileQuery, ReturnsNullForADisplayUnknownToColorSync) {
   edit([](Script& script) { script.device_profiles.erase(script.device_profiles.begin()); });
   waitInNoTime([this] { waitForWalks(1); });
   EXPECT_EQ(ProfilePathForDisplay(1), nullptr);
   EXPECT_EQ(device_iterator::profile_path, nullptr);
 }
 
-TEST_F(ProfileQuery, LeavesEmptyAsTheDeviceNameWhenItsWalkFoundNothing) {
+TEST_F(ProfileQuery, LeavesEmptyAsTheDeviceNameWithoutAMatch) {
   EXPECT_EQ(queriedPath(1), "/profiles/1.icc");
   EXPECT_EQ(text(device_iterator::device_name), "ColorSync 1");
   edit([](Script& script) { script.device_profiles.clear(); });
@@ -121,7 +121,7 @@ TEST_F(ProfileQuery, LeavesEmptyAsTheDeviceNameWhenItsWalkFoundNothing) {
   EXPECT_EQ(text(device_iterator::device_name), "Empty");
 }
 
-TEST_F(ProfileQuery, OfADisplayWithoutUuidIsNullAtOnceWithoutAWalk) {
+TEST_F(ProfileQuery, ReturnsNullAtOnceWithoutUuid) {
   edit([](Script& script) { script.arrangement.displays[0].uuid.reset(); });
   const auto walks = count(Call::dispatch_async);
   waitInNoTime();
@@ -133,28 +133,28 @@ TEST_F(ProfileQuery, OfADisplayWithoutUuidIsNullAtOnceWithoutAWalk) {
   EXPECT_EQ(text(device_iterator::device_name), "Empty");
 }
 
-TEST_F(ProfileQuery, WithoutAUuidTextIsNullAtOnce) {
+TEST_F(ProfileQuery, ReturnsNullAtOnceWithoutUuidText) {
   waitInNoTime();
   fail(Call::CFUUIDCreateString);
   EXPECT_EQ(ProfilePathForDisplay(1), nullptr);
   EXPECT_THAT(limits(), IsEmpty());
 }
 
-TEST_F(ProfileQuery, WithoutAQueueIsNullAtOnce) {
+TEST_F(ProfileQuery, ReturnsNullAtOnceWithoutAQueue) {
   waitInNoTime();
   fail(Call::dispatch_queue_create);
   EXPECT_EQ(ProfilePathForDisplay(1), nullptr);
   EXPECT_THAT(limits(), IsEmpty());
 }
 
-TEST_F(ProfileQuery, WithoutAWalkIsNullAtTheLimit) {
+TEST_F(ProfileQuery, ReturnsNullAtTheLimitWithoutAWalk) {
   waitInNoTime();
   fail(Call::dispatch_async);
   EXPECT_EQ(ProfilePathForDisplay(1), nullptr);
   EXPECT_THAT(limits(), ElementsAre(std::chrono::seconds(2)));
 }
 
-TEST_F(ProfileQuery, WalksAfreshOnAQueueOfItsOwnEveryTime) {
+TEST_F(ProfileQuery, WalksOnANewQueueEveryTime) {
   const auto queues = count(Call::dispatch_queue_create);
   const auto walks = count(Call::ColorSyncIterateDeviceProfiles);
   EXPECT_EQ(queriedPath(1), "/profiles/1.icc");
@@ -173,7 +173,7 @@ TEST_F(ProfileQuery, EndsItsWalkAtTheFirstMatch) {
   EXPECT_EQ(count(Call::CFUUIDCreateString), before + 3) << "one for the sought display, one per entry visited";
 }
 
-TEST_F(ProfileQuery, LeavesTheSoughtUuidTextBehind) {
+TEST_F(ProfileQuery, LeaksTheUuidText) {
   EXPECT_EQ(queriedPath(1), "/profiles/1.icc");
   const CFStringRef first = device_iterator::inUUIDstr;
   EXPECT_EQ(queriedPath(2), "/profiles/2.icc");
@@ -182,7 +182,7 @@ TEST_F(ProfileQuery, LeavesTheSoughtUuidTextBehind) {
   EXPECT_EQ(text(device_iterator::inUUIDstr), "D5000000-0000-0000-0000-000000000002");
 }
 
-TEST_F(ProfileQuery, DoesNotReleaseTheUuid) {
+TEST_F(ProfileQuery, LeaksTheUuid) {
   const auto uuid = makeUuid(1);
   const CFIndex before = CFGetRetainCount(uuid.get());
   EXPECT_EQ(queriedPath(1), "/profiles/1.icc");
@@ -190,14 +190,13 @@ TEST_F(ProfileQuery, DoesNotReleaseTheUuid) {
   EXPECT_EQ(CFGetRetainCount(uuid.get()), before + 1);
 }
 
-/// A list of devices, which the plugin itself never makes: with one, the look-ups and appends that find none would do
-/// this.
+/// With a list of devices, which the plugin itself never makes.
 class ListOfDevices : public DisplayTest {
  protected:
   ListOfDevices() { device_iterator::devices_info = &records_; }
   ~ListOfDevices() override { device_iterator::devices_info = nullptr; }
 
-  /// What the first query has left in the list is answered without a walk.
+  /// A query for the first query's display finds its record without a walk.
   void expectNoFurtherWalk(const std::function<void()>& query) {
     waitForWalks(1);
     ASSERT_THAT(records_, testing::SizeIs(1));
@@ -213,7 +212,7 @@ class ListOfDevices : public DisplayTest {
   std::vector<device_iterator::DeviceRecord> records_;
 };
 
-TEST_F(ListOfDevices, WouldAnswerProfileAndNameQueries) {
+TEST_F(ListOfDevices, ServesProfileAndNameQueries) {
   EXPECT_EQ(queriedPath(1), "/profiles/1.icc");
   expectNoFurtherWalk([] {
     EXPECT_EQ(queriedPath(1), "/profiles/1.icc");
@@ -221,7 +220,7 @@ TEST_F(ListOfDevices, WouldAnswerProfileAndNameQueries) {
   });
 }
 
-TEST_F(ListOfDevices, WouldLeaveOutADeviceWhoseRecordCannotBeMade) {
+TEST_F(ListOfDevices, SkipsADeviceWithoutARecord) {
   fail(Call::CFDictionaryCreate);
   EXPECT_EQ(queriedPath(1), "/profiles/1.icc");
   waitForWalks(1);

@@ -27,24 +27,24 @@ Script displayAndScreen(platform::desktop::Rect bounds, platform::desktop::Rect 
 constexpr double kMatched = 2;
 constexpr double kMainScreen = 1;
 
-TEST(ScaleFactorForDisplay, OfAScreenWithExactlyTheDisplaysBoundsIsThatScreens) {
+TEST(ScaleFactorForDisplay, MatchesAScreenWithTheDisplaysBounds) {
   const ScriptedSession session(displayAndScreen({0, 0, 1440, 900}, {0, 0, 1440, 900}));
   EXPECT_EQ(DisplayServices::ScaleFactorForDisplay(7), kMatched);
 }
 
-TEST(ScaleFactorForDisplay, AllowsADisplayExactly30PointsAboveTheScreensY) {
+TEST(ScaleFactorForDisplay, MatchesAScreenExactly30PointsAbove) {
   const ScriptedSession session(displayAndScreen({0, 130, 1440, 900}, {0, 100, 1440, 900}));
   EXPECT_EQ(DisplayServices::ScaleFactorForDisplay(7), kMatched);
 }
 
-TEST(ScaleFactorForDisplay, OfAnyOtherVerticalOffsetIsTheMainScreens) {
+TEST(ScaleFactorForDisplay, ReturnsTheMainScreensForAnotherY) {
   for (const double y : {129.0, 131.0, 70.0, 130.5, 129.99999999999997}) {
     const ScriptedSession session(displayAndScreen({0, y, 1440, 900}, {0, 100, 1440, 900}));
     EXPECT_EQ(DisplayServices::ScaleFactorForDisplay(7), kMainScreen) << y;
   }
 }
 
-TEST(ScaleFactorForDisplay, OfAnyOtherXOrSizeIsTheMainScreens) {
+TEST(ScaleFactorForDisplay, ReturnsTheMainScreensForAnotherXOrSize) {
   const platform::desktop::Rect bounds{10, 20, 1440, 900};
   for (const platform::desktop::Rect frame :
        {platform::desktop::Rect{11, 20, 1440, 900}, {10, 20, 1441, 900}, {10, 20, 1440, 899.5}, {40, 20, 1440, 900}}) {
@@ -53,7 +53,7 @@ TEST(ScaleFactorForDisplay, OfAnyOtherXOrSizeIsTheMainScreens) {
   }
 }
 
-TEST(ScaleFactorForDisplay, ComparesTheTwoCoordinateSystemsAsTheyStand) {
+TEST(ScaleFactorForDisplay, DoesNotConvertCoordinates) {
   // A monitor below the main one: y 900 in CoreGraphics, -600 in AppKit. They are the same place, and do not match.
   const ScriptedSession session(displayAndScreen({0, 900, 800, 600}, {0, -600, 800, 600}));
   EXPECT_EQ(DisplayServices::ScaleFactorForDisplay(7), kMainScreen);
@@ -65,20 +65,20 @@ TEST(ScaleFactorForDisplay, NeverMatchesANaN) {
   EXPECT_EQ(DisplayServices::ScaleFactorForDisplay(7), kMainScreen);
 }
 
-TEST(ScaleFactorForDisplay, TakesTheEarlierOfTwoScreensThatMatch) {
+TEST(ScaleFactorForDisplay, ReturnsTheFirstMatch) {
   auto script = displayAndScreen({0, 30, 1440, 900}, {0, 0, 1440, 900});
   script.arrangement.screens.push_back(screen({0, 30, 1440, 900}, 3));
   const ScriptedSession session(script);
   EXPECT_EQ(DisplayServices::ScaleFactorForDisplay(7), kMatched);
 }
 
-TEST(ScaleFactorForDisplay, OfAnUnknownDisplayIsTheMainScreens) {
+TEST(ScaleFactorForDisplay, ReturnsTheMainScreensForUnknownDisplay) {
   const ScriptedSession session(displayAndScreen({0, 0, 1440, 900}, {0, 0, 1440, 900}));
   EXPECT_EQ(DisplayServices::ScaleFactorForDisplay(0), kMainScreen);
   EXPECT_EQ(DisplayServices::ScaleFactorForDisplay(8), kMainScreen);
 }
 
-TEST(ScaleFactorForDisplay, CountsAnEmptyElementAsTheAllZeroRectangle) {
+TEST(ScaleFactorForDisplay, TreatsAnEmptyElementAsTheZeroRectangle) {
   // The bounds of an unknown display are all zero too: the empty element is what matches, and it has no scale.
   auto script = displayAndScreen({0, 0, 1440, 900}, {0, 0, 1440, 900});
   script.arrangement.screens.insert(script.arrangement.screens.begin(), {std::nullopt, 5});
@@ -89,7 +89,7 @@ TEST(ScaleFactorForDisplay, CountsAnEmptyElementAsTheAllZeroRectangle) {
   EXPECT_EQ(DisplayServices::ScaleFactorForDisplay(7), kMatched);
 }
 
-TEST(ScaleFactorForDisplay, WithoutAMainScreenIsZero) {
+TEST(ScaleFactorForDisplay, Returns0WithoutAMainScreen) {
   auto script = displayAndScreen({0, 0, 1440, 900}, {5, 5, 5, 5});
   script.arrangement.main_screen.reset();
   const ScriptedSession session(script);
@@ -97,12 +97,12 @@ TEST(ScaleFactorForDisplay, WithoutAMainScreenIsZero) {
   EXPECT_EQ(DisplayServices::ScaleFactorForDisplay(7), 0.0);
 }
 
-TEST(ScaleFactorForDisplay, WithoutAnyScreenIsTheMainScreensOrZero) {
+TEST(ScaleFactorForDisplay, Returns0WithoutScreens) {
   const ScriptedSession session;
   EXPECT_EQ(DisplayServices::ScaleFactorForDisplay(7), 0.0);
 }
 
-TEST(ScaleFactorForDisplay, GivesTheScreensFactorUnchanged) {
+TEST(ScaleFactorForDisplay, ReturnsTheFactorUnchanged) {
   for (const double scale : {0.0, 0.5, 1.25, 2.0, -1.0}) {
     auto script = displayAndScreen({0, 0, 1440, 900}, {0, 0, 1440, 900});
     script.arrangement.screens[1].backing_scale = scale;
@@ -111,7 +111,7 @@ TEST(ScaleFactorForDisplay, GivesTheScreensFactorUnchanged) {
   }
 }
 
-TEST(ScreenWithDisplayID, IsBorrowedAndTheSameWhileNothingChanges) {
+TEST(ScreenWithDisplayID, ReturnsTheSameScreenWithoutChanges) {
   const ScriptedSession session(displayAndScreen({0, 0, 1440, 900}, {0, 0, 1440, 900}));
   const NSScreen* const first = DisplayServices::ScreenWithDisplayID(7);
   EXPECT_NE(first, nullptr);
@@ -124,37 +124,37 @@ Script twoDisplays() {
   return script;
 }
 
-TEST(DisplayIDForRect, IsTheDisplayUnderTheRectangle) {
+TEST(DisplayIDForRect, ReturnsTheDisplayUnderTheRectangle) {
   const ScriptedSession session(twoDisplays());
   EXPECT_EQ(DisplayServices::DisplayIDForRect(CGRectMake(10, 10, 20, 20)), 1U);
   EXPECT_EQ(DisplayServices::DisplayIDForRect(CGRectMake(110, 10, 20, 20)), 2U);
 }
 
-TEST(DisplayIDForRect, OfARectangleAcrossTwoDisplaysIsTheOneThatIsListedFirst) {
+TEST(DisplayIDForRect, ReturnsTheFirstOfTwoDisplays) {
   const ScriptedSession session(twoDisplays());
   EXPECT_EQ(DisplayServices::DisplayIDForRect(CGRectMake(99, 0, 101, 100)), 1U);
 }
 
-TEST(DisplayIDForRect, WithNoDisplayUnderTheRectangleIsZero) {
+TEST(DisplayIDForRect, Returns0WithoutADisplay) {
   const ScriptedSession session(twoDisplays());
   EXPECT_EQ(DisplayServices::DisplayIDForRect(CGRectMake(0, 100, 50, 50)), 0U);
   EXPECT_EQ(DisplayServices::DisplayIDForRect(CGRectMake(-50, 0, 50, 50)), 0U);
 }
 
-TEST(DisplayIDForRect, IsZeroWhenCoreGraphicsReportsAnError) {
+TEST(DisplayIDForRect, Returns0AfterAnError) {
   const ScriptedSession session(twoDisplays());
   platform::calls::setHook(Call::CGGetDisplaysWithRect, [](std::uint64_t) { return Answer{.fail = true}; });
   EXPECT_EQ(DisplayServices::DisplayIDForRect(CGRectMake(10, 10, 20, 20)), 0U);
 }
 
-TEST(DisplayIDForRect, IsZeroWhenCoreGraphicsReportsAnErrorAlthoughItListsADisplay) {
+TEST(DisplayIDForRect, Returns0AfterAnErrorWithAList) {
   const ScriptedSession session(twoDisplays());
   platform::calls::setHook(Call::CGGetDisplaysWithRect,
                            [](std::uint64_t) { return Answer{.late_error = kCGErrorFailure}; });
   EXPECT_EQ(DisplayServices::DisplayIDForRect(CGRectMake(10, 10, 20, 20)), 0U);
 }
 
-TEST(DisplayIDForRect, DoesNotConsultTheCount) {
+TEST(DisplayIDForRect, IgnoresTheCount) {
   const ScriptedSession session(twoDisplays());
   platform::calls::setHook(Call::CGGetDisplaysWithRect, [](std::uint64_t) { return Answer{.number = 0}; });
   EXPECT_EQ(DisplayServices::DisplayIDForRect(CGRectMake(110, 10, 20, 20)), 2U);

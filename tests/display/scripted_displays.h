@@ -30,7 +30,7 @@ using platform::desktop::Script;
 using platform::desktop::ScriptedDesktop;
 using platform::desktop::Uuid;
 
-/// Something that happens once, and that other threads wait for; a test that waits in vain ends with a message.
+/// Happens once, and other threads wait for it; a wait without end fails the test.
 class Event {
  public:
   void happen();
@@ -47,7 +47,7 @@ Display display(std::uint32_t number);
 Uuid uuidOf(std::uint32_t number);
 /// The service of that display, with this name under "en".
 DisplayService service(std::uint32_t number, const std::string& name);
-/// An entry of that display: its default and current profile unless said otherwise.
+/// An entry of that display: its default and current profile by default.
 DeviceProfile entry(std::uint32_t number, const std::string& path, bool is_default = true, bool is_current = true);
 
 OwnedRef<CFStringRef> makeString(const std::string& utf8);
@@ -66,10 +66,10 @@ class DisplayTest : public testing::Test {
 
   void edit(const std::function<void(Script&)>& change) { desktop_->change(change); }
 
-  /// From now on a query's wait takes no time: it runs `meanwhile`, and then says whether the answer is there. The
-  /// limits that queries ask for are kept in limits().
+  /// From now on a query's wait takes no time: it runs `meanwhile`, then returns whether the answer is there, and
+  /// records its limit in limits().
   void waitInNoTime(std::function<void()> meanwhile = {});
-  /// From now on a query waits in real time, as it does when no test interferes.
+  /// From now on a query waits in real time, as it does without a test.
   void waitInRealTime();
   static const std::vector<std::chrono::seconds>& limits();
 

@@ -25,7 +25,7 @@ class TimeLimit : public DisplayTest {
 
 constexpr milliseconds kSlack{1000};  // for a computer that is busy with other tests
 
-TEST_F(TimeLimit, OfAProfileQueryWhoseWalkHangsIsTwoSeconds) {
+TEST_F(TimeLimit, IsTwoSecondsForAProfileQuery) {
   hang();
   CFURLRef url = nullptr;
   const auto time = timeOf([&] { url = ProfilePathForDisplay(1); });
@@ -34,7 +34,7 @@ TEST_F(TimeLimit, OfAProfileQueryWhoseWalkHangsIsTwoSeconds) {
   EXPECT_LT(time, seconds(2) + kSlack);
 }
 
-TEST_F(TimeLimit, OfANameQueryWhoseWalkHangsIsTenSeconds) {
+TEST_F(TimeLimit, IsTenSecondsForANameQuery) {
   hang();
   std::string name;
   const auto time = timeOf([&] { name = text(displayNameUsingColorSync(makeUuid(1).get())); });
@@ -43,7 +43,7 @@ TEST_F(TimeLimit, OfANameQueryWhoseWalkHangsIsTenSeconds) {
   EXPECT_LT(time, seconds(10) + kSlack);
 }
 
-TEST_F(TimeLimit, IsWaitedForInFullWhenTheWalkEndsWithoutAMatch) {
+TEST_F(TimeLimit, IsReachedWithoutAMatch) {
   edit([](Script& script) { script.device_profiles.clear(); });
   const auto time = timeOf([&] { EXPECT_EQ(ProfilePathForDisplay(1), nullptr); });
   waitForWalks(1);
@@ -51,7 +51,7 @@ TEST_F(TimeLimit, IsWaitedForInFullWhenTheWalkEndsWithoutAMatch) {
   EXPECT_LT(time, seconds(2) + kSlack);
 }
 
-TEST_F(TimeLimit, AsksForWholeSeconds) {
+TEST_F(TimeLimit, IsInWholeSeconds) {
   hang();
   waitInNoTime();
   EXPECT_EQ(ProfilePathForDisplay(1), nullptr);
@@ -59,7 +59,7 @@ TEST_F(TimeLimit, AsksForWholeSeconds) {
   EXPECT_THAT(limits(), ElementsAre(seconds(2), seconds(10)));
 }
 
-TEST_F(TimeLimit, DoesNotHoldUpAWalkThatIsSlowButInTime) {
+TEST_F(TimeLimit, AllowsASlowWalk) {
   edit([](Script& script) { script.device_walk.delay = milliseconds(300); });
   std::string found;
   const auto time = timeOf([&] { found = path(OwnedRef<CFURLRef>::adopt(ProfilePathForDisplay(1)).get()); });

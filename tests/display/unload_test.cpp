@@ -13,7 +13,7 @@ namespace {
 
 using namespace platform::desktop;
 
-TEST(ClosedLibrary, IsStillThereForAWalkThatHasNotEnded) {
+TEST(ClosedLibrary, StaysLoadedForARunningWalk) {
   const Uuid uuid{0xD5};
   Script script;
   script.arrangement.displays.resize(1);

@@ -1,4 +1,4 @@
-// Whether a display's current profile is a wide-gamut one, on real profiles whose names tell.
+// Whether a display's current profile is a wide-gamut one, on real profiles.
 #include "display/scripted_displays.h"
 #include "frameworks/Foundation/autorelease_pool.h"
 #include "plugin/display.h"
@@ -7,7 +7,7 @@ namespace {
 
 using namespace display_tests;
 
-class WideGamutDisplay : public DisplayTest {
+class IsWideGamut : public DisplayTest {
  protected:
   bool isWide(const std::string& profile) {
     edit([&](Script& script) { script.device_profiles = {entry(1, "/usr/share/color/icc/colord/" + profile)}; });
@@ -18,27 +18,27 @@ class WideGamutDisplay : public DisplayTest {
   const platform::ScopedPool pool_;
 };
 
-TEST_F(WideGamutDisplay, HasAProfileOfAWideSpace) {
+TEST_F(IsWideGamut, IsTrueForWideProfiles) {
   EXPECT_TRUE(isWide("ProPhotoRGB.icc"));
   EXPECT_TRUE(isWide("WideGamutRGB.icc"));
   EXPECT_TRUE(isWide("AdobeRGB1998.icc"));
 }
 
-TEST_F(WideGamutDisplay, HasNoProfileOfASmallSpace) {
+TEST_F(IsWideGamut, IsFalseForSmallProfiles) {
   EXPECT_FALSE(isWide("sRGB.icc"));
   EXPECT_FALSE(isWide("Rec709.icc"));
   EXPECT_FALSE(isWide("AppleRGB.icc"));
 }
 
-TEST_F(WideGamutDisplay, IsNotOneWithoutACurrentProfile) {
+TEST_F(IsWideGamut, IsFalseWithoutACurrentProfile) {
   edit([](Script& script) { script.device_profiles.clear(); });
   waitInNoTime([this] { waitForWalks(1); });
   EXPECT_FALSE(::Display::IsWideGamut(1));
 }
 
-TEST_F(WideGamutDisplay, IsNotOneWhoseProfileCannotBeRead) { EXPECT_FALSE(isWide("no such file.icc")); }
+TEST_F(IsWideGamut, IsFalseForAnUnreadableProfile) { EXPECT_FALSE(isWide("no such file.icc")); }
 
-TEST_F(WideGamutDisplay, IsNotOneWhoseProfileMakesNoColourSpace) {
+TEST_F(IsWideGamut, IsFalseWithoutAColourSpace) {
   fail(Call::CGColorSpaceCreateWithPlatformColorSpace);
   EXPECT_FALSE(isWide("ProPhotoRGB.icc"));
 }

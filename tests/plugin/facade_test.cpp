@@ -60,13 +60,13 @@ Script displays(std::uint32_t count) {
   return script;
 }
 
-TEST(GetMonitorRect, TruncatesTowardZeroAfterTheEdgesAreSummed) {
+TEST(GetMonitorRect, TruncatesTowardZero) {
   const ScriptedSession session(oneDisplay({-1440.5, 0, 1440, 900}));
   EXPECT_EQ(edgesOf(1), (Edges{-1440, 0, 0, 900}));
   EXPECT_EQ(rectOf(1), (std::array<double, 4>{-1440.5, 0, 1440, 900}));
 }
 
-TEST(GetMonitorRect, SumsInDoublePrecisionBeforeTheOneTruncation) {
+TEST(GetMonitorRect, SumsBeforeTruncating) {
   const ScriptedSession session(oneDisplay({0.6, -3.9, 0.6, 0.3}));
   EXPECT_EQ(edgesOf(1), (Edges{0, -3, 1, -3}));
 }
@@ -82,7 +82,7 @@ TEST(GetMonitorRect, ReportsPointsAtAnyScale) {
   }
 }
 
-TEST(GetMonitorRect, AsksForTheScaleAllTheSame) {
+TEST(GetMonitorRect, CallsForTheScale) {
   const ScriptedSession session(oneDisplay({0, 0, 1440, 900}));
   const auto before = platform::calls::count(Call::NSScreen_screens);
   edgesOf(1);
@@ -91,30 +91,30 @@ TEST(GetMonitorRect, AsksForTheScaleAllTheSame) {
   EXPECT_EQ(platform::calls::count(Call::NSScreen_screens), before + 2);
 }
 
-TEST(GetMonitorRect, OfNaNAndInfinitiesIsTheLeastNumber) {
+TEST(GetMonitorRect, ReturnsTheLeastNumberForNaNAndInfinity) {
   constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
   constexpr double kInfinity = std::numeric_limits<double>::infinity();
   const ScriptedSession session(oneDisplay({kNaN, kInfinity, 1, -kInfinity}));
   EXPECT_EQ(edgesOf(1), (Edges{kLeast, kLeast, kLeast, kLeast}));
 }
 
-TEST(GetMonitorRect, OfValuesBeyond32BitsIsTheLeastNumber) {
+TEST(GetMonitorRect, ReturnsTheLeastNumberBeyond32Bits) {
   const ScriptedSession session(oneDisplay({2147483648.0, -2147483649.0, 1e300, -1}));
   EXPECT_EQ(edgesOf(1), (Edges{kLeast, kLeast, kLeast, kLeast}));
 }
 
-TEST(GetMonitorRect, KeepsTheGreatestAndTheLeast32BitNumbers) {
+TEST(GetMonitorRect, KeepsTheGreatestAndLeast32BitNumbers) {
   const ScriptedSession session(oneDisplay({2147483647.0, -2147483648.0, 0.9, -0.9}));
   EXPECT_EQ(edgesOf(1), (Edges{2147483647, kLeast, 2147483647, kLeast}));
 }
 
-TEST(GetMonitorRect, OfAnUnknownDisplayIsTheEmptyRectangle) {
+TEST(GetMonitorRect, ReturnsTheEmptyRectangleForUnknownDisplay) {
   const ScriptedSession session(oneDisplay({10, 10, 10, 10}));
   EXPECT_EQ(edgesOf(0), (Edges{0, 0, 0, 0}));
   EXPECT_EQ(rectOf(77), (std::array<double, 4>{0, 0, 0, 0}));
 }
 
-TEST(GetMonitorRect, WritesTopBottomLeftRightInThisOrder) {
+TEST(GetMonitorRect, WritesTopBottomLeftRightInOrder) {
   const ScriptedSession session(oneDisplay({10, 20, 300, 400}));
   std::int32_t both = 0;
   std::int32_t other = 0;
@@ -127,7 +127,7 @@ TEST(GetMonitorRect, WritesTopBottomLeftRightInThisOrder) {
   EXPECT_EQ(both, 310) << "right after left";
 }
 
-TEST(GetMonitorRect, WritesXYWidthHeightInThisOrder) {
+TEST(GetMonitorRect, WritesXYWidthHeightInOrder) {
   const ScriptedSession session(oneDisplay({10, 20, 300, 400}));
   double both = 0;
   double other = 0;
@@ -140,20 +140,20 @@ TEST(GetMonitorRect, WritesXYWidthHeightInThisOrder) {
   EXPECT_EQ(both, 400) << "height after width";
 }
 
-TEST(GetIndex, IsThePositionAmongTheActiveDisplays) {
+TEST(GetIndex, ReturnsThePosition) {
   const ScriptedSession session(displays(3));
   EXPECT_EQ(Display::GetIndex(100), 0U);
   EXPECT_EQ(Display::GetIndex(101), 1U);
   EXPECT_EQ(Display::GetIndex(102), 2U);
 }
 
-TEST(GetIndex, OfAnUnknownDisplayIsDisplayNotFound) {
+TEST(GetIndex, Returns4099018739ForUnknownDisplay) {
   const ScriptedSession session(displays(3));
   EXPECT_EQ(Display::GetIndex(0), 4099018739U);
   EXPECT_EQ(Display::GetIndex(103), kNotFound);
 }
 
-TEST(GetIndex, WithoutDisplaysIsDisplayNotFoundAfterOneQuestion) {
+TEST(GetIndex, ReturnsNotFoundAfterOneCallWithoutDisplays) {
   const ScriptedSession session(displays(0));
   const auto before = platform::calls::count(Call::CGGetActiveDisplayList);
   EXPECT_EQ(Display::GetIndex(100), kNotFound);
@@ -166,7 +166,7 @@ TEST(GetIndex, HasNoLimitOnTheNumberOfDisplays) {
   EXPECT_EQ(Display::GetIndex(100 + 999), 999U);
 }
 
-TEST(GetIndex, IgnoresAnErrorOfTheFirstQuestionThatComesWithACount) {
+TEST(GetIndex, IgnoresAnErrorWithACount) {
   const ScriptedSession session(displays(3));
   answerOnce(Call::CGGetActiveDisplayList, 1, {.late_error = kCGErrorFailure});
   EXPECT_EQ(Display::GetIndex(101), 1U);
@@ -189,13 +189,13 @@ TEST(GetIndex, ReturnsNotFoundAfterOneCallWithoutACount) {
   EXPECT_EQ(platform::calls::count(Call::CGGetActiveDisplayList), before + 1);
 }
 
-TEST(GetIndex, IsDisplayNotFoundWhenTheSecondQuestionFails) {
+TEST(GetIndex, ReturnsNotFoundWhenListingFails) {
   const ScriptedSession session(displays(3));
   answerOnce(Call::CGGetActiveDisplayList, 2, {.fail = true});
   EXPECT_EQ(Display::GetIndex(101), kNotFound);
 }
 
-TEST(GetIndex, IsDisplayNotFoundWhenTheSecondQuestionReportsAnErrorAlthoughItListsTheDisplay) {
+TEST(GetIndex, ReturnsNotFoundAfterAnErrorWithAList) {
   const ScriptedSession session(displays(3));
   answerOnce(Call::CGGetActiveDisplayList, 2, {.late_error = kCGErrorFailure});
   EXPECT_EQ(Display::GetIndex(101), kNotFound);
@@ -211,25 +211,25 @@ void changeBetweenTheQuestions(const ScriptedSession& session, std::uint32_t cou
   });
 }
 
-TEST(GetIndex, OfADisplayThatVanishesBetweenTheQuestionsIsDisplayNotFound) {
+TEST(GetIndex, ReturnsNotFoundForADisplayThatVanishesBetweenCalls) {
   const ScriptedSession session(displays(3));
   changeBetweenTheQuestions(session, 2);
   EXPECT_EQ(Display::GetIndex(102), kNotFound);
 }
 
-TEST(GetIndex, OfADisplayThatStaysWhileAnotherVanishesIsItsPosition) {
+TEST(GetIndex, ReturnsThePositionWhenAnotherDisplayVanishes) {
   const ScriptedSession session(displays(3));
   changeBetweenTheQuestions(session, 2);
   EXPECT_EQ(Display::GetIndex(101), 1U);
 }
 
-TEST(GetIndex, DoesNotSeeADisplayThatAppearsBetweenTheQuestions) {
+TEST(GetIndex, ReturnsNotFoundForADisplayThatAppearsBetweenCalls) {
   const ScriptedSession session(displays(2));
   changeBetweenTheQuestions(session, 3);
   EXPECT_EQ(Display::GetIndex(102), kNotFound);
 }
 
-TEST(GetIndex, ReadsNoFurtherThanItsBufferWhateverNumberIsReported) {
+TEST(GetIndex, ReadsNoFurtherThanItsBuffer) {
   const ScriptedSession session(displays(3));
   answerOnce(Call::CGGetActiveDisplayList, 2, {.number = 1000000});
   EXPECT_EQ(Display::GetIndex(102), 2U);
@@ -237,7 +237,7 @@ TEST(GetIndex, ReadsNoFurtherThanItsBufferWhateverNumberIsReported) {
   EXPECT_EQ(Display::GetIndex(999), kNotFound);
 }
 
-TEST(DisplayIDForWindow, AsksAboutTheRectangleThatBeginsAtTheWindowsLowerEdge) {
+TEST(DisplayIDForWindow, TestsTheRectangleBelowTheWindow) {
   auto script = displays(0);
   script.arrangement.displays = {display(1, {0, 0, 100, 100}), display(2, {0, 100, 100, 100})};
   const ScriptedSession session(script);
@@ -245,12 +245,12 @@ TEST(DisplayIDForWindow, AsksAboutTheRectangleThatBeginsAtTheWindowsLowerEdge) {
   EXPECT_EQ(Display::DisplayIDForWindow(0, -100, 100, 100), 1U);
 }
 
-TEST(DisplayIDForWindow, OfAWindowOnNoDisplayIsZero) {
+TEST(DisplayIDForWindow, Returns0WithoutADisplay) {
   const ScriptedSession session(displays(2));
   EXPECT_EQ(Display::DisplayIDForWindow(5000, 5000, 10, 10), 0U);
 }
 
-TEST(GetScale, IsTheScreensBackingScale) {
+TEST(GetScale, ReturnsTheBackingScale) {
   auto script = oneDisplay({0, 0, 1440, 900});
   script.arrangement.screens = {support::screen({0, 0, 1440, 900}, 2)};
   script.arrangement.main_screen = 0;

@@ -33,7 +33,7 @@ TEST_F(DisplayList, HoldsNoOtherDisplaysProfiles) {
   EXPECT_THAT(ListProfilesForDisplay(2), ElementsAre(Pair("/b", Flags("B", false, false))));
 }
 
-TEST_F(DisplayList, HoldsNoProfilesOfADeviceOfAnotherClassWithTheSameUuid) {
+TEST_F(DisplayList, SkipsDevicesOfAnotherClass) {
   auto printer = associated(1, "/p");
   printer.device_class = "prtr";
   setAssociated({printer, associated(1, "/a")});
@@ -51,7 +51,7 @@ TEST_F(DisplayList, IsEmptyForADisplayWithoutProfiles) {
   EXPECT_THAT(ListProfilesForDisplay(1), IsEmpty());
 }
 
-TEST_F(DisplayList, LeavesOutEntriesThatLackAValue) {
+TEST_F(DisplayList, SkipsIncompleteEntries) {
   auto no_class = associated(1, "/a");
   no_class.device_class.reset();
   auto no_device = associated(1, "/b");
@@ -78,7 +78,7 @@ TEST_F(DisplayList, DoesNotFillTheInstalledProfilesAgain) {
               ElementsAre(Pair("/a", Flags("A", false, false)), Pair("/new", Flags("", false, false))));
 }
 
-TEST_F(DisplayList, LeavesAnInstalledProfileWithoutANameForEachUnknownPath) {
+TEST_F(DisplayList, AddsANamelessInstalledProfileForEachUnknownPath) {
   setInstalled({installed("/a", "A")});
   setAssociated({associated(1, "/a"), associated(1, "/unknown"), associated(2, "/other")});
   ListProfilesForDisplay(1);
@@ -90,7 +90,7 @@ TEST_F(DisplayList, LeavesAnInstalledProfileWithoutANameForEachUnknownPath) {
   EXPECT_EQ(GetInstalledProfilesCount(), 1U);
 }
 
-TEST_F(DisplayList, OfUnknownPathsAloneKeepsLaterListsFromFilling) {
+TEST_F(DisplayList, DoesNotFillTheInstalledProfilesAfterUnknownPaths) {
   setAssociated({associated(1, "/a")});
   ListProfilesForDisplay(1);
   setInstalled({installed("/a", "A")});
@@ -99,7 +99,7 @@ TEST_F(DisplayList, OfUnknownPathsAloneKeepsLaterListsFromFilling) {
 
 // --- a display without a UUID
 
-TEST_F(DisplayList, OfADisplayWithoutAUuidIsThatOfTheDisplayBefore) {
+TEST_F(DisplayList, IsUnchangedWithoutUuid) {
   setAssociated({associated(1, "/a", true, true)});
   const auto before = ListProfilesForDisplay(1);
   setAssociated({});
@@ -109,19 +109,19 @@ TEST_F(DisplayList, OfADisplayWithoutAUuidIsThatOfTheDisplayBefore) {
   EXPECT_THAT(ListProfilesForDisplay(2), IsEmpty());
 }
 
-TEST_F(DisplayList, OfADisplayWithoutAUuidMakesNoWalk) {
+TEST_F(DisplayList, MakesNoWalkWithoutUuid) {
   const auto walks = platform::calls::count(platform::calls::Call::ColorSyncIterateDeviceProfiles);
   ListProfilesForDisplay(3);
   EXPECT_EQ(platform::calls::count(platform::calls::Call::ColorSyncIterateDeviceProfiles), walks);
 }
 
-TEST_F(DisplayList, OfADisplayWithoutAUuidListsTheInstalledProfilesFirstAllTheSame) {
+TEST_F(DisplayList, FillsTheInstalledProfilesWithoutUuid) {
   setInstalled({installed("/a", "A")});
   ListProfilesForDisplay(3);
   EXPECT_EQ(ProfileServices::GetInstalledProfilesCount(), 1U);
 }
 
-TEST_F(DisplayList, WithoutAUuidTextIsThatOfTheDisplayBefore) {
+TEST_F(DisplayList, IsUnchangedWithoutUuidText) {
   setAssociated({associated(1, "/a", true, true)});
   const auto before = ListProfilesForDisplay(1);
   support::answerOnce(platform::calls::Call::CFUUIDCreateString, 1, {.fail = true});
@@ -130,7 +130,7 @@ TEST_F(DisplayList, WithoutAUuidTextIsThatOfTheDisplayBefore) {
 
 // --- the count
 
-TEST_F(DisplayList, IsMadeToCountOnlyWhenThereIsNone) {
+TEST_F(DisplayList, IsFilledByACountOnlyWhenEmpty) {
   setAssociated({associated(1, "/a"), associated(1, "/b"), associated(2, "/c")});
   EXPECT_EQ(GetAssociatedProfilesCount(2), 1U);
   ListProfilesForDisplay(1);
@@ -140,7 +140,7 @@ TEST_F(DisplayList, IsMadeToCountOnlyWhenThereIsNone) {
   EXPECT_EQ(GetAssociatedProfilesCount(1), 2U);
 }
 
-TEST_F(DisplayList, OfADisplayWithoutProfilesIsMadeAtEachCount) {
+TEST_F(DisplayList, IsFilledByEachCountWithoutProfiles) {
   EXPECT_EQ(GetAssociatedProfilesCount(1), 0U);
   setAssociated({associated(1, "/a")});
   EXPECT_EQ(GetAssociatedProfilesCount(1), 1U);
@@ -148,7 +148,7 @@ TEST_F(DisplayList, OfADisplayWithoutProfilesIsMadeAtEachCount) {
 
 // --- the UUID text
 
-TEST_F(DisplayList, RemembersTheUuidOfTheDisplayListedLast) {
+TEST_F(DisplayList, KeepsTheUuidOfTheLastDisplay) {
   ListProfilesForDisplay(1);
   const CFUUIDRef first = CGDisplayCreateUUIDFromDisplayID(1);
   const CFStringRef text = CFUUIDCreateString(kCFAllocatorDefault, first);
@@ -162,7 +162,7 @@ TEST_F(DisplayList, RemembersTheUuidOfTheDisplayListedLast) {
   CFRelease(first);
 }
 
-TEST_F(DisplayList, CallBackGoesOnWhateverTheEntry) {
+TEST_F(DisplayList, CallbackContinuesForAnyEntry) {
   EXPECT_TRUE(Iterator::deviceListIterator(nullptr, nullptr));
   const CFDictionaryRef empty = CFDictionaryCreate(nullptr, nullptr, nullptr, 0, &kCFTypeDictionaryKeyCallBacks,
                                                    &kCFTypeDictionaryValueCallBacks);
@@ -170,7 +170,7 @@ TEST_F(DisplayList, CallBackGoesOnWhateverTheEntry) {
   CFRelease(empty);
 }
 
-TEST_F(DisplayList, CallBackPassesOverValuesOfAnotherType) {
+TEST_F(DisplayList, CallbackSkipsValuesOfAnotherType) {
   ListProfilesForDisplay(1);
   const CFUUIDRef uuid = CGDisplayCreateUUIDFromDisplayID(1);
   const CFURLRef url = CFURLCreateWithFileSystemPath(nullptr, CFSTR("/a.icc"), kCFURLPOSIXPathStyle, false);

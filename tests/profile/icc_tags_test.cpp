@@ -60,7 +60,7 @@ constexpr const char* kTypeAndReserved = "text\x01\x02\x03\x04";
 
 // --- ICCTagExists
 
-TEST(IccTagExists, IsTrueForATagThatTheProfileHas) {
+TEST(IccTagExists, IsTrueForTagsOfTheProfile) {
   const TemporaryFolder folder;
   const std::string path =
       folder.write("a.icc", IccMaker().description("a").tag("QV02", "12345678").tag("zero", "").bytes());
@@ -78,7 +78,7 @@ TEST(IccTagExists, IsFalseForOtherSignatures) {
   }
 }
 
-TEST(IccTagExists, IsFalseForWhatIsNoProfile) {
+TEST(IccTagExists, IsFalseForInvalidFiles) {
   const TemporaryFolder folder;
   ASSERT_EQ(mkfifo(folder.path("pipe").c_str(), 0600), 0);
   EXPECT_FALSE(tagExists(folder.path("missing"), "desc"));
@@ -107,19 +107,19 @@ TEST(IccTagExists, AgreesWithQv02Read) {
 
 // --- QV02Read
 
-TEST(Qv02Read, GivesTheBytesAfterTheFirstEight) {
+TEST(Qv02Read, ReturnsTheBytesAfterTheFirstEight) {
   const Read read = qv02OfElement(kTypeAndReserved + std::string("<?xml version=\"1.0\"?><a>ü</a>"));
   EXPECT_EQ(read.code, 0);
   EXPECT_THAT(read.xml, Optional(Eq("<?xml version=\"1.0\"?><a>ü</a>")));
 }
 
-TEST(Qv02Read, OfEightBytesIsAnEmptyDocument) {
+TEST(Qv02Read, ReturnsAnEmptyDocumentForEightBytes) {
   const Read read = qv02OfElement(kTypeAndReserved);
   EXPECT_EQ(read.code, kQVINoError);
   EXPECT_THAT(read.xml, Optional(Eq("")));
 }
 
-TEST(Qv02Read, OfLessThanEightBytesIsAnEmptyDocument) {
+TEST(Qv02Read, ReturnsAnEmptyDocumentForLessThanEightBytes) {
   for (std::size_t size = 0; size < 8; ++size) {
     const Read read = qv02OfElement(std::string(kTypeAndReserved, size));
     EXPECT_EQ(read.code, kQVINoError) << size;
@@ -127,17 +127,17 @@ TEST(Qv02Read, OfLessThanEightBytesIsAnEmptyDocument) {
   }
 }
 
-TEST(Qv02Read, KeepsNulsAndWhatIsNotUtf8) {
+TEST(Qv02Read, KeepsNulsAndInvalidUtf8) {
   const std::string document("\0a\0\xFF\xC0\x80\xED\xA0\x80\0\0", 11);
   EXPECT_THAT(qv02OfElement(kTypeAndReserved + document).xml, Optional(Eq(document)));
 }
 
-TEST(Qv02Read, DoesNotLookAtTheType) {
+TEST(Qv02Read, IgnoresTheType) {
   EXPECT_THAT(qv02OfElement(std::string(8, '\0') + "x").xml, Optional(Eq("x")));
   EXPECT_THAT(qv02OfElement("desc\xFF\xFF\xFF\xFFx").xml, Optional(Eq("x")));
 }
 
-TEST(Qv02Read, OfSixtyFourMebibytesGivesThemAll) {
+TEST(Qv02Read, Returns64MiB) {
   std::string document(64 << 20, '\0');
   for (std::size_t i = 0; i < document.size(); i += 4096) {
     document[i] = static_cast<char>(i >> 12);
@@ -148,7 +148,7 @@ TEST(Qv02Read, OfSixtyFourMebibytesGivesThemAll) {
   EXPECT_TRUE(read.xml == document);
 }
 
-TEST(Qv02Read, LosesNothingWhateverThePiecesInWhichTheDocumentIsCopied) {
+TEST(Qv02Read, ReturnsDocumentsOfAnySizeWhole) {
   for (const std::size_t boundary : {64U << 10, 256U << 10, 1U << 20, 2U << 20, 3U << 20}) {
     for (std::size_t element = boundary - 9; element <= boundary + 9; ++element) {
       std::string document(element - 8, '\0');
@@ -162,14 +162,14 @@ TEST(Qv02Read, LosesNothingWhateverThePiecesInWhichTheDocumentIsCopied) {
   }
 }
 
-TEST(Qv02Read, WithoutTheTagDiscardsWhatWasThere) {
+TEST(Qv02Read, ClearsTheResultWithoutTheTag) {
   const TemporaryFolder folder;
   const Read read = qv02(folder.write("a.icc", support::displayProfile("a")));
   EXPECT_EQ(read.code, 466);
   EXPECT_EQ(read.xml, std::nullopt);
 }
 
-TEST(Qv02Read, FailsForWhatIsNoProfile) {
+TEST(Qv02Read, FailsForInvalidFiles) {
   const TemporaryFolder folder;
   ASSERT_EQ(mkfifo(folder.path("pipe").c_str(), 0600), 0);
   for (const std::string& path : {folder.path("missing"), folder.path("pipe"), folder.path(), folder.write("empty", ""),
@@ -180,7 +180,7 @@ TEST(Qv02Read, FailsForWhatIsNoProfile) {
   }
 }
 
-TEST(Qv02Read, FailsForAFileThatMayNotBeRead) {
+TEST(Qv02Read, FailsForAnUnreadableFile) {
   const TemporaryFolder folder;
   chmod(folder.path().c_str(), 0755);
   const std::string path = folder.write("a.icc", IccMaker().tag("QV02", kTypeAndReserved).bytes());
@@ -194,7 +194,7 @@ TEST(Qv02Read, FailsForNull) {
   EXPECT_EQ(read.xml, std::nullopt);
 }
 
-TEST(Qv02Read, FailsForATagThatReachesOutOfTheFile) {
+TEST(Qv02Read, FailsForATagBeyondTheFile) {
   const TemporaryFolder folder;
   EXPECT_EQ(qv02(folder.write("a", IccMaker().tableLine("QV02", 144, 0xFFFFFFFF).bytes())).code, kQVIFailedToReadTag);
   EXPECT_EQ(qv02(folder.write("b", IccMaker().tableLine("QV02", 0xFFFFFFF0, 16).bytes())).code, kQVIFailedToReadTag);
@@ -211,7 +211,7 @@ TEST(Qv02Read, ReadsATagBehindFiveThousandOthers) {
   EXPECT_TRUE(tagExists(path, "5999"));
 }
 
-TEST(Qv02Read, AsksForTheTagTwiceAndUsesTheSecondAnswer) {
+TEST(Qv02Read, CopiesTheTagTwiceAndUsesTheSecondCopy) {
   const TemporaryFolder folder;
   const std::string path = folder.write("a.icc", IccMaker().tag("QV02", kTypeAndReserved).bytes());
   const auto before = platform::calls::count(Call::ColorSyncProfileCopyTag);

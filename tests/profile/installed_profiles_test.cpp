@@ -46,7 +46,7 @@ TEST_F(InstalledList, KeepsTheFirstOfTwoReportsOfAPath) {
   EXPECT_THAT(ListAllInstalledProfiles(), ElementsAre(Pair("/a.icc", "First"), Pair("/b.icc", "B")));
 }
 
-TEST_F(InstalledList, IsReadAnewEachTime) {
+TEST_F(InstalledList, IsReadAtEachCall) {
   setInstalled({installed("/a.icc", "A")});
   EXPECT_THAT(ListAllInstalledProfiles(), ElementsAre(Pair("/a.icc", "A")));
   setInstalled({installed("/b.icc", "B")});
@@ -62,7 +62,7 @@ TEST_F(InstalledList, IsTheCallersOwnCopy) {
   EXPECT_THAT(Iterator::installed_profiles, ElementsAre(Pair("/a.icc", "A")));
 }
 
-TEST_F(InstalledList, LeavesOutEntriesThatLackAValue) {
+TEST_F(InstalledList, SkipsIncompleteEntries) {
   setInstalled({installed("/a", std::nullopt),
                 installed("/b", "B", std::nullopt),
                 {"mntr", "no path", std::nullopt},
@@ -81,7 +81,7 @@ TEST_F(InstalledList, CountsWithoutReading) {
 
 // --- names
 
-TEST_F(InstalledList, NamesAProfileWithoutItsLeadingSpaces) {
+TEST_F(InstalledList, RemovesLeadingSpaces) {
   EXPECT_EQ(nameOf("   three before"), "three before");
   EXPECT_EQ(nameOf(" one"), "one");
 }
@@ -100,7 +100,7 @@ TEST_F(InstalledList, KeepsSpacesAtTheBeginningOfALaterLine) {
 
 TEST_F(InstalledList, KeepsOtherKindsOfSpace) { EXPECT_EQ(nameOf("\u00A0\u3000 x"), "\u00A0\u3000 x"); }
 
-TEST_F(InstalledList, ListsAProfileOfSpacesOnlyWithAnEmptyName) {
+TEST_F(InstalledList, KeepsAProfileNamedWithSpacesOnly) {
   EXPECT_EQ(nameOf("     "), "");
   EXPECT_EQ(nameOf(""), "");
 }
@@ -110,7 +110,7 @@ TEST_F(InstalledList, RemovesAMillionLeadingSpaces) {
   EXPECT_EQ(nameOf(std::string(1'000'000, ' ') + "x"), "x");
 }
 
-TEST_F(InstalledList, NamesAProfileWithSixteenMebibytes) {
+TEST_F(InstalledList, KeepsANameOf16MiB) {
   const std::string name(16 << 20, 'x');
   EXPECT_TRUE(nameOf("  " + name) == name);
 }
@@ -132,7 +132,7 @@ TEST_F(InstalledList, HoldsPathsOfAnyCharacters) {
 
 // --- the call-backs themselves
 
-TEST_F(InstalledList, CallBackGoesOnWhateverTheEntry) {
+TEST_F(InstalledList, CallbackContinuesForAnyEntry) {
   EXPECT_TRUE(Iterator::profileListIterator(nullptr, nullptr));
   const CFDictionaryRef empty = CFDictionaryCreate(nullptr, nullptr, nullptr, 0, &kCFTypeDictionaryKeyCallBacks,
                                                    &kCFTypeDictionaryValueCallBacks);
@@ -141,7 +141,7 @@ TEST_F(InstalledList, CallBackGoesOnWhateverTheEntry) {
   EXPECT_THAT(Iterator::installed_profiles, IsEmpty());
 }
 
-TEST_F(InstalledList, CallBackPassesOverValuesOfAnotherType) {
+TEST_F(InstalledList, CallbackSkipsValuesOfAnotherType) {
   const CFStringRef keys[] = {kColorSyncProfileClass, kColorSyncProfileDescription, kColorSyncProfileURL};
   const CFURLRef url = CFURLCreateWithFileSystemPath(nullptr, CFSTR("/a.icc"), kCFURLPOSIXPathStyle, false);
   const CFTypeRef sound[] = {kColorSyncSigDisplayClass, CFSTR("Name"), url};

@@ -1,4 +1,4 @@
-// The list of this computer's own profiles, and their tags, beside what lcms2 says of the same files.
+// The list of this computer's own profiles, and their tags, compared with lcms2's reading of the same files.
 #include <CoreFoundation/CoreFoundation.h>
 #include <gmock/gmock.h>
 #include <lcms2.h>
@@ -78,7 +78,7 @@ TEST_F(RealProfiles, AreListedAsLcmsReadsThem) {
   EXPECT_EQ(ProfileServices::ListAllInstalledProfiles(), expected);
 }
 
-TEST_F(RealProfiles, HaveTheTagsThatLcmsSees) {
+TEST_F(RealProfiles, HaveTheTagsThatLcmsReads) {
   std::size_t tags = 0;
   for (const std::string& file : profileFiles()) {
     const Profile profile(cmsOpenProfileFromFile(file.c_str(), "r"));
@@ -100,7 +100,7 @@ TEST_F(RealProfiles, HaveTheTagsThatLcmsSees) {
   EXPECT_GT(tags, 300U);
 }
 
-TEST_F(RealProfiles, OfTheUserAreListedToo) {
+TEST_F(RealProfiles, IncludeTheUsers) {
   const std::string source = "/usr/share/color/icc/colord/AdobeRGB1998.icc";
   const std::string own = home_.path(".local/share/icc/mine.ICM");
   std::filesystem::create_directories(home_.path(".local/share/icc"));

@@ -60,7 +60,7 @@ TEST(FlipPair, SwapsTheMembers) {
   EXPECT_THAT(Utils::flip_pair(std::pair<std::string, int>("path", 3)), Pair(3, "path"));
 }
 
-TEST(FlipMap, OfNothingIsNothing) {
+TEST(FlipMap, KeepsTheEmptyMap) {
   EXPECT_TRUE(Utils::flip_map(Installed()).empty());
   EXPECT_TRUE(Utils::flip_map(Associated()).empty());
 }
@@ -75,12 +75,12 @@ TEST(FlipMap, KeepsTheKeyOrderOfEqualNeighbours) {
               ElementsAre(Pair("A", "/1.icc"), Pair("A", "/2.icc"), Pair("A", "/3.icc")));
 }
 
-TEST(FlipMap, PutsAnEqualValueInFrontAfterALesserOne) {
+TEST(FlipMap, PutsAnEqualValueFirstAfterALesserOne) {
   EXPECT_THAT(Utils::flip_map(Installed{{"/a.icc", "B"}, {"/b.icc", "A"}, {"/c.icc", "B"}}),
               ElementsAre(Pair("A", "/b.icc"), Pair("B", "/c.icc"), Pair("B", "/a.icc")));
 }
 
-TEST(FlipMap, PutsAnEqualValueBehindAfterAGreaterOne) {
+TEST(FlipMap, PutsAnEqualValueLastAfterAGreaterOne) {
   EXPECT_THAT(Utils::flip_map(Installed{{"/a", "A"}, {"/b", "A"}, {"/c", "B"}, {"/d", "A"}}),
               ElementsAre(Pair("A", "/a"), Pair("A", "/b"), Pair("A", "/d"), Pair("B", "/c")));
 }

@@ -67,20 +67,20 @@ constexpr const char* kAccents = "\xC3\xA9t\xC3\xA9";
 
 // --- strings
 
-TEST_F(Strings, GoThereAndBack) {
+TEST_F(Strings, RoundTripThroughUtf8) {
   for (const char* const text : {"", "abc", kAccents, "\xE6\x97\xA5\xE6\x9C\xAC", "A\xF0\x9F\x98\x80", "e\xCC\x81"}) {
     EXPECT_EQ(textOf(string(text)), text);
   }
 }
 
-TEST_F(Strings, OfWhatIsNoUtf8AreNull) {
+TEST_F(Strings, AreNullForInvalidUtf8) {
   for (const char* const text : {"\xC0\x80", "\xE0\x80\x80", "\xED\xA0\x80", "\xF4\x90\x80\x80", "\x80", "\xFF",
                                  "a\xC3", "a\xE2\x82", "a\xF0\x9F\x98"}) {
     EXPECT_EQ(string(text), nullptr) << testing::PrintToString(text);
   }
 }
 
-TEST_F(Strings, OfNullAreNull) {
+TEST_F(Strings, AreNullForNull) {
   EXPECT_EQ(string(nullptr), nullptr);
   EXPECT_EQ(StringServices::CFStringRefToUTF8String(nullptr), nullptr);
 }
@@ -105,7 +105,7 @@ TEST_F(Strings, BecomeBigEndianUtf16WithoutAMark) {
   EXPECT_THAT(bytesOf(StringServices::CFStringRefToUTF16BE(string(""))), IsEmpty());
 }
 
-TEST_F(Strings, WithASurrogateThatStandsAloneBecomeNeitherUtf16NorUtf8) {
+TEST_F(Strings, WithALoneSurrogateHaveNoUtf16OrUtf8) {
   constexpr std::u16string_view kText = u"a\U0001F600\U0001F600";
   for (const auto& [begin, count] : {std::pair(1, 1), std::pair(0, 2), std::pair(2, 2)}) {
     const CFStringRef broken =
@@ -116,7 +116,7 @@ TEST_F(Strings, WithASurrogateThatStandsAloneBecomeNeitherUtf16NorUtf8) {
   }
 }
 
-TEST_F(Strings, WithANulEndThereInUtf8Alone) {
+TEST_F(Strings, EndAtANulInUtf8Only) {
   const CFStringRef string = other_foundation::partOf(std::u16string_view(u"a\0b", 3), 0, 3);
   EXPECT_STREQ(StringServices::CFStringRefToUTF8String(string), "a");
   EXPECT_THAT(bytesOf(StringServices::CFStringRefToUTF16BE(string)), ElementsAre(0, 'a', 0, 0, 0, 'b'));
@@ -133,7 +133,7 @@ TEST_F(Strings, BecomeMacRomanWithLosses) {
   EXPECT_NE(StringServices::CFStringRefToMac(string("\xE6\x97\xA5\xF0\x9F\x98\x80")), nullptr);
 }
 
-TEST_F(Strings, AreAskedForUtf16WithoutLossesAndForAsciiAndMacRomanWithThem) {
+TEST_F(Strings, EncodersRequestLossyAsciiAndMacRomanOnly) {
   other_foundation::Notes notes;
   const CFStringRef string = other_foundation::notingString(notes);
   EXPECT_EQ(StringServices::CFStringRefToUTF16BE(string), nullptr);
@@ -142,7 +142,7 @@ TEST_F(Strings, AreAskedForUtf16WithoutLossesAndForAsciiAndMacRomanWithThem) {
   EXPECT_TRUE((notes.data == std::vector<other_foundation::DataRequest>{{0x90000100, false}, {1, true}, {30, true}}));
 }
 
-TEST_F(Strings, ThatAreNullBecomeNoData) {
+TEST_F(Strings, EncodersReturnNullForNull) {
   EXPECT_EQ(StringServices::CFStringRefToUTF16BE(nullptr), nullptr);
   EXPECT_EQ(StringServices::CFStringRefToASCII(nullptr), nullptr);
   EXPECT_EQ(StringServices::CFStringRefToMac(nullptr), nullptr);
@@ -150,7 +150,7 @@ TEST_F(Strings, ThatAreNullBecomeNoData) {
 
 // --- codes
 
-TEST_F(Strings, TheCodesAreTheFirstOfAll) {
+TEST_F(Strings, CodesAreTheFirstOfAll) {
   EXPECT_EQ(textOf(StringServices::CountryCode()), "AD");
   EXPECT_EQ(textOf(StringServices::LanguageCode()), "aa");
 }
@@ -211,7 +211,7 @@ TEST_F(Strings, CFStringRefContainsSendsRangeOfStringOnASystemWithoutVersionQuer
   EXPECT_EQ(searchSelector(), "rangeOfString:");
 }
 
-TEST_F(Strings, AreNullForTheFirstOfNoCodes) {
+TEST_F(Strings, CodesAreNullWithoutLists) {
   const other_foundation::WithoutCodes none;
   EXPECT_EQ(StringServices::CountryCode(), nullptr);
   EXPECT_EQ(StringServices::LanguageCode(), nullptr);
@@ -223,18 +223,18 @@ INSTANTIATE_TEST_SUITE_P(BeforeAndSince, Contains,
 
 // --- paths and URLs
 
-TEST_F(Paths, OfADirectoryMakeADirectoryUrlOnlyWhenTheFileSystemIsAsked) {
+TEST_F(Paths, OnlyPOSIXPathToCFURLRefReadsTheFileSystem) {
   EXPECT_EQ(textOf(StringServices::POSIXPathToCFURLRef(folder_.c_str())), "file://" + folder_ + "/");
   EXPECT_EQ(textOf(StringServices::CFStringToCFURL(string(folder_.c_str()))), "file://" + folder_);
   EXPECT_EQ(textOf(StringServices::CFStringToCFURL(string((folder_ + "/").c_str()))), "file://" + folder_);
 }
 
-TEST_F(Paths, OfAFileMakeNoDirectoryUrl) {
+TEST_F(Paths, OfFilesHaveNoTrailingSlash) {
   const std::string path = makeFile("a b#c.icc");
   EXPECT_EQ(textOf(StringServices::POSIXPathToCFURLRef(path.c_str())), "file://" + folder_ + "/a%20b%23c.icc");
 }
 
-TEST_F(Paths, ComeBackFromTheirUrls) {
+TEST_F(Paths, RoundTripThroughUrls) {
   for (const char* const name :
        {"plain", "a b", "a#b", "a?b", "a%41b", "a;b", "\xC3\xA9", "\xF0\x9F\x98\x80", "a\\b"}) {
     const std::string path = folder_ + "/" + name;
@@ -245,37 +245,37 @@ TEST_F(Paths, ComeBackFromTheirUrls) {
   EXPECT_EQ(pathOf(StringServices::POSIXPathToCFURLRef(folder_.c_str())), folder_);
 }
 
-TEST_F(Paths, OfTheRootAreTheRoot) {
+TEST_F(Paths, KeepTheRoot) {
   const CFURLRef root = StringServices::POSIXPathToCFURLRef("/");
   EXPECT_EQ(pathOf(root), "/");
   EXPECT_EQ(textOf(StringServices::LastPathComponent(root)), "/");
 }
 
-TEST_F(Paths, ThatAreRelativeOrEmptyStartAtTheCurrentDirectory) {
+TEST_F(Paths, StartAtTheCurrentDirectoryWhenRelative) {
   const std::string here = std::filesystem::current_path().string();
   EXPECT_EQ(pathOf(StringServices::POSIXPathToCFURLRef("no such file")), here + "/no such file");
   EXPECT_EQ(pathOf(StringServices::POSIXPathToCFURLRef("")), here);
 }
 
-TEST_F(Paths, ThatAreNullOrNoUtf8MakeNoUrl) {
+TEST_F(Paths, MakeNoUrlFromNullOrInvalidUtf8) {
   EXPECT_EQ(StringServices::POSIXPathToCFURLRef(nullptr), nullptr);
   EXPECT_EQ(StringServices::POSIXPathToCFURLRef("/\xFF"), nullptr);
   EXPECT_EQ(StringServices::POSIXPathToCFURLRef("/a\xE2\x82"), nullptr);
   EXPECT_EQ(StringServices::CFStringToCFURL(nullptr), nullptr);
 }
 
-TEST_F(Paths, OfNoUrlAreNull) {
+TEST_F(Paths, AreNullForANullUrl) {
   EXPECT_EQ(StringServices::CFURLRefToPOSIXPath(nullptr), nullptr);
   EXPECT_EQ(StringServices::LastPathComponent(nullptr), nullptr);
 }
 
-TEST_F(Paths, MayBeLongerThanAStackIsDeep) {
+TEST_F(Paths, MayBeLongerThanTheStack) {
   std::string path = "/";
   path.resize(9000000, 'a');
   EXPECT_TRUE(pathOf(StringServices::POSIXPathToCFURLRef(path.c_str())) == path);
 }
 
-TEST(StringServices, WorkOnAThreadThatHasAPool) {
+TEST(StringServices, WorkOnAThreadWithAPool) {
   std::string text;
   std::thread([&text] {
     const platform::ScopedPool pool;

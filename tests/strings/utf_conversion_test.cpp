@@ -79,7 +79,7 @@ std::string bytes(std::initializer_list<unsigned> values) {
 
 // --- single characters
 
-TEST(Conversion, OfEveryCodePointGoesThereAndBack) {
+TEST(Conversion, RoundTripsEveryCodePoint) {
   for (char32_t code = 0; code <= kLastCodePoint; ++code) {
     if (isSurrogate(code)) {
       continue;
@@ -92,7 +92,7 @@ TEST(Conversion, OfEveryCodePointGoesThereAndBack) {
   }
 }
 
-TEST(Conversion, OfNothingIsNothing) {
+TEST(Conversion, KeepsTheEmptyText) {
   EXPECT_EQ(Utils::utf8_to_utf16(""), L"");
   EXPECT_EQ(Utils::utf16_to_utf8(L""), "");
 }
@@ -111,7 +111,7 @@ TEST(Conversion, KeepsAByteOrderMark) {
             "A");
 }
 
-TEST(Conversion, MakesTwoElementsOfACharacterAboveFFFF) {
+TEST(Conversion, UsesTwoElementsAboveFFFF) {
   EXPECT_THAT(Utils::utf8_to_utf16("A\xF0\x9F\x98\x80"), ElementsAre(0x41, 0xD83D, 0xDE00));
   EXPECT_EQ(Utils::utf16_to_utf8({0x41, 0xD83D, 0xDE00}), "A\xF0\x9F\x98\x80");
 }
@@ -155,12 +155,12 @@ TEST(FromUtf8, AgreesOnFourBytesAtEveryBound) {
   }
 }
 
-TEST(FromUtf8, RefusesFiveAndSixByteForms) {
+TEST(FromUtf8, RejectsFiveAndSixByteForms) {
   EXPECT_EQ(toUtf16("\xF8\x88\x80\x80\x80"), std::nullopt);
   EXPECT_EQ(toUtf16("\xFC\x84\x80\x80\x80\x80"), std::nullopt);
 }
 
-TEST(FromUtf8, RefusesEveryCodePointThatIsCutShort) {
+TEST(FromUtf8, RejectsEveryTruncatedCodePoint) {
   constexpr char32_t kStep = 0x40;  // these have all beginnings: code points between them differ in the last byte only
   for (char32_t code = 0x80; code <= kLastCodePoint; code += kStep) {
     if (isSurrogate(code)) {
@@ -173,7 +173,7 @@ TEST(FromUtf8, RefusesEveryCodePointThatIsCutShort) {
   }
 }
 
-TEST(FromUtf8, RefusesWhatIsCutShortWhereverItStands) {
+TEST(FromUtf8, RejectsTruncationAtAnyPlace) {
   const std::string ascii = "0123456789abcdef";
   for (const std::string& part : {std::string("\xC3"), std::string("\xE2\x82"), std::string("\xF0\x9F\x98")}) {
     for (std::size_t position = 0; position <= ascii.size(); ++position) {
@@ -184,7 +184,7 @@ TEST(FromUtf8, RefusesWhatIsCutShortWhereverItStands) {
   }
 }
 
-TEST(FromUtf8, SaysWhatTheStandardConverterSays) {
+TEST(FromUtf8, ThrowsTheStandardConvertersMessage) {
   for (const char* const text : {"\xC0", "\x80", "\xC3", "\xED\xA0\x80", "\xF4\x90\x80\x80", "A\xE2\x82"}) {
     EXPECT_THAT([text] { (void)Utils::utf8_to_utf16(text); },
                 testing::ThrowsMessage<std::range_error>("wstring_convert: from_bytes error"));
@@ -209,7 +209,7 @@ TEST(ToUtf8, AgreesOnEveryHighSurrogateBeforeEveryKindOfUnit) {
   }
 }
 
-TEST(ToUtf8, RefusesElementsThatAreNoCodeUnits) {
+TEST(ToUtf8, RejectsElementsAboveFFFF) {
   for (const std::uint32_t element :
        {0x10000U, 0x1F600U, 0x10FFFFU, 0x110000U, 0x7FFFFFFFU, 0x80000000U, 0xFFFFFFFFU}) {
     const auto wide_element = static_cast<wchar_t>(element);
@@ -219,7 +219,7 @@ TEST(ToUtf8, RefusesElementsThatAreNoCodeUnits) {
   }
 }
 
-TEST(ToUtf8, SaysWhatTheStandardConverterSays) {
+TEST(ToUtf8, ThrowsTheStandardConvertersMessage) {
   for (const std::wstring& text : {std::wstring{0xDC00}, std::wstring{0xD83D}, std::wstring{0xD83D, 'A'}}) {
     EXPECT_THAT([&text] { (void)Utils::utf16_to_utf8(text); },
                 testing::ThrowsMessage<std::range_error>("wstring_convert: to_bytes error"));
@@ -228,7 +228,7 @@ TEST(ToUtf8, SaysWhatTheStandardConverterSays) {
 
 // --- long texts
 
-TEST(Conversion, OfLongRandomTextsAgrees) {
+TEST(Conversion, AgreesOnLongRandomTexts) {
   std::mt19937 random(20200229);
   for (int round = 0; round < 200; ++round) {
     std::u16string units;
@@ -244,7 +244,7 @@ TEST(Conversion, OfLongRandomTextsAgrees) {
   }
 }
 
-TEST(Conversion, OfRandomBytesAgrees) {
+TEST(Conversion, AgreesOnRandomBytes) {
   std::mt19937 random(20200301);
   for (int round = 0; round < 20000; ++round) {
     std::string text(random() % 24, 'a');
@@ -266,7 +266,7 @@ TEST(AppendBytes, AddsAtTheEnd) {
   EXPECT_THAT(target, ElementsAre(1, 2, 3, 0, 5, 3));
 }
 
-TEST(AppendBytes, OfNoneChangesNothing) {
+TEST(AppendBytes, ChangesNothingForNoBytes) {
   std::vector<unsigned char> target = {1};
   unsigned char added[] = {3};
   Utils::appendBytes(target, added, 0);
@@ -274,7 +274,7 @@ TEST(AppendBytes, OfNoneChangesNothing) {
   EXPECT_THAT(target, ElementsAre(1));
 }
 
-TEST(AppendBytes, ToAnEmptyVectorMakesItTheBytes) {
+TEST(AppendBytes, FillsAnEmptyVector) {
   std::vector<unsigned char> target;
   std::vector<unsigned char> added(100000, 7);
   Utils::appendBytes(target, added.data(), added.size());
