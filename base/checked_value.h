@@ -1,4 +1,4 @@
-// Values of dictionaries that the frameworks hand out: of the expected type, or null. Any thread.
+// Values of the frameworks' dictionaries: of the expected type, or null. Any thread.
 //
 // A dictionary's values are data: one of another type than its key documents must not bring the host down.
 #pragma once

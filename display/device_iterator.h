@@ -1,7 +1,7 @@
 // Queries that walk the devices of ColorSync and IOKit.
 //
-// A ColorSync walk runs on a worker thread, and may go on after the query that began it has given up. It shares with
-// later queries only the four static variables below, which are deliberately plain and unlocked; what they point to is
+// A ColorSync walk runs on a worker thread, and may outlive the query that began it. It shares with later queries
+// only the four static variables below, which are deliberately plain and unlocked; what they point to is
 // never released.
 #pragma once
 
@@ -30,7 +30,7 @@ struct device_iterator {
   static CFURLRef profile_path;
   /// Description of the device that matched last; "Empty" after a profile query that matched nothing.
   static CFStringRef device_name;
-  /// Deliberately null for the life of the process: there is no cache, every query walks ColorSync afresh.
+  /// Deliberately null for the life of the process: there is no cache, and every query walks ColorSync.
   static std::vector<DeviceRecord>* devices_info;
 
   /// The file URL of the display's current profile; null when no entry is both its default and its current one, after 2

@@ -1,6 +1,6 @@
-// What the sources of DisplayServices share, and what the facade asks of them beside the exported functions.
+// What the sources of DisplayServices share, and the functions for the facade that are not exported.
 //
-// Nothing here is exported. Host's thread, unless a function says otherwise.
+// Host's thread, unless a function says otherwise.
 #pragma once
 
 #include <CoreFoundation/CoreFoundation.h>

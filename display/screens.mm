@@ -41,7 +41,7 @@ CGDirectDisplayID DisplayIDForRect(CGRect rect) {
   if (first == nullptr) {
     return kCGNullDirectDisplay;
   }
-  // Room for one display is all that is asked for, and the count is not looked at: without a display the buffer is 0.
+  // For one display; the count is deliberately not examined: without a display the buffer stays 0.
   uint32_t count = 0;
   const CGError error = CGGetDisplaysWithRect(rect, 1, first, &count);
   return error == kCGErrorSuccess ? *first : kCGNullDirectDisplay;

@@ -1,6 +1,6 @@
-// The facade: what the plugin can tell about displays and profiles, for the host's methods and for C++ programs alike.
+// The facade: displays and their profiles, for the host's methods and for C++ programs.
 //
-// Call it from one thread at a time, the main thread where a function asks for screens (GetMonitorRect, GetScale), with
+// Call it from one thread at a time, the main thread where a function reads screens (GetMonitorRect, GetScale), with
 // an autorelease pool in place. Texts are UTF-8. A text that is returned belongs to the platform's string object: copy
 // it before the pool drains. Display numbers are CoreGraphics' (CGDirectDisplayID); 0 stands for no display. Rectangles
 // are in points, in global display coordinates: the origin is the upper left corner of the main display and y grows
@@ -19,11 +19,11 @@ namespace Display {
 
 // --- geometry
 
-/// The display's edges, each truncated toward zero after right and bottom were summed; a value that is no 32-bit
-/// number, or NaN, is -2147483648. For an unknown display, those of the empty rectangle that CGDisplayBounds answers.
+/// The display's edges, each truncated toward zero after right and bottom were summed; a value beyond
+/// 32 bits, or NaN, is -2147483648. For an unknown display, those of the empty rectangle that CGDisplayBounds returns.
 OSTREVIN_API void GetMonitorRect(std::uint32_t displayID, std::int32_t* left, std::int32_t* top, std::int32_t* right,
                                  std::int32_t* bottom);
-/// The display's origin and size as CGDisplayBounds answers them.
+/// The display's origin and size as CGDisplayBounds returns them.
 OSTREVIN_API void GetMonitorRect(std::uint32_t displayID, double* x, double* y, double* width, double* height);
 /// Position among the active displays, from 0, or kQVIDisplayNotFound.
 OSTREVIN_API std::uint32_t GetIndex(std::uint32_t displayID);
@@ -35,7 +35,7 @@ OSTREVIN_API std::uint32_t DisplayIDForWindow(double left, double top, double wi
 
 // --- name and profile of a display
 
-/// The user-visible name, remembered per display from the first call on; "UNKNOWN" without one. May wait up to 10
+/// The user-visible name, cached per display from the first call on; "UNKNOWN" without one. May wait up to 10
 /// seconds at the first call. Never null.
 OSTREVIN_API const char* GetName(std::uint32_t displayID);
 /// POSIX path of the profile file in use; empty when there is none, after up to 2 seconds. Never null.
@@ -47,7 +47,7 @@ OSTREVIN_API bool IsWideGamut(std::uint32_t displayID);
 
 // --- lists of profiles
 
-/// Every installed display profile: name by POSIX path. Read anew at each call.
+/// Every installed display profile: name by POSIX path. Read at each call.
 OSTREVIN_API std::map<std::string, std::string> ListAllInstalledProfiles();
 /// The profiles associated with a display: (name, is default, is current) by POSIX path. The name is empty for a
 /// profile that was not among the installed ones when they were last listed. For a display without a UUID, the list of

@@ -27,18 +27,18 @@ using AssociatedProfiles = std::map<std::string, std::tuple<std::string, bool, b
 OSTREVIN_API InstalledProfiles ListAllInstalledProfiles();
 
 /// The profiles that ColorSync associates with a display, by its CGDirectDisplayID. Installed profiles are read first
-/// only when none are known: a profile installed since then has an empty name here. A display without a UUID gives what
-/// the last display gave.
+/// only when the list of them is empty: a profile installed since then has an empty name here. A display without a UUID
+/// repeats the last display's result.
 OSTREVIN_API AssociatedProfiles ListProfilesForDisplay(std::uint32_t displayID);
 
-/// How many installed profiles are known now, those included that only a display's list has brought in. Reads nothing.
+/// The number of listed installed profiles, including those that only a display's list has added. Reads nothing.
 OSTREVIN_API std::size_t GetInstalledProfilesCount();
 
-/// How many profiles the display listed last has; the number is only used when there are none, to list that display.
+/// The number of profiles of the display listed last. `displayID` is used only when there are none, to list it.
 OSTREVIN_API std::size_t GetAssociatedProfilesCount(std::uint32_t displayID);
 
 /// Whether the profile file has a tag with this signature, which is four ASCII characters. Anything else is false, as
-/// is a file that is no profile, a null URL and a null signature.
+/// is a file that is not a profile, a null URL and a null signature.
 OSTREVIN_API bool ICCTagExists(CFURLRef profile, CFStringRef signature);
 
 /// Reads the document in the profile's private tag QV02: the tag element's bytes after the first eight, as they are,

@@ -17,7 +17,7 @@ namespace StringServices {
 /// The part of the URL's path after its last separator; "/" for the root.
 OSTREVIN_API CFStringRef LastPathComponent(CFURLRef url);
 
-/// A file URL that is never a directory's: the file system is not asked, and a trailing "/" of the path is dropped.
+/// A file URL that is never a directory's: the file system is not read, and a trailing "/" of the path is dropped.
 OSTREVIN_API CFURLRef CFStringToCFURL(CFStringRef path);
 
 /// Big-endian UTF-16 units without a byte-order mark. Null when a surrogate stands alone.
@@ -26,7 +26,7 @@ OSTREVIN_API CFDataRef CFStringRefToUTF16BE(CFStringRef string);
 OSTREVIN_API CFDataRef CFStringRefToASCII(CFStringRef string);
 OSTREVIN_API CFDataRef CFStringRefToMac(CFStringRef string);
 
-/// The first of all ISO country codes and of all ISO language codes: on purpose not the user's.
+/// The first of all ISO country codes and of all ISO language codes: deliberately not the user's.
 OSTREVIN_API CFStringRef CountryCode();
 OSTREVIN_API CFStringRef LanguageCode();
 

@@ -20,9 +20,8 @@ CFStringRef firstOf(NSArray* codes) {
 
 NSString* stringOf(const char* text) { return text != nullptr ? [NSString stringWithUTF8String:text] : nil; }
 
-/// Whether the system is one whose strings understand containsString:. The question itself is as old as that system, so
-/// that a system that cannot be asked is an older one.
-bool stringsKnowContainsString() {
+/// Whether the system has containsString:. The version query is as old as that method: a system without it is older.
+bool hasContainsString() {
   if (![NSProcessInfo instancesRespondToSelector:@selector(isOperatingSystemAtLeastVersion:)]) {
     return false;
   }
@@ -55,7 +54,7 @@ CFStringRef UTF8StringToCFString(const char* text) { return bridged(stringOf(tex
 const char* CFURLRefToPOSIXPath(CFURLRef url) { return [[bridged(url) path] UTF8String]; }
 
 CFURLRef POSIXPathToCFURLRef(const char* path) {
-  // Without a hint whether it is a directory, on purpose: unlike CFStringToCFURL, this asks the file system.
+  // Without a hint whether it is a directory, deliberately: unlike CFStringToCFURL, this reads the file system.
   NSString* const string = stringOf(path);
   return string != nil ? bridged([NSURL fileURLWithPath:string]) : nullptr;
 }
@@ -66,7 +65,7 @@ bool CFStringRefContains(CFStringRef text, CFStringRef part) {
   if (text == nullptr || part == nullptr) {
     return false;
   }
-  if (stringsKnowContainsString()) {
+  if (hasContainsString()) {
     return [bridged(text) containsString:bridged(part)];
   }
   return [bridged(text) rangeOfString:bridged(part)].location != NSNotFound;

@@ -8,7 +8,7 @@ namespace {
 
 constexpr char32_t kFirstSupplementary = 0x10000;
 constexpr char32_t kLastCodePoint = 0x10FFFF;
-constexpr std::size_t kAsciiStep = sizeof(std::uint64_t);  // characters that are looked at together
+constexpr std::size_t kAsciiStep = sizeof(std::uint64_t);  // characters that are tested together
 constexpr std::size_t kMostBytesPerUnit = 3;
 
 [[noreturn]] void refuseBytes() { throw std::range_error("wstring_convert: from_bytes error"); }

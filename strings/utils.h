@@ -20,10 +20,10 @@ OSTREVIN_API std::wstring utf8_to_utf16(std::string text);
 
 /// UTF-16, one code unit per element, to UTF-8.
 /// Throws std::range_error("wstring_convert: to_bytes error") for a surrogate without its other half and for an element
-/// that is no code unit (above 0xFFFF).
+/// above 0xFFFF, which is not a code unit.
 OSTREVIN_API std::string utf16_to_utf8(std::wstring text);
 
-/// Appends `count` bytes, which are not part of `target`. A count of 0 changes nothing, whatever `bytes` is.
+/// Appends `count` bytes, which are not part of `target`. With a count of 0, `bytes` may be null.
 OSTREVIN_API void appendBytes(std::vector<unsigned char>& target, unsigned char* bytes, unsigned long count);
 
 /// The pair with its members swapped.

@@ -88,7 +88,7 @@ Answers scales() {
 
 Answers handles() { return numbers({1, 0xDEAD, 0xFFFFFFFF}); }
 
-/// Absurd counts are those that ask for too much memory, or do not fit.
+/// With counts that need too much memory, or do not fit.
 Answers displayCounts() { return codes() + Answers{kLateError} + numbers({0, 1, 65536, UINT32_MAX}); }
 
 constexpr std::int64_t kMost = std::numeric_limits<std::int64_t>::max();

@@ -25,7 +25,7 @@ const std::vector<NamedAnswer>& answersOf(platform::calls::Call call);
 
 // --- dictionaries
 
-/// One change to a dictionary that a call hands out.
+/// One change to a dictionary that a call returns.
 struct DictionaryEdit {
   std::string what;  ///< the key, such as "DeviceID", or the dictionary as a whole, such as "DeviceEntry"
   std::string name;  ///< the change, such as "missing" or "a number"
@@ -33,7 +33,7 @@ struct DictionaryEdit {
   platform::calls::Edit edit;
 };
 
-/// For every call that hands out dictionaries: every key missing and of every wrong type, the dictionary null and
+/// For every call that returns dictionaries: every key missing and of every wrong type, the dictionary null and
 /// empty.
 const std::vector<DictionaryEdit>& dictionaryEdits();
 

@@ -1,4 +1,4 @@
-// Dictionaries that a framework hands out, with a key missing or with a value of another type.
+// The frameworks' dictionaries, with a key missing or with a value of another type.
 #include <ColorSync/ColorSync.h>
 #include <IOKit/graphics/IOGraphicsLib.h>
 

@@ -101,7 +101,7 @@ const std::vector<Row>& table() {
       // --- CoreGraphics
       {"CGGetActiveDisplayList", {"65536", "4294967295"}, {}},  // the list itself is as long as it is
       {"CGGetActiveDisplayList", {}, {"GetIndex"}},
-      {"CGGetDisplaysWithRect", {"0", "1", "65536", "4294967295"}, {}},  // the count is not looked at
+      {"CGGetDisplaysWithRect", {"0", "1", "65536", "4294967295"}, {}},  // the count is ignored
       {"CGGetDisplaysWithRect", {}, {"DisplayIDForWindow"}},
       {"CGDisplayBounds", {"failure"}, {"GetRect", "GetCGRect", "GetScale"}},
       {"CGDisplayBounds",
@@ -165,7 +165,7 @@ const std::vector<Row>& table() {
       {"dispatch_queue_create", {}, kQueries},
       {"dispatch_async", {}, kQueries},
 
-      // --- keys of the dictionaries that ColorSync and IOKit hand out
+      // --- keys of ColorSync's and IOKit's dictionaries
       {"DeviceClass", {}, kDisplayLists + kQueries},
       {"DeviceID", {}, kDisplayLists + kQueries},
       {"DeviceDescription", {"an empty string", "a string without UTF-8"}, {}, {{"GetName of display 4", R"("")"}}},

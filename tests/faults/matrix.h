@@ -13,8 +13,8 @@ namespace faults {
 
 // --- trying
 
-/// Counts the combinations (a fault and a question) that a test tries, and says the number: as the test's property, and
-/// for all tests of the process when it ends.
+/// Counts the combinations (a fault and a question) that a test tries and reports the number: as the test's property,
+/// and for all tests of the process when it ends.
 class MatrixTest : public testing::Test {
  protected:
   ~MatrixTest() override;

@@ -109,7 +109,7 @@ State& state() {
 std::atomic<const void*> current_result{nullptr};
 const void* returnResult() { return current_result.load(); }
 
-/// Notes the message; true when it is to be answered.
+/// Records the message; true when its method is to be replaced.
 bool notes(SEL selector) {
   const std::lock_guard lock(state().mutex);
   const std::string name = sel_getName(selector);

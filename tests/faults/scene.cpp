@@ -192,7 +192,7 @@ std::function<std::string(Scene&)> method(const char* name, Values arguments = {
   return [=](Scene& scene) { return describe(scene.plugin().call(name, arguments)); };
 }
 
-/// A method whose answer is the events that it raises.
+/// A method, with its events as the answer.
 std::function<std::string(Scene&)> events(const char* name, Values arguments = {}) {
   return [=](Scene& scene) {
     scene.plugin().call(name, arguments);
@@ -215,7 +215,7 @@ std::string buildMonitorsSet(Scene& scene) {
   return "";
 }
 
-/// Asked twice, because the first answer is about what was there before.
+/// Called twice: the first result is about the desktop before.
 std::string displaysChanged(Scene& scene) {
   auto* const changed = scene.exported<bool()>("_ZN15DisplayServices15DisplaysChangedEv");
   changed();

@@ -57,7 +57,7 @@ class Scene {
   devhost::Ref<devhost::Object> listener_;
 };
 
-/// The desktop's description. Displays 1 to 3 have names; displays 4 and 5 have empty ones, so that ColorSync is asked.
+/// The desktop's description. Displays 1 to 3 have names; displays 4 and 5 have empty ones, which ColorSync replaces.
 platform::desktop::Script fiveDisplays();
 
 /// The folder of the profiles "a.icc", "b.icc" and "c.icc". In answers it stands as "DIR".
@@ -74,8 +74,8 @@ struct Question {
   std::chrono::seconds limit{0};  ///< how long it may wait for ColorSync
 };
 
-/// All fifteen methods, in the order of the table, and then the exported functions that ask the frameworks about
-/// displays beside them. GetName is asked twice, once about a display that only ColorSync has a name for.
+/// All fifteen methods, in the order of the table, and then other exported functions about displays. GetName comes
+/// twice, once for a display that only ColorSync can name.
 const std::vector<Question>& questions();
 
 }  // namespace faults
