@@ -205,7 +205,7 @@ class NativeMethod {
     }
 
     const Values before = values;
-    const Value result = handler_(*object, values);
+    Value result = handler_(*object, values);
     for (std::size_t i = 0; i < values.size(); ++i) {
       if (declaration_.parameters[i].by_reference && !(values[i] == before[i])) {
         storeThrough(runtime_, sources[i], declaration_.parameters[i], values[i]);

@@ -35,7 +35,7 @@ ffi_type* nativeType(const DeclaredType& type) {
 
 // --- To a plugin
 
-Slot slotOf(Ref<Counted> counted) {
+Slot slotOf(const Ref<Counted>& counted) {
   return {reinterpret_cast<std::uintptr_t>(counted ? counted->handle() : nullptr), counted};
 }
 

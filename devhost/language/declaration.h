@@ -5,7 +5,7 @@
 //   type        = name { "." name } [ "(" ")" ]
 //
 // Keywords and type names may be written in any case, and blanks (spaces, tabs, line ends) may stand between any two
-// words or signs. A type name that is not built in is a class name, its values are objects. Any thread may parse.
+// words or signs. A type name that is not built in is a class name; its values are objects. Any thread may parse.
 #pragma once
 
 #include <optional>
