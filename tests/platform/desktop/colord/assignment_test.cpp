@@ -18,9 +18,6 @@ using testing::Contains;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-constexpr const char* kAdobe = "/usr/share/color/icc/colord/AdobeRGB1998.icc";
-constexpr const char* kApple = "/usr/share/color/icc/colord/AppleRGB.icc";
-
 /// A display that a session daemon has registered as "registered".
 class ColordAssignment : public testing::Test {
  protected:
@@ -86,8 +83,7 @@ TEST_F(ColordAssignment, AcceptsAFileWhoseContentsChanged) {
 }
 
 TEST_F(ColordAssignment, AcceptsAGreyDisplayProfile) {
-  writeFile(colord_.directory() / "grey.icc",
-            readFile("/usr/share/color/icc/colord/AppleRGB.icc").replace(16, 4, "GRAY"));
+  writeFile(colord_.directory() / "grey.icc", readFile(kApple).replace(16, 4, "GRAY"));
   EXPECT_TRUE(assign(colord_.directory() / "grey.icc"));
   expectDefault(colord_.directory() / "grey.icc");
 }

@@ -1,4 +1,4 @@
-// A process of its own that uses colord's devices, for the tests that need more than one.
+// A second process that uses colord's devices.
 //
 //   colord_device_tool current CONNECTOR          prints the file of the default and current profile
 //   colord_device_tool assign CONNECTOR FILE      prints "true" or "false"

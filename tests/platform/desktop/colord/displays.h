@@ -1,4 +1,4 @@
-// The displays that the tests of colord's devices assume, and what walks give for them.
+// Displays, EDIDs and walks for the tests of colord's devices.
 #pragma once
 
 #include <glib.h>
@@ -19,7 +19,11 @@ using platform::desktop::DeviceProfile;
 using platform::desktop::Display;
 using platform::desktop::Uuid;
 
-/// The UUID is made of the number.
+/// Profiles that colord finds by itself.
+inline constexpr const char* kAdobe = "/usr/share/color/icc/colord/AdobeRGB1998.icc";
+inline constexpr const char* kApple = "/usr/share/color/icc/colord/AppleRGB.icc";
+
+/// The UUID is derived from the number.
 inline Display makeDisplay(std::uint32_t number, const std::string& connector, std::vector<std::uint8_t> edid) {
   Display display;
   display.number = number;
@@ -58,7 +62,7 @@ inline std::vector<DeviceProfile> walk(const ColordDevices& devices) {
   return entries;
 }
 
-/// The file of the entry that is the display's default and current one; nullopt when there is none.
+/// The file of the display's default and current profile; nullopt without one.
 inline std::optional<std::string> currentFile(const ColordDevices& devices, const Display& display) {
   for (const DeviceProfile& entry : walk(devices)) {
     if (entry.device_id == display.uuid && entry.is_default == true && entry.is_current == true) {

@@ -47,7 +47,6 @@ using test_support::PrivateColord;
 using test_support::runSuccessfully;
 using testing::IsEmpty;
 
-constexpr const char* kAdobe = "/usr/share/color/icc/colord/AdobeRGB1998.icc";
 /// The delay on a computer that is busy with other tests.
 constexpr auto kSlack = 2s;
 /// The same without a wait for colord.

@@ -16,9 +16,6 @@ namespace {
 using test_support::PrivateColord;
 using test_support::runSuccessfully;
 
-constexpr const char* kAdobe = "/usr/share/color/icc/colord/AdobeRGB1998.icc";
-constexpr const char* kApple = "/usr/share/color/icc/colord/AppleRGB.icc";
-
 std::string registeredId(const PrivateColord& colord, const std::string& connector) {
   return PrivateColord::fields(colord.colormgr({"find-device-by-property", "XRANDR_name", connector}), "Device ID")
       .at(0);

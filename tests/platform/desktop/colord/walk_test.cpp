@@ -14,9 +14,6 @@ using test_support::PrivateColord;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-constexpr const char* kAdobe = "/usr/share/color/icc/colord/AdobeRGB1998.icc";
-constexpr const char* kApple = "/usr/share/color/icc/colord/AppleRGB.icc";
-
 std::string profileId(const PrivateColord& colord, const std::string& file) {
   return PrivateColord::fields(colord.colormgr({"find-profile-by-filename", file}), "Profile ID").at(0);
 }
