@@ -4,9 +4,9 @@
 #include <exception>
 #include <optional>
 
+#include "desktop/colord/assigned_profiles.h"
 #include "desktop/colord/colord_client.h"
 #include "desktop/colord/colord_matching.h"
-#include "desktop/colord/display_profile_file.h"
 #include "desktop/colord/glib_thread.h"
 
 namespace platform::desktop {
