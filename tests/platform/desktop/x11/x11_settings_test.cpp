@@ -1,4 +1,4 @@
-#include "desktop/x11/desktop_scale.h"
+#include "desktop/x11/x11_settings.h"
 
 #include <gtest/gtest.h>
 
