@@ -1,5 +1,5 @@
-// The substitute host's parser of arguments that are written as texts. The input is a declaration and its arguments,
-// each ended by a NUL; a declaration that cannot be parsed is left to its own fuzzer.
+// The substitute host's parser of arguments as text. The input is a declaration and its arguments, each ended by a NUL;
+// declaration_fuzzer covers invalid declarations.
 #include <cmath>
 #include <cstdint>
 #include <limits>
@@ -10,7 +10,7 @@
 
 #include "devhost/language/arguments.h"
 #include "devhost/language/printable.h"
-#include "fuzz/support/finding.h"
+#include "fuzz/support/fuzzing.h"
 
 namespace {
 
@@ -114,7 +114,7 @@ std::optional<Declaration> parsedDeclaration(const std::string& text) {
   }
 }
 
-/// Nothing when the arguments are refused, as they are to be refused.
+/// Nothing when the arguments are refused in the documented way.
 std::optional<Values> parsedArguments(const Declaration& declaration, const std::vector<std::string>& texts) {
   try {
     return devhost::parseArguments(declaration, texts);

@@ -1,4 +1,4 @@
-// The substitute host's parser of method declarations: what was parsed, written out and parsed again, is the same.
+// The substitute host's parser of method declarations: a parsed declaration, printed and parsed again, is the same.
 #include <algorithm>
 #include <cstdint>
 #include <optional>
@@ -6,7 +6,7 @@
 
 #include "devhost/language/declaration.h"
 #include "devhost/language/printable.h"
-#include "fuzz/support/finding.h"
+#include "fuzz/support/fuzzing.h"
 
 namespace {
 
@@ -48,7 +48,7 @@ void checkRefusal(const std::string& message) {
   require(message == devhost::printable(message), "a refusal is one line that can be printed");
 }
 
-/// Nothing when the text is refused, as it is to be refused.
+/// Nothing when the text is refused in the documented way.
 std::optional<Declaration> parsed(const std::string& text) {
   try {
     return devhost::parseDeclaration(text);

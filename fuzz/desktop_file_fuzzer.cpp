@@ -11,8 +11,7 @@
 #include <string>
 
 #include "desktop/script/scripted.h"
-#include "fuzz/support/finding.h"
-#include "fuzz/support/memory_file.h"
+#include "fuzz/support/fuzzing.h"
 
 namespace {
 

@@ -1,4 +1,4 @@
-// EDIDs: the monitor's identity in its base block, and the UUID made of it.
+// EDIDs: the monitor's identity in the base block, and its UUID.
 #include <algorithm>
 #include <cstdint>
 #include <numeric>
@@ -7,7 +7,7 @@
 
 #include "desktop/model/edid.h"
 #include "desktop/model/uuid.h"
-#include "fuzz/support/finding.h"
+#include "fuzz/support/fuzzing.h"
 #include "support/icu_text.h"
 
 namespace {

@@ -1,4 +1,4 @@
-// make_seeds FOLDER: writes what each fuzzer begins with to FOLDER/NAME/.
+// make_seeds FOLDER: writes the seeds of each fuzzer to FOLDER/NAME/.
 #include <cstdint>
 #include <filesystem>
 #include <fstream>
@@ -82,7 +82,7 @@ std::string smallTable() {
   return table + linear + linear + linear;
 }
 
-/// The same as curves alone, in the form of version 4.
+/// Curves alone, in the form of version 4.
 std::string curvesTable() {
   constexpr std::uint32_t kHead = 32;
   const std::string identity = "curv" + bigEndian32(0) + bigEndian32(0);

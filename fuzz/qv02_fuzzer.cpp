@@ -7,9 +7,8 @@
 #include <string_view>
 
 #include "base/owned_ref.h"
-#include "fuzz/support/finding.h"
+#include "fuzz/support/fuzzing.h"
 #include "fuzz/support/icc_reference.h"
-#include "fuzz/support/memory_file.h"
 #include "profile/profile_services.h"
 
 namespace {

@@ -1,4 +1,4 @@
-// UTF-8 to UTF-16 and back, each compared with ICU: the same texts are refused, and the others come out the same.
+// UTF-8 to UTF-16 and back, compared with ICU: the same texts are refused, and the others give the same result.
 #include <cstdint>
 #include <cstring>
 #include <optional>
@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "fuzz/support/finding.h"
+#include "fuzz/support/fuzzing.h"
 #include "strings/utils.h"
 #include "support/icu_text.h"
 
@@ -14,8 +14,7 @@ namespace {
 
 using fuzz::require;
 
-/// What the conversion gives, or nothing when it refuses with the error that it is to refuse with. Any other exception
-/// passes and is a finding.
+/// The result, or nothing when the conversion throws its documented error. Any other exception is a finding.
 template <typename Result, typename Text>
 std::optional<Result> converted(Result (*convert)(Text), const Text& text, const char* message) {
   try {

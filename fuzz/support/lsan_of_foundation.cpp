@@ -1,6 +1,6 @@
-// What LeakSanitizer is not to report in fuzzers that use Foundation: tests/lsan.supp's entries for the run-time and
-// for constant strings. Stacks end in Foundation, which has no frame pointers, so what its objects hold is not looked
-// after here; the sanitizer's run of the tests, which takes the time to unwind, does.
+// LeakSanitizer's suppressions in fuzzers that use Foundation: those of tests/lsan.supp for the run-time and for
+// constant strings. Foundation has no frame pointers, so stacks end in it, and leaks of its objects are not found here;
+// the sanitizer's run of the tests, which unwinds slowly, finds them.
 extern "C" {
 
 const char* __lsan_default_suppressions() {

@@ -1,4 +1,4 @@
-// The fuzzers' frameworks have no live desktop behind them, and so neither X nor colord: fuzzers describe their own.
+// Replaces platform/desktop/live.cpp, so that the fuzzers' frameworks need neither X nor colord.
 #include "desktop/current.h"
 #include "desktop/script/scripted.h"
 
