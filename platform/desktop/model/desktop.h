@@ -1,7 +1,7 @@
-// The desktop as the frameworks see it: one model, filled either from the computer's real desktop or from a script.
+// The desktop behind the frameworks, filled from the computer's desktop or from a script. Plain data.
 //
-// Everything here is plain data. A string is UTF-8, a path is a POSIX path, a length is in points. A member that is
-// absent (nullopt) is an answer too: the frameworks then leave the value out, or answer null.
+// A string is UTF-8, a path is a POSIX path, a length is in points. For an absent member (nullopt) the frameworks leave
+// the value out, or return null.
 #pragma once
 
 #include <array>
@@ -33,8 +33,8 @@ struct Display {
   std::uint32_t vendor = 0;  ///< EDID's 16-bit packed manufacturer id
   std::uint32_t model = 0;
   std::uint32_t serial = 0;
-  std::string connector;           ///< such as "DP-1"; empty when the desktop does not say
-  std::vector<std::uint8_t> edid;  ///< the monitor's whole EDID as it was read; empty without a valid one
+  std::string connector;           ///< such as "DP-1"; empty if unknown
+  std::vector<std::uint8_t> edid;  ///< the monitor's whole EDID; empty without a valid one
 };
 
 /// A screen. The frame has its origin at the lower left corner of the main screen, y growing upwards.
@@ -49,19 +49,19 @@ struct DisplayService {
   std::optional<std::uint32_t> vendor;
   std::optional<std::uint32_t> product;
   std::optional<std::uint32_t> serial;
-  /// Product names by language code, in the order in which they are listed.
+  /// Product names by language code, in the order of the list.
   std::optional<std::vector<std::pair<std::string, std::string>>> product_names;
 };
 
-/// What belongs together at one moment. Never changed once it is published.
+/// The displays at one moment. Immutable once published.
 struct Arrangement {
   std::vector<Display> displays;           ///< the main display first
-  std::vector<Screen> screens;             ///< in the order in which AppKit lists them
+  std::vector<Screen> screens;             ///< in the order of AppKit's list
   std::optional<std::size_t> main_screen;  ///< index into `screens`
-  std::vector<DisplayService> services;    ///< in the order in which IOKit lists them
+  std::vector<DisplayService> services;    ///< in the order of IOKit's list
 };
 
-/// One (device, profile) entry of a colour-managed device.
+/// One profile of a colour-managed device.
 struct DeviceProfile {
   std::optional<std::string> device_class;
   std::optional<Uuid> device_id;
@@ -82,7 +82,7 @@ struct InstalledProfile {
   std::uint64_t id = 0;
 };
 
-/// A visitor answers false to end the walk.
+/// A visitor returns false to end the walk.
 using DeviceProfileVisitor = std::function<bool(const DeviceProfile&)>;
 using InstalledProfileVisitor = std::function<bool(const InstalledProfile&)>;
 
@@ -91,7 +91,7 @@ class Desktop {
  public:
   virtual ~Desktop() = default;
 
-  /// The arrangement of this moment; never null. Cheap while nothing changes.
+  /// The present arrangement; never null. Cheap while nothing changes.
   virtual std::shared_ptr<const Arrangement> arrangement() = 0;
   virtual void visitDeviceProfiles(const DeviceProfileVisitor& visit) = 0;
   virtual void visitInstalledProfiles(const InstalledProfileVisitor& visit) = 0;

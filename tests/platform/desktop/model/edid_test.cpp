@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <random>
 #include <regex>
 #include <string>
 
@@ -65,12 +64,12 @@ TEST(Edid, AgreesWithEdidDecode) {
   }
 }
 
-TEST(Edid, PacksTheVendorAsKnownOnesArePacked) {
+TEST(Edid, PacksTheLettersOfKnownVendors) {
   EXPECT_EQ(decodeEdid(makeEdid({.vendor = "APP"}))->vendor, 0x0610);
   EXPECT_EQ(decodeEdid(makeEdid({.vendor = "DEL"}))->vendor, 0x10AC);
 }
 
-TEST(Edid, OfFewerThan128BytesIsNone) {
+TEST(Edid, RejectsFewerThan128Bytes) {
   const EdidBytes whole = makeEdid();
   for (std::size_t size = 0; size < kEdidBlockSize; ++size) {
     const EdidBytes part(whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(size));
@@ -79,7 +78,7 @@ TEST(Edid, OfFewerThan128BytesIsNone) {
   EXPECT_TRUE(decodeEdid(whole));
 }
 
-TEST(Edid, WithAnyFlippedBitIsNone) {
+TEST(Edid, RejectsAnyFlippedBit) {
   for (std::size_t bit = 0; bit < kEdidBlockSize * 8; ++bit) {
     EdidBytes edid = makeEdid();
     edid[bit / 8] ^= static_cast<std::uint8_t>(1u << bit % 8);
@@ -87,7 +86,7 @@ TEST(Edid, WithAnyFlippedBitIsNone) {
   }
 }
 
-TEST(Edid, WithAnotherHeaderOrVersionIsNoneThoughItsChecksumIsRight) {
+TEST(Edid, RejectsAnotherHeaderOrVersion) {
   for (const std::size_t offset : {0u, 1u, 6u, 7u, 18u}) {
     EdidBytes edid = makeEdid();
     edid[offset] = 2;
@@ -96,21 +95,7 @@ TEST(Edid, WithAnotherHeaderOrVersionIsNoneThoughItsChecksumIsRight) {
   }
 }
 
-TEST(Edid, OfRandomBytesNeverCrashes) {
-  std::minstd_rand random(11);
-  for (int i = 0; i < 20000; ++i) {
-    EdidBytes edid = makeEdid();
-    for (std::size_t offset = 8; offset < kEdidBlockSize; ++offset) {
-      edid[offset] = offset == 18 ? 1 : static_cast<std::uint8_t>(random());
-    }
-    fixChecksum(edid);
-    const auto decoded_edid = decodeEdid(edid);
-    ASSERT_TRUE(decoded_edid);
-    ASSERT_TRUE(!decoded_edid->name || !decoded_edid->name->empty());
-  }
-}
-
-TEST(Edid, IgnoresWhatFollowsTheBaseBlock) {
+TEST(Edid, IgnoresBytesAfterTheBaseBlock) {
   EdidBytes edid = makeEdid({.name = "Base"});
   edid[126] = 255;
   fixChecksum(edid);
@@ -123,7 +108,7 @@ TEST(EdidName, IsAbsentWithoutADescriptor) {
   EXPECT_EQ(decodeEdid(makeEdid({.name = std::nullopt}))->name, std::nullopt);
 }
 
-TEST(EdidName, IsAbsentWhenTheDescriptorIsBlank) {
+TEST(EdidName, IsAbsentForABlankDescriptor) {
   EXPECT_EQ(decodeEdid(withNameBytes("\n            "))->name, std::nullopt);
   EXPECT_EQ(decodeEdid(withNameBytes("             "))->name, std::nullopt);
   EXPECT_EQ(decodeEdid(withNameBytes(std::string(13, '\0')))->name, std::nullopt);
@@ -139,9 +124,9 @@ TEST(EdidName, KeepsBlanksExceptAtItsEnd) {
   EXPECT_EQ(decodeEdid(withNameBytes(" Two  Words \n"))->name, " Two  Words");
 }
 
-TEST(EdidName, MayUseItsWholeField) { EXPECT_EQ(decodeEdid(withNameBytes("ThirteenChars"))->name, "ThirteenChars"); }
+TEST(EdidName, MayFillItsField) { EXPECT_EQ(decodeEdid(withNameBytes("ThirteenChars"))->name, "ThirteenChars"); }
 
-TEST(EdidName, IsReadFromAnyOfTheFourDescriptorsAndTheFirstCounts) {
+TEST(EdidName, IsTheFirstOfTheFourDescriptors) {
   for (const std::size_t offset : {54u, 72u, 90u, 108u}) {
     EdidBytes edid = makeEdid({.name = std::nullopt});
     const std::string descriptor("\0\0\0\xFC\0Here\n        ", 18);
@@ -156,7 +141,7 @@ TEST(EdidName, IsReadFromAnyOfTheFourDescriptorsAndTheFirstCounts) {
   EXPECT_EQ(decodeEdid(edid)->name, "First");
 }
 
-TEST(EdidName, IsNotReadFromATimingThatLooksLikeIt) {
+TEST(EdidName, IgnoresATimingThatLooksLikeAName) {
   EdidBytes edid = makeEdid({.name = std::nullopt});
   const std::string timing("\x01\0\0\xFC\0No Name\n     ", 18);
   std::copy(timing.begin(), timing.end(), edid.begin() + 108);
@@ -164,7 +149,7 @@ TEST(EdidName, IsNotReadFromATimingThatLooksLikeIt) {
   EXPECT_EQ(decodeEdid(edid)->name, std::nullopt);
 }
 
-TEST(EdidName, InCodePage437BecomesUtf8) {
+TEST(EdidName, IsConvertedFromCodePage437) {
   EXPECT_EQ(decodeEdid(withNameBytes("Caf\x82 \x9C\xE4\xEA\n   "))->name, "Café £ΣΩ");
 }
 
