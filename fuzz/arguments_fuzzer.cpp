@@ -99,7 +99,7 @@ void checkValues(const Declaration& declaration, const std::vector<std::string>&
 }
 
 void checkRefusal(const Declaration& declaration, const std::string& message) {
-  require(message.find("expected ") != std::string::npos, "a refusal says what was expected");
+  require(message.find("expected ") != std::string::npos, "a refusal states what was expected");
   require(message == devhost::printable(message), "a refusal is one line that can be printed");
   require(message.starts_with(devhost::printable(declaration.name)), "a refusal begins with the method's name");
   require(message.ends_with(devhost::printable(declaration.text)), "a refusal ends with the declaration");

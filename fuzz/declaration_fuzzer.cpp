@@ -44,7 +44,7 @@ bool same(const Declaration& a, const Declaration& b) {
 void checkRefusal(const std::string& message) {
   require(message.starts_with("declaration \"") && message.find(": expected ") != std::string::npos &&
               message.find(" at column ") != std::string::npos,
-          "a refusal says what was expected and where");
+          "a refusal states what was expected and where");
   require(message == devhost::printable(message), "a refusal is one line that can be printed");
 }
 

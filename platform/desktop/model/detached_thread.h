@@ -1,4 +1,4 @@
-// Threads that nobody waits for: one that hangs in a server's reply keeps neither its caller nor the process waiting.
+// Detached threads, for work that may hang in a server's reply: neither a caller nor the process's exit waits for them.
 #pragma once
 
 #include <csignal>

@@ -63,7 +63,7 @@ class Reader {
   std::string pathOf(const Value& value, const char* what) const {
     const std::string text = stringOf(value, what);
     if (text.empty() || text.find('\0') != std::string::npos) {
-      throw Error(value.line, std::string(what) + " must be a path that is not empty");
+      throw Error(value.line, std::string(what) + " must be a non-empty path");
     }
     return text.front() == '/' ? text : (folder_ / text).lexically_normal().string();
   }

@@ -111,16 +111,16 @@ struct DatabaseFree {
 /// The lines before the first zero byte, without directives: a client's property must not make this process open files.
 std::string withoutDirectives(std::string_view resources) {
   resources = resources.substr(0, resources.find('\0'));
-  std::string kept;
+  std::string lines;
   while (!resources.empty()) {
     const auto line = resources.substr(0, resources.find('\n'));
     const auto first = line.find_first_not_of(" \t");
     if (first != std::string_view::npos && line[first] != '#') {
-      kept.append(line).append("\n");
+      lines.append(line).append("\n");
     }
     resources.remove_prefix(std::min(line.size() + 1, resources.size()));
   }
-  return kept;
+  return lines;
 }
 
 std::optional<double> parseDpi(std::string_view text) {

@@ -135,7 +135,7 @@ TEST(DesktopFileError, RejectsUuidsOfAnotherShape) {
 }
 
 TEST(DesktopFileError, RejectsEmptyPathsAndPathsWithAZero) {
-  EXPECT_EQ(errorIn("{\"installed_profiles\": [\n\"\"]}"), "2: an installed profile must be a path that is not empty");
+  EXPECT_EQ(errorIn("{\"installed_profiles\": [\n\"\"]}"), "2: an installed profile must be a non-empty path");
   EXPECT_THAT(errorIn("{\"installed_profiles\": [\n\"/a\\u0000b\"]}"), StartsWith("2: "));
 }
 
