@@ -68,6 +68,10 @@ struct Bounds {
   Type type;
   std::int64_t lowest;
   std::uint64_t highest;
+
+  friend std::ostream& operator<<(std::ostream& out, const Bounds& bounds) {
+    return out << bounds.lowest << " to " << bounds.highest;
+  }
 };
 
 class ConvertTest : public ::testing::TestWithParam<Bounds> {};
