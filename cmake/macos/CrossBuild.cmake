@@ -9,7 +9,7 @@
 
 include(ExternalProject)
 
-# ostrevin_macos_needs(MESSAGE CONDITION...): stops with one line that says what is missing.
+# ostrevin_macos_needs(MESSAGE CONDITION...): stops with one line about what is missing.
 macro(ostrevin_macos_needs message)
   if(NOT (${ARGN}))
     message(FATAL_ERROR " The macOS build needs ${message}")  # the leading blank keeps it on one line
@@ -27,7 +27,7 @@ set(linker ${OSTREVIN_MACHO_LINKER})
 execute_process(COMMAND ${linker} --version OUTPUT_VARIABLE output)
 string(REGEX MATCH "LLD ([0-9.]+)" found "${output}")
 if(NOT CMAKE_MATCH_1 VERSION_GREATER_EQUAL 15)
-  unset(OSTREVIN_MACHO_LINKER CACHE)  # looked for again next time
+  unset(OSTREVIN_MACHO_LINKER CACHE)  # the next run searches anew
   ostrevin_macos_needs("LLD 15 or later (package lld-19): ${linker} is ${found}, which drops what C++ exceptions need to be unwound."
     FALSE)
 endif()
@@ -76,7 +76,7 @@ set(OSTREVIN_x86_64_ZIG_TARGET x86_64-macos.10.13)
 set(OSTREVIN_x86_64_CLANG_TARGET x86_64-apple-macos10.13)
 
 # ostrevin_zig_runtime(SLICE FOLDER): copies into FOLDER the libraries that Zig would link. Zig builds them on first use and
-# keeps them in its cache; what it hands to its linker, which -v prints, says where.
+# keeps them in its cache; -v prints the paths among the linker's arguments.
 function(ostrevin_zig_runtime slice folder)
   set(libraries libc++.a libc++abi.a libcompiler_rt.a)
   if(EXISTS ${folder}/libcompiler_rt.a)

@@ -3,7 +3,7 @@
 get_directory_property(ostrevin_compile_options COMPILE_OPTIONS)
 get_directory_property(ostrevin_link_options LINK_OPTIONS)
 
-# CMake knows one oldest system for all architectures; the compiler takes one for each.
+# CMake has one oldest system for all architectures; the compiler takes one for each.
 if(OSTREVIN_OWN_DEPLOYMENT_TARGETS)
   set(CMAKE_OSX_DEPLOYMENT_TARGET "")
   set(oldest_arm64 11.0)
@@ -25,7 +25,7 @@ macro(ostrevin_build_for_this_mac_only)
     LINK_OPTIONS "${ostrevin_link_options}")
 endmacro()
 
-# ostrevin_add_macos_targets(): check-macho, sign, notarize. docs/macos.md tells how to use them.
+# ostrevin_add_macos_targets(): check-macho, sign, notarize. See docs/macos.md.
 function(ostrevin_add_macos_targets)
   ostrevin_add_macho_check($<TARGET_FILE:Ostrevin> $<TARGET_FILE:ostrevin-host> Ostrevin ostrevin-host)
 

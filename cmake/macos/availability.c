@@ -1,6 +1,6 @@
-// Answers __builtin_available in the cross build. Zig's run-time library has this function too, but one that links to a
-// call which systems before macOS 10.15 do not have, so that a program would not even start there. Those systems are
-// earlier than any version that this project asks for.
+// Implements __builtin_available in the cross build. Zig's run-time library has this function too, but links to a call
+// that systems before macOS 10.15 lack, so that a program would not start there. Those systems are older than any
+// version that this project tests for.
 #include <dlfcn.h>
 #include <stdbool.h>
 #include <stddef.h>
@@ -18,6 +18,6 @@ __attribute__((visibility("hidden"))) int32_t __isPlatformVersionAtLeast(uint32_
   if (check == NULL) {
     return false;
   }
-  const struct BuildVersion asked = {platform, (major & 0xFFFF) << 16 | (minor & 0xFF) << 8 | (patch & 0xFF)};
-  return check(1, &asked);
+  const struct BuildVersion wanted = {platform, (major & 0xFFFF) << 16 | (minor & 0xFF) << 8 | (patch & 0xFF)};
+  return check(1, &wanted);
 }

@@ -54,7 +54,7 @@ Check checkOldestSystem(const Image& image) {
 }
 
 /// What later systems than the oldest one added must be imported weakly, or the file would not load there. The one such
-/// call that a compiler's run-time library may bring in unasked is from macOS 10.15.
+/// call that a compiler's run-time library may add is from macOS 10.15.
 Check checkOldSystems(const Image& image) {
   Check check{"loads on systems without _availability_version_check", {}};
   const Import* const import = findImport(image, "__availability_version_check");

@@ -1,4 +1,4 @@
-// The two ways in which a file tells the loader which of its pointers to change: opcodes (LC_DYLD_INFO) and chains
+// The two ways in which a file lists the pointers that the loader changes: opcodes (LC_DYLD_INFO) and chains
 // (LC_DYLD_CHAINED_FIXUPS). Layouts are those of Apple's <mach-o/loader.h> and <mach-o/fixup-chains.h>.
 #include "tools/macho/image.h"
 

@@ -1,4 +1,4 @@
-// Mach-O files made up for tests, byte by byte.
+// Synthetic Mach-O files, byte by byte.
 #pragma once
 
 #include <cstdint>
@@ -11,7 +11,7 @@ using FileBytes = std::vector<std::uint8_t>;
 inline constexpr std::uint32_t kArm64 = 0x0100000C;
 inline constexpr std::uint32_t kX86_64 = 0x01000007;
 
-/// How a made-up file tells the loader about its pointers and exports.
+/// The form of a file's pointers and exports for the loader.
 enum class Fixups { opcodes, chains };
 
 inline void PrintTo(Fixups fixups, std::ostream* out) { *out << (fixups == Fixups::opcodes ? "opcodes" : "chains"); }
