@@ -4,6 +4,8 @@
 #import <Foundation/Foundation.h>
 
 #include <algorithm>
+#include <array>
+#include <climits>
 #include <cstdint>
 #include <memory>
 #include <mutex>
@@ -121,15 +123,17 @@ class EntryWalk {
   std::size_t next_ = 0;  ///< index into last_
 };
 
-/// Empty unless it is a file URL.
+/// Empty unless it is a file URL with a path that the system can open.
 std::string pathOf(CFURLRef reference) {
   auto* const url = (NSURL*)reference;
   if (![url isKindOfClass:[NSURL class]] || ![url isFileURL]) {
     return {};
   }
-  const ScopedPool pool;
-  const char* const path = [[url path] UTF8String];
-  return path != nullptr ? path : "";
+  NSString* const path = [url copyPlatformPath];
+  std::array<char, PATH_MAX> utf8;
+  const bool fits = [path getCString:utf8.data() maxLength:utf8.size() encoding:NSUTF8StringEncoding];
+  [path release];
+  return fits ? utf8.data() : "";
 }
 
 /// Nothing unless the signature is four ASCII characters.
@@ -196,7 +200,6 @@ CFDataRef ColorSyncProfileCopyTag(ColorSyncProfileRef profile, CFStringRef signa
   if (!wanted || ![opened isKindOfClass:[PlatformColorProfile class]]) {
     return nullptr;
   }
-  const ScopedPool pool;
   return reinterpret_cast<CFDataRef>([opened copyElement:*wanted]);
 }
 

@@ -12,9 +12,12 @@
 #include <unistd.h>
 
 #include <climits>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
+
+#include "frameworks/Foundation/utf8_objects.h"
 
 extern "C" const char* GSPathHandling(const char* mode);  // Foundation exports it and declares it nowhere
 
@@ -125,16 +128,24 @@ NSString* absolutePath(NSString* path) {
 
 bool endsInSlash(NSString* path) { return [path length] > 0 && [path characterAtIndex:[path length] - 1] == '/'; }
 
-bool isExistingDirectory(NSString* path) {
-  const char* const utf8 = [path UTF8String];
+bool isExistingDirectory(const char* path) {
   struct stat status {};
-  return utf8 != nullptr && stat(utf8, &status) == 0 && S_ISDIR(status.st_mode);
+  return stat(path, &status) == 0 && S_ISDIR(status.st_mode);
 }
 
-id initFileUrl(id self, NSString* path, bool is_directory) {
-  if (path == nil || [path UTF8String] == nullptr) {  // a path with a lone surrogate names nothing
+/// The path itself decides when the caller does not.
+id initFileUrl(id self, NSString* path, std::optional<bool> said_directory) {
+  const char* const utf8 = [path UTF8String];
+  if (utf8 == nullptr) {  // a path with a lone surrogate names nothing
     [self release];
     return nil;
+  }
+  const bool is_directory = said_directory ? *said_directory : endsInSlash(path) || isExistingDirectory(utf8);
+  if (!is_directory && [self class] == [NSURL class]) {
+    if (NSURL* const plain = platform::newPlainFileUrl(utf8, path)) {
+      [self release];
+      return plain;
+    }
   }
   if (is_directory && !endsInSlash(path)) {
     path = [path stringByAppendingString:@"/"];
@@ -153,8 +164,7 @@ void requirePath(SEL selector, NSString* path) {
 
 id initFileUrlWithPath(id self, SEL selector, NSString* path) {
   requirePath(selector, path);
-  NSString* const absolute = absolutePath(path);
-  return initFileUrl(self, absolute, absolute != nil && (endsInSlash(absolute) || isExistingDirectory(absolute)));
+  return initFileUrl(self, absolutePath(path), std::nullopt);
 }
 
 id initFileUrlWithPathIsDirectory(id self, SEL selector, NSString* path, BOOL is_directory) {
