@@ -43,6 +43,7 @@ bool report(const std::string& file, const macho::Check& check) {
 
 macho::Check checkArchitectures(const std::vector<macho::Image>& images) {
   std::vector<std::string> found;
+  found.reserve(images.size());
   for (const macho::Image& image : images) {
     found.push_back(image.architecture());
   }

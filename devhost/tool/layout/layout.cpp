@@ -229,9 +229,7 @@ std::vector<std::vector<std::string>> legendRows(std::vector<Display> displays, 
     return a.index.value_or(UINT32_MAX) < b.index.value_or(UINT32_MAX);
   });
   std::vector<std::vector<std::string>> rows;
-  for (const Display& display : displays) {
-    rows.push_back(legendRow(display));
-  }
+  std::transform(displays.begin(), displays.end(), std::back_inserter(rows), legendRow);
   for (const Display& display : layout.undrawn) {
     rows.push_back(legendRow(display));
     rows.back().emplace_back("not drawn");
