@@ -31,7 +31,7 @@ class LiveDesktop {
   void use(long displays);
 
   // To be called after use().
-  test_support::PrivateColord& colord();
+  support::PrivateColord& colord();
   /// The CGDirectDisplayID of an output, such as "DUMMY0".
   std::uint32_t display(const std::string& output);
   /// Registers absent displays with colord until it has this many devices, those of the three displays included.

@@ -8,8 +8,8 @@
 namespace bench {
 
 struct LiveDesktop::Servers {
-  test_support::PrivateColord colord;
-  test_support::XorgServer server;
+  support::PrivateColord colord;
+  support::XorgServer server;
 };
 
 LiveDesktop::LiveDesktop() = default;
@@ -28,18 +28,18 @@ void LiveDesktop::use(long displays) {
 
 void LiveDesktop::start() {
   servers_ = std::make_unique<Servers>();
-  test_support::XorgServer& server = servers_->server;
+  support::XorgServer& server = servers_->server;
   unsetenv("OSTREVIN_DESKTOP");
   setenv("DISPLAY", server.display().c_str(), 1);
   setenv("XAUTHORITY", (server.directory() / "no-authority").c_str(), 1);
   server.place({{"DUMMY0", {1920, 1080, 0, 0}}, {"DUMMY1", {1280, 1024, 1920, 56}}, {"DUMMY2", {800, 600, 300, 1080}}});
-  server.setEdid("DUMMY0", test_support::makeEdid({.vendor = "DEL", .serial = 1502, .name = kMonitorName}));
+  server.setEdid("DUMMY0", support::makeEdid({.vendor = "DEL", .serial = 1502, .name = kMonitorName}));
   for (const char* const output : {"DUMMY0", "DUMMY1", "DUMMY2"}) {
-    test_support::runSuccessfully({OSTREVIN_TOOL, "call", "SetProfile", std::to_string(display(output)), kProfile});
+    support::runSuccessfully({OSTREVIN_TOOL, "call", "SetProfile", std::to_string(display(output)), kProfile});
   }
 }
 
-test_support::PrivateColord& LiveDesktop::colord() { return servers_->colord; }
+support::PrivateColord& LiveDesktop::colord() { return servers_->colord; }
 
 std::uint32_t LiveDesktop::display(const std::string& output) { return servers_->server.output(output).id; }
 
@@ -53,7 +53,7 @@ void LiveDesktop::growDevices(long count) {
 }
 
 void LiveDesktop::makeGrid(long count) {
-  test_support::XorgServer& server = servers_->server;
+  support::XorgServer& server = servers_->server;
   server.off("DUMMY1");
   server.off("DUMMY2");
   const int rows = static_cast<int>(count) / kGridColumns;

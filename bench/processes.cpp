@@ -32,7 +32,7 @@ struct Job {
 
 Timer runs(const Job& job) {
   return timerOf([=] {
-    const test_support::ProcessResult result = test_support::run(job.command);
+    const support::ProcessResult result = support::run(job.command);
     if ((result.output + result.errors).find(job.expected) == std::string::npos) {
       throw std::runtime_error(job.command.front() + " does not print \"" + job.expected + "\":\n" + result.output +
                                result.errors);
@@ -55,7 +55,7 @@ Timer probe(const Command& command) {
   return [command](int calls) {
     double sum = 0;
     for (int i = 0; i < calls; ++i) {
-      sum += std::stod(test_support::runSuccessfully(command));
+      sum += std::stod(support::runSuccessfully(command));
     }
     return sum / calls;
   };
@@ -87,7 +87,7 @@ void addProcesses(const Suite& suite, LiveDesktop& live) {
             [&live] {
               live.use(3);
               const std::string device =
-                  test_support::PrivateColord::fields(live.colord().colormgr({"get-devices"}), "Object Path").front();
+                  support::PrivateColord::fields(live.colord().colormgr({"get-devices"}), "Object Path").front();
               return jobs({tool({"call", "GetProfilePath", std::to_string(live.display("DUMMY0"))}), kProfile},
                           {{"colormgr", "device-get-default-profile", device}, kProfile});
             });

@@ -18,8 +18,8 @@
 #include "desktop/current.h"
 #include "groups.h"
 #include "profile/profile_services.h"
-#include "support/folder_desktop.h"
 #include "support/icc_maker.h"
+#include "support/scripted.h"
 #include "support/temporary_folder.h"
 
 namespace bench {

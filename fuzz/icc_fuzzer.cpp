@@ -17,8 +17,8 @@
 #include "fuzz/support/fuzzing.h"
 #include "fuzz/support/icc_reference.h"
 #include "profile/profile_services.h"
-#include "support/folder_desktop.h"
 #include "support/icu_text.h"
+#include "support/scripted.h"
 #include "support/temporary_folder.h"
 
 namespace {

@@ -172,16 +172,16 @@ void addQv02(const std::filesystem::path& folder) {
 
 void addEdid(const std::filesystem::path& folder) {
   const Seeds seeds(folder, "edid");
-  const auto add = [&](const std::string& name, const test_support::EdidBytes& edid) {
+  const auto add = [&](const std::string& name, const support::EdidBytes& edid) {
     seeds.add(name, {reinterpret_cast<const char*>(edid.data()), edid.size()});
   };
-  add("plain", test_support::makeEdid());
-  add("thirteen_characters", test_support::makeEdid({.name = "Thirteen char"}));
-  add("code_page_437", test_support::makeEdid({.name = "Gr\x94\xE1"
-                                                       "e \xFE\x7F "}));
-  add("blank", test_support::makeEdid({.name = "             "}));
-  add("nameless", test_support::makeEdid({.serial = 0, .name = {}}));
-  add("extensions", test_support::makeEdid({.vendor = "APP", .extensions = 2}));
+  add("plain", support::makeEdid());
+  add("thirteen_characters", support::makeEdid({.name = "Thirteen char"}));
+  add("code_page_437", support::makeEdid({.name = "Gr\x94\xE1"
+                                                  "e \xFE\x7F "}));
+  add("blank", support::makeEdid({.name = "             "}));
+  add("nameless", support::makeEdid({.serial = 0, .name = {}}));
+  add("extensions", support::makeEdid({.vendor = "APP", .extensions = 2}));
 }
 
 void addUtf(const std::filesystem::path& folder) {

@@ -16,7 +16,7 @@
 namespace {
 
 using nlohmann::json;
-using test_support::runSuccessfully;
+using support::runSuccessfully;
 using ::testing::Contains;
 using ::testing::Each;
 using ::testing::EndsWith;
@@ -88,20 +88,19 @@ TEST(BenchRun, ReportsEveryMethodWithItsTwin) {
 TEST(BenchRun, FailsWithStrictForARowOverItsBar) {
   const std::vector<std::string> command{OSTREVIN_BENCH, "--quick", "--benchmark_filter=GetName/3 live.*ready key"};
   EXPECT_THAT(runSuccessfully(command), HasSubstr("1.50 over |"));
-  EXPECT_EQ(test_support::run({command[0], command[1], command[2], "--strict"}).exit_status, 1);
+  EXPECT_EQ(support::run({command[0], command[1], command[2], "--strict"}).exit_status, 1);
 }
 
-TEST(BenchRun, FailsForAnUnknownOption) { EXPECT_EQ(test_support::run({OSTREVIN_BENCH, "--unknown"}).exit_status, 1); }
+TEST(BenchRun, FailsForAnUnknownOption) { EXPECT_EQ(support::run({OSTREVIN_BENCH, "--unknown"}).exit_status, 1); }
 
 TEST(BenchRun, FailsForARowThatCannotBeMeasured) {
-  const auto result =
-      test_support::run({OSTREVIN_BENCH, "--quick", "--benchmark_filter=ICCTagExists"}, {"TMPDIR=/nowhere"});
+  const auto result = support::run({OSTREVIN_BENCH, "--quick", "--benchmark_filter=ICCTagExists"}, {"TMPDIR=/nowhere"});
   EXPECT_EQ(result.exit_status, 1);
   EXPECT_THAT(result.errors, HasSubstr("ICCTagExists/10 tags/lcms2: open, look for the tag, close: "));
 }
 
 TEST(BenchRun, FailsForAFilterThatMatchesNoRow) {
-  EXPECT_EQ(test_support::run({OSTREVIN_BENCH, "--benchmark_filter=GetNothing"}).exit_status, 1);
+  EXPECT_EQ(support::run({OSTREVIN_BENCH, "--benchmark_filter=GetNothing"}).exit_status, 1);
 }
 
 TEST(BenchRun, RenewsTheRowsThatADocumentHasAndDrawsThePlotBesideIt) {
@@ -130,8 +129,8 @@ TEST(BenchRun, LeavesADocumentWithARowThatWasNotMeasuredAsItWas) {
   const support::TemporaryFolder folder;
   const std::string document = folder.write("a.md", "| GetScale | no displays | nothing | old |\n");
   const auto result =
-      test_support::run({OSTREVIN_BENCH_RUN, "--doc", document, "--quick", "--benchmark_filter=GetScale/3 scripted"},
-                        {"OSTREVIN_BENCH=" OSTREVIN_BENCH});
+      support::run({OSTREVIN_BENCH_RUN, "--doc", document, "--quick", "--benchmark_filter=GetScale/3 scripted"},
+                   {"OSTREVIN_BENCH=" OSTREVIN_BENCH});
   EXPECT_EQ(result.exit_status, 1);
   EXPECT_THAT(result.errors, HasSubstr("not measured: GetScale/no displays/nothing"));
   EXPECT_THAT(contentsOf(document), EndsWith("| old |\n"));

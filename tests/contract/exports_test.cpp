@@ -3,31 +3,22 @@
 
 #include <fnmatch.h>
 #include <algorithm>
-#include <cstdio>
 #include <fstream>
-#include <memory>
 #include <sstream>
 #include <string>
 #include <vector>
 
+#include "support/process.h"
+
 namespace {
 
+using support::runSuccessfully;
 using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::Not;
 
-std::string outputOf(const std::string& command) {
-  const std::unique_ptr<FILE, int (*)(FILE*)> pipe(popen(command.c_str(), "r"), pclose);
-  std::string text;
-  std::array<char, 4096> buffer{};
-  while (const std::size_t size = std::fread(buffer.data(), 1, buffer.size(), pipe.get())) {
-    text.append(buffer.data(), size);
-  }
-  return text;
-}
-
 std::vector<std::string> exportedSymbols() {
-  std::istringstream lines(outputOf("nm -D --defined-only --format=posix '" OSTREVIN_LIBRARY "'"));
+  std::istringstream lines(runSuccessfully({"nm", "-D", "--defined-only", "--format=posix", OSTREVIN_LIBRARY}));
   std::vector<std::string> symbols;
   std::string line;
   while (std::getline(lines, line)) {
@@ -87,7 +78,8 @@ TEST(Exports, ListHasOnlyTheEntryVersionsAndNamespaces) {
 
 #ifndef OSTREVIN_SANITIZED  // a sanitizer's functions are in the program only
 TEST(Exports, EveryUndefinedSymbolHasALibrary) {
-  const std::string report = outputOf("ldd -r '" OSTREVIN_LIBRARY "' 2>&1");
+  const support::ProcessResult run = support::run({"ldd", "-r", OSTREVIN_LIBRARY});
+  const std::string report = run.output + run.errors;
   EXPECT_THAT(report, testing::HasSubstr("libOstrevinPlatform.so"));
   EXPECT_THAT(report, Not(testing::HasSubstr("undefined symbol")));
   EXPECT_THAT(report, Not(testing::HasSubstr("not found")));
@@ -95,8 +87,8 @@ TEST(Exports, EveryUndefinedSymbolHasALibrary) {
 #endif
 
 TEST(LoadedModule, IsInitialisedDataNeverWritten) {
-  // "d" is initialised data in nm's words; records that code fills in at load would be "b".
-  const std::string symbols = outputOf("nm '" OSTREVIN_LIBRARY "'");
+  // nm prints "d" for initialised data, and "b" for records that code fills in at load.
+  const std::string symbols = runSuccessfully({"nm", OSTREVIN_LIBRARY});
   EXPECT_THAT(symbols, HasSubstr(" d DisplayModuleDefinition\n"));
   EXPECT_THAT(symbols, HasSubstr(" d DisplayModuleMethods\n"));
 }

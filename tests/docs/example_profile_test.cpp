@@ -41,8 +41,7 @@ TEST(ExampleProfile, IsWhatItIsMadeOf) {
 }
 
 TEST(ExampleProfile, IsAProfileToOtherProgramsToo) {
-  const std::string shown =
-      test_support::runSuccessfully({"iccdump", "-v2", PROJECT_FOLDER "/devhost/example-profile.icc"});
+  const std::string shown = support::runSuccessfully({"iccdump", "-v2", PROJECT_FOLDER "/devhost/example-profile.icc"});
   EXPECT_NE(shown.find("Example"), std::string::npos) << shown;
   EXPECT_NE(shown.find("QV02"), std::string::npos) << shown;
 }

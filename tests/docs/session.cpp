@@ -48,24 +48,24 @@ Session::Session() {
 }
 
 std::string Session::write(const std::string& name, const std::string& text) const {
-  std::string path = folder_.path() / name;
+  std::string path = folder_.path(name);
   std::ofstream(path) << text;
   return path;
 }
 
 std::vector<Outcome> Session::run(const std::vector<std::string>& commands) {
   const std::string programs = fs::path(OSTREVIN_HOST).parent_path();
-  std::vector<std::string> words{"env", "-i", "LANG=C.UTF-8", "HOME=" + (folder_.path() / "home").string(),
+  std::vector<std::string> words{"env", "-i", "LANG=C.UTF-8", "HOME=" + folder_.path("home"),
                                  "PATH=" + programs + ":/usr/local/bin:/usr/bin:/bin"};
   const std::vector<std::string> variables = sanitizerVariables();
   words.insert(words.end(), variables.begin(), variables.end());
-  std::string script = "cd '" + folder_.path().string() + "' && exec 2>&1\n" + exports_;
+  std::string script = "cd '" + folder_.path() + "' && exec 2>&1\n" + exports_;
   for (const std::string& command : commands) {
     script += command + kAfterCommand;
     exports_ += command.starts_with("export ") ? command + "\n" : "";
   }
   words.insert(words.end(), {"bash", "-c", script});
-  const std::string output = test_support::run(words).output;
+  const std::string output = support::run(words).output;
 
   std::vector<Outcome> outcomes;
   std::size_t begin = 0;

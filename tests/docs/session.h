@@ -7,6 +7,7 @@
 
 #include "docs/markdown.h"
 #include "support/process.h"
+#include "support/temporary_folder.h"
 
 namespace docs_test {
 
@@ -27,7 +28,7 @@ class Session {
   std::string write(const std::string& name, const std::string& text) const;
 
  private:
-  test_support::TemporaryDirectory folder_;
+  support::TemporaryFolder folder_;
   std::string exports_;  ///< the export commands of earlier runs
 };
 

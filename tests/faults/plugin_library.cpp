@@ -6,14 +6,13 @@
 #include <objc/runtime.h>
 
 #include <algorithm>
-#include <array>
 #include <atomic>
-#include <cstdio>
-#include <memory>
 #include <mutex>
 #include <sstream>
-#include <stdexcept>
 #include <utility>
+#include <vector>
+
+#include "support/process.h"
 
 namespace faults {
 
@@ -22,21 +21,13 @@ namespace faults {
 namespace {
 
 /// The lines that nm prints: "NAME TYPE [VALUE [SIZE]]".
-std::istringstream listing(const std::string& options, const std::string& library) {
-  const std::string command = "nm --format=posix " + options + " '" + library + "'";
-  const std::unique_ptr<FILE, int (*)(FILE*)> pipe(popen(command.c_str(), "r"), pclose);
-  std::string text;
-  std::array<char, 4096> buffer{};
-  while (const std::size_t size = pipe ? std::fread(buffer.data(), 1, buffer.size(), pipe.get()) : 0) {
-    text.append(buffer.data(), size);
-  }
-  if (text.empty()) {
-    throw std::runtime_error("no output from: " + command);
-  }
-  return std::istringstream(text);
+std::istringstream listing(std::vector<std::string> options, const std::string& library) {
+  options.insert(options.begin(), {"nm", "--format=posix"});
+  options.push_back(library);
+  return std::istringstream(support::runSuccessfully(options));
 }
 
-std::set<std::string> names(const std::string& options, const std::string& library) {
+std::set<std::string> names(const std::vector<std::string>& options, const std::string& library) {
   std::istringstream lines = listing(options, library);
   std::set<std::string> result;
   for (std::string line; std::getline(lines, line);) {
@@ -47,12 +38,14 @@ std::set<std::string> names(const std::string& options, const std::string& libra
 
 }  // namespace
 
-std::set<std::string> undefinedSymbols(const std::string& library) { return names("-D --undefined-only", library); }
+std::set<std::string> undefinedSymbols(const std::string& library) {
+  return names({"-D", "--undefined-only"}, library);
+}
 
-std::set<std::string> definedSymbols(const std::string& library) { return names("-D --defined-only", library); }
+std::set<std::string> definedSymbols(const std::string& library) { return names({"-D", "--defined-only"}, library); }
 
 std::map<std::string, std::uintptr_t> ownSymbols(const std::string& library) {
-  std::istringstream lines = listing("--defined-only", library);
+  std::istringstream lines = listing({"--defined-only"}, library);
   std::map<std::string, std::uintptr_t> result;
   for (std::string line; std::getline(lines, line);) {
     std::istringstream fields(line);

@@ -9,7 +9,7 @@
 
 namespace {
 
-using test_support::runSuccessfully;
+using support::runSuccessfully;
 using testing::Contains;
 using testing::EndsWith;
 using testing::HasSubstr;

@@ -16,7 +16,7 @@ namespace live_tests {
 using platform::desktop::Arrangement;
 using platform::desktop::Desktop;
 using platform::desktop::Rect;
-using test_support::XrandrMonitor;
+using support::XrandrMonitor;
 
 namespace {
 
@@ -32,12 +32,12 @@ std::vector<XrandrMonitor> primaryFirst(std::vector<XrandrMonitor> monitors) {
 
 }  // namespace
 
-std::shared_ptr<Desktop> liveDesktopOf(const test_support::XServer& server) {
+std::shared_ptr<Desktop> liveDesktopOf(const support::XServer& server) {
   setenv("DISPLAY", server.display().c_str(), 1);
   return platform::desktop::makeLiveDesktop();
 }
 
-void expectAgreement(test_support::XServer& server, const Arrangement& arrangement, double scale) {
+void expectAgreement(support::XServer& server, const Arrangement& arrangement, double scale) {
   const auto monitors = primaryFirst(server.monitors());
   std::map<std::string, std::uint32_t> ids;
   for (const auto& output : server.outputs()) {

@@ -15,8 +15,8 @@ using live_tests::expectAgreement;
 using live_tests::liveDesktopOf;
 using platform::desktop::Rect;
 using platform::desktop::X11Displays;
-using test_support::NestedServer;
-using test_support::XorgServer;
+using support::NestedServer;
+using support::XorgServer;
 
 class LiveDisplays : public testing::Test {
  protected:
@@ -168,8 +168,8 @@ TEST_F(LiveDisplays, CostNoRoundTripForChangesOfOtherThings) {
   placeThree();
   const auto first = desktop->arrangement();
   const auto before = platform::desktop::x11RoundTrips();
-  test_support::runSuccessfully({"xprop", "-root", "-f", "_TEST_THING", "8s", "-set", "_TEST_THING", "other"},
-                                server.environment());
+  support::runSuccessfully({"xprop", "-root", "-f", "_TEST_THING", "8s", "-set", "_TEST_THING", "other"},
+                           server.environment());
   server.sync();
   EXPECT_EQ(desktop->arrangement(), first);
   EXPECT_EQ(platform::desktop::x11RoundTrips(), before);

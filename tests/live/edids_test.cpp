@@ -6,7 +6,6 @@
 #include "desktop/model/desktop.h"
 #include "desktop/model/display_layout.h"
 #include "live/agreement.h"
-#include "support/edid_decode.h"
 #include "support/edid_maker.h"
 #include "support/xorg_server.h"
 
@@ -14,10 +13,10 @@ namespace {
 
 using live_tests::liveDesktopOf;
 using platform::desktop::Arrangement;
-using test_support::decodedName;
-using test_support::EdidBytes;
-using test_support::makeEdid;
-using test_support::XorgServer;
+using support::decodedName;
+using support::EdidBytes;
+using support::makeEdid;
+using support::XorgServer;
 
 using Names = std::vector<std::pair<std::string, std::string>>;
 
@@ -165,7 +164,7 @@ TEST_F(LiveEdids, ThatAreHugeCountByTheirBaseBlock) {
 TEST_F(LiveEdids, WithMoreExtensionsThanThereAreCount) {
   EdidBytes edid = makeEdid({.name = "Liar"});
   edid[126] = 200;
-  test_support::fixChecksum(edid);
+  support::fixChecksum(edid);
   server.setEdid("DUMMY0", edid);
   EXPECT_EQ(desktop->arrangement()->services.size(), 1u);
   const EdidBytes with_extensions = makeEdid({.name = "Honest", .extensions = 3});

@@ -25,7 +25,7 @@ LiveSession::LiveSession(const std::string& display) : plugin(loadOnDisplay(host
 
 LiveSession::~LiveSession() { platform::desktop::setCurrent(nullptr); }
 
-std::vector<ExpectedDisplay> expectedDisplays(test_support::XServer& server, double scale) {
+std::vector<ExpectedDisplay> expectedDisplays(support::XServer& server, double scale) {
   auto outputs = server.outputs();
   std::erase_if(outputs, [](const auto& output) { return !output.area; });
   std::stable_partition(outputs.begin(), outputs.end(), [](const auto& output) { return output.primary; });

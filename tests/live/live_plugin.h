@@ -35,7 +35,7 @@ struct ExpectedDisplay {
 
 /// The outputs that `xrandr --query` (with --verbose, for their identifiers) shows as on: the primary one first and at
 /// the origin, the others in xrandr's order.
-std::vector<ExpectedDisplay> expectedDisplays(test_support::XServer& server, double scale = 1);
+std::vector<ExpectedDisplay> expectedDisplays(support::XServer& server, double scale = 1);
 
 /// The active displays' numbers, asked for as a host program asks.
 std::vector<std::uint32_t> activeDisplays();

@@ -10,7 +10,7 @@ namespace live_plugin {
 namespace {
 
 using platform::desktop::x11RoundTrips;
-using test_support::XorgServer;
+using support::XorgServer;
 using testing::IsEmpty;
 
 constexpr std::uint64_t kNotFound = 4099018739;

@@ -8,7 +8,6 @@
 #include <thread>
 
 #include "live/live_plugin.h"
-#include "support/edid_decode.h"
 #include "support/edid_maker.h"
 #include "support/private_colord.h"
 
@@ -16,11 +15,11 @@ namespace live_plugin {
 namespace {
 
 using namespace std::chrono_literals;
-using test_support::decodedName;
-using test_support::EdidBytes;
-using test_support::makeEdid;
-using test_support::PrivateColord;
-using test_support::XorgServer;
+using support::decodedName;
+using support::EdidBytes;
+using support::makeEdid;
+using support::PrivateColord;
+using support::XorgServer;
 
 constexpr const char* kAdobe = "/usr/share/color/icc/colord/AdobeRGB1998.icc";
 constexpr const char* kApple = "/usr/share/color/icc/colord/AppleRGB.icc";
@@ -70,7 +69,7 @@ class Monitors {
 
   /// The tool, as a process of its own, lists the displays with their names and without profiles.
   void expectToolLists() {
-    const auto result = test_support::run(
+    const auto result = support::run(
         {OSTREVIN_HOST, "--plugin", OSTREVIN_LIBRARY, "--desktop", "live", "--json", "list"}, server.environment());
     ASSERT_EQ(result.exit_status, 0) << result.errors;
     const auto displays = nlohmann::json::parse(result.output).at("displays");

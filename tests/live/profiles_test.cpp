@@ -12,8 +12,8 @@
 
 namespace {
 
-using test_support::EdidBytes;
-using test_support::PrivateColord;
+using support::EdidBytes;
+using support::PrivateColord;
 
 constexpr const char* kAdobe = "/usr/share/color/icc/colord/AdobeRGB1998.icc";
 constexpr const char* kApple = "/usr/share/color/icc/colord/AppleRGB.icc";
@@ -22,8 +22,8 @@ class LiveProfiles : public testing::Test {
  protected:
   LiveProfiles() {
     server_.place({{"DUMMY0", {1920, 1080, 0, 0}}, {"DUMMY1", {1280, 1024, 1920, 0}}});
-    server_.setEdid("DUMMY0", test_support::makeEdid({.vendor = "DEL", .serial = 1502, .name = "DELL U2412M"}));
-    server_.setEdid("DUMMY1", test_support::makeEdid({.vendor = "HWP", .serial = 2701, .name = "HP Z27x"}));
+    server_.setEdid("DUMMY0", support::makeEdid({.vendor = "DEL", .serial = 1502, .name = "DELL U2412M"}));
+    server_.setEdid("DUMMY1", support::makeEdid({.vendor = "HWP", .serial = 2701, .name = "HP Z27x"}));
   }
 
   /// What the tool prints for one call of a method, without the last line feed.
@@ -32,7 +32,7 @@ class LiveProfiles : public testing::Test {
     if (!file.empty()) {
       command.push_back(file);
     }
-    std::string text = test_support::run(command, server_.environment()).output;
+    std::string text = support::run(command, server_.environment()).output;
     return text.substr(0, text.find_last_not_of('\n') + 1);
   }
   void expectProfile(const std::string& output, const std::string& file) {
@@ -42,7 +42,7 @@ class LiveProfiles : public testing::Test {
   }
 
   PrivateColord colord_;
-  test_support::XorgServer server_;
+  support::XorgServer server_;
 };
 
 TEST_F(LiveProfiles, TheProfileOfADisplayIsTheOneThatColormgrReports) {
@@ -68,7 +68,7 @@ TEST_F(LiveProfiles, AFileThatIsSetIsTheDefaultThatColormgrReportsAndStaysItWhen
 }
 
 TEST_F(LiveProfiles, MonitorsWithOneEdidGetAndKeepProfilesOfTheirOwn) {
-  const EdidBytes same = test_support::makeEdid({.vendor = "DEL", .serial = 0, .name = "Twin 24"});
+  const EdidBytes same = support::makeEdid({.vendor = "DEL", .serial = 0, .name = "Twin 24"});
   server_.setEdid("DUMMY0", same);
   server_.setEdid("DUMMY1", same);
   EXPECT_EQ(call("SetProfile", "DUMMY0", kAdobe), "result: True");

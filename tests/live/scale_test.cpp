@@ -8,14 +8,15 @@
 
 #include "desktop/model/desktop.h"
 #include "live/agreement.h"
+#include "support/temporary_folder.h"
 #include "support/xorg_server.h"
 
 namespace {
 
 using live_tests::expectAgreement;
 using live_tests::liveDesktopOf;
-using test_support::ChildProcess;
-using test_support::XorgServer;
+using support::ChildProcess;
+using support::XorgServer;
 
 class LiveScale : public testing::Test {
  protected:
@@ -24,12 +25,11 @@ class LiveScale : public testing::Test {
   /// A real settings manager with these settings; it takes over from one that is there.
   void startSettingsManager(const std::string& settings) {
     writeSettings(settings);
-    manager = std::make_unique<ChildProcess>(
-        std::vector<std::string>{"xsettingsd", "-c", (directory.path() / "settings").string()}, server.environment(),
-        directory.path() / "log");
+    manager = std::make_unique<ChildProcess>(std::vector<std::string>{"xsettingsd", "-c", directory.path("settings")},
+                                             server.environment(), directory.path("log"));
   }
 
-  void writeSettings(const std::string& settings) { std::ofstream(directory.path() / "settings") << settings; }
+  void writeSettings(const std::string& settings) { directory.write("settings", settings); }
 
   /// Calls until the scale is this one, since the manager works at its own pace.
   bool becomes(double scale) {
@@ -45,7 +45,7 @@ class LiveScale : public testing::Test {
   }
 
   XorgServer server;
-  test_support::TemporaryDirectory directory;
+  support::TemporaryFolder directory;
   std::shared_ptr<platform::desktop::Desktop> desktop = liveDesktopOf(server);
   std::unique_ptr<ChildProcess> manager;
 };

@@ -22,8 +22,8 @@ using platform::desktop::Arrangement;
 using platform::desktop::X11Displays;
 using platform::desktop::X11Options;
 using std::chrono::milliseconds;
-using test_support::XorgServer;
-using test_support::XProxy;
+using support::XorgServer;
+using support::XProxy;
 
 using Clock = std::chrono::steady_clock;
 

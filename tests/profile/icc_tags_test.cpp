@@ -11,7 +11,6 @@
 #include "profile/profile_services.h"
 #include "support/icc_maker.h"
 #include "support/temporary_folder.h"
-#include "support/unprivileged.h"
 
 namespace {
 

@@ -25,7 +25,7 @@ std::string monitorOf(std::size_t monitor) { return "part-" + std::to_string(mon
 }  // namespace
 
 Disturber::Disturber(Plan& plan) : defined_(kMonitors, true) {
-  std::vector<test_support::XorgServer::Placement> placements;
+  std::vector<support::XorgServer::Placement> placements;
   for (std::size_t output = 0; output < kOutputs; ++output) {
     for (const bool moved : {true, false}) {
       const auto [width, height, x, y] = outputPlace(output, moved);
@@ -35,9 +35,9 @@ Disturber::Disturber(Plan& plan) : defined_(kMonitors, true) {
         placements.push_back({outputOf(output), {width, height, x, y}});
       }
     }
-    server_.setEdid(outputOf(output), test_support::makeEdid({.product = static_cast<std::uint16_t>(0x100 + output),
-                                                              .serial = static_cast<std::uint32_t>(1000 + output),
-                                                              .name = World::outputName(output)}));
+    server_.setEdid(outputOf(output), support::makeEdid({.product = static_cast<std::uint16_t>(0x100 + output),
+                                                         .serial = static_cast<std::uint32_t>(1000 + output),
+                                                         .name = World::outputName(output)}));
   }
   server_.place(placements);
   server_.makePrimary(outputOf(0));
@@ -196,7 +196,7 @@ void Disturber::waitForProfiles(const std::function<bool()>& is_over) {
 bool Disturber::hasItsProfile(std::size_t output) {
   std::string& device = devices_.at(output);
   if (device.empty()) {
-    device = test_support::PrivateColord::fields(
+    device = support::PrivateColord::fields(
                  colord_.colormgr({"find-device-by-property", "XRANDR_name", outputOf(output)}), "Device ID")
                  .at(0);
   }

@@ -20,7 +20,7 @@ class Disturber {
   explicit Disturber(Plan& plan);
 
   World& world() { return *world_; }
-  const test_support::XorgServer& server() const { return server_; }
+  const support::XorgServer& server() const { return server_; }
 
   struct Counts {
     std::size_t outputs = 0;
@@ -57,8 +57,8 @@ class Disturber {
   bool hasItsProfile(std::size_t output);
   std::size_t choose(std::size_t count) { return random_() % count; }
 
-  test_support::PrivateColord colord_;
-  test_support::XorgServer server_;
+  support::PrivateColord colord_;
+  support::XorgServer server_;
   std::unique_ptr<World> world_;
   std::map<std::string, std::uint32_t> numbers_;  ///< of displays, by the name that xrandr shows
   std::array<bool, kOutputs> on_{};

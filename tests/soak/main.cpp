@@ -129,7 +129,7 @@ class Listener {
 /// The process that calls, and the thread that listens to it, while this lives.
 class CallingProcess {
  public:
-  CallingProcess(const std::vector<std::string>& command, const test_support::Environment& environment,
+  CallingProcess(const std::vector<std::string>& command, const support::Environment& environment,
                  const std::string& log, std::string pipe, Listener& listener)
       : pipe_(std::move(pipe)),
         process_(command, environment, log),
@@ -145,7 +145,7 @@ class CallingProcess {
 
  private:
   const std::string pipe_;
-  test_support::ChildProcess process_;
+  support::ChildProcess process_;
   std::thread thread_;
 };
 

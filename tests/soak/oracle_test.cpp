@@ -3,6 +3,7 @@
 
 #include "soak/oracle.h"
 #include "support/process.h"
+#include "support/temporary_folder.h"
 
 namespace soak {
 namespace {
@@ -46,7 +47,7 @@ class SoakOracle : public testing::Test {
     return world.profiles.path(world.plan.fileOf(output, choice));
   }
 
-  test_support::TemporaryDirectory folder;
+  support::TemporaryFolder folder;
   World world{plan(folder.path()),
               {{kFirst, 0, 0, 1024, 768}, {kSecond, 1024, 0, 800, 600}, {kDefined, 0, 768, 640, 480}}};
   Oracle oracle{world};

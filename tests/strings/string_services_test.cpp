@@ -13,6 +13,7 @@
 #include "frameworks/Foundation/system_version.h"
 #include "strings/other_foundation.h"
 #include "strings/string_services.h"
+#include "support/temporary_folder.h"
 
 namespace {
 
@@ -30,18 +31,8 @@ class Strings : public testing::Test {
 
 class Paths : public Strings {
  protected:
-  Paths() {
-    std::string name = (std::filesystem::temp_directory_path() / "strings-XXXXXX").string();
-    folder_ = mkdtemp(name.data());
-  }
-  ~Paths() override { std::filesystem::remove_all(folder_); }
-
-  std::string makeFile(const std::string& name) const {
-    std::ofstream(folder_ + "/" + name) << "content";
-    return folder_ + "/" + name;
-  }
-
-  std::string folder_;
+  const support::TemporaryFolder temporary_;
+  const std::string& folder_ = temporary_.path();
 };
 
 CFStringRef string(const char* utf8) { return StringServices::UTF8StringToCFString(utf8); }
@@ -230,7 +221,7 @@ TEST_F(Paths, OnlyPOSIXPathToCFURLRefReadsTheFileSystem) {
 }
 
 TEST_F(Paths, OfFilesHaveNoTrailingSlash) {
-  const std::string path = makeFile("a b#c.icc");
+  const std::string path = temporary_.write("a b#c.icc", "content");
   EXPECT_EQ(textOf(StringServices::POSIXPathToCFURLRef(path.c_str())), "file://" + folder_ + "/a%20b%23c.icc");
 }
 

@@ -6,7 +6,7 @@
 #include <cstdlib>
 #include <stdexcept>
 
-namespace test_support {
+namespace support {
 namespace {
 
 constexpr std::chrono::seconds kLimit{30};
@@ -67,4 +67,4 @@ void ColordCalls::waitForOne() {
   }
 }
 
-}  // namespace test_support
+}  // namespace support

@@ -8,7 +8,7 @@
 struct _GAsyncQueue;
 struct _GDBusConnection;
 
-namespace test_support {
+namespace support {
 
 class ColordCalls {
  public:
@@ -27,4 +27,4 @@ class ColordCalls {
   std::shared_ptr<_GDBusConnection> connection_;
 };
 
-}  // namespace test_support
+}  // namespace support

@@ -5,7 +5,7 @@
 #include <cstddef>
 #include <numeric>
 
-namespace test_support {
+namespace support {
 namespace {
 
 constexpr std::size_t kBlockSize = 128;
@@ -86,4 +86,4 @@ void fixChecksum(EdidBytes& edid, std::size_t block) {
   *last = static_cast<std::uint8_t>(-std::accumulate(begin, last, 0u));
 }
 
-}  // namespace test_support
+}  // namespace support

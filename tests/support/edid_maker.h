@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-namespace test_support {
+namespace support {
 
 using EdidBytes = std::vector<std::uint8_t>;
 
@@ -25,4 +25,4 @@ EdidBytes makeEdid(const Monitor& monitor = {});
 /// Sets the byte that makes the sum of the block at `block` (0: the base block) a multiple of 256.
 void fixChecksum(EdidBytes& edid, std::size_t block = 0);
 
-}  // namespace test_support
+}  // namespace support

@@ -10,7 +10,7 @@
 #include <stdexcept>
 #include <thread>
 
-namespace test_support {
+namespace support {
 namespace {
 
 namespace fs = std::filesystem;
@@ -212,4 +212,4 @@ std::vector<std::string> PrivateColord::fields(const std::string& output, const 
   return values;
 }
 
-}  // namespace test_support
+}  // namespace support

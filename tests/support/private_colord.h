@@ -21,10 +21,11 @@
 #include <vector>
 
 #include "support/process.h"
+#include "support/temporary_folder.h"
 
 struct _GDBusConnection;
 
-namespace test_support {
+namespace support {
 
 class PrivateColord {
  public:
@@ -36,7 +37,7 @@ class PrivateColord {
   PrivateColord& operator=(const PrivateColord&) = delete;
 
   /// The test's temporary directory; gone afterwards.
-  const std::filesystem::path& directory() const { return directory_.path(); }
+  std::filesystem::path directory() const { return directory_.path(); }
   /// A path of a copy, in the temporary directory, of one of colord's profiles ("AdobeRGB1998.icc").
   std::filesystem::path copyOfProfile(const std::string& colord_profile, const std::string& name) const;
 
@@ -71,11 +72,11 @@ class PrivateColord {
   void connect();
   bool colordHasName() const;
 
-  TemporaryDirectory directory_;
+  TemporaryFolder directory_;
   std::string address_;
   std::unique_ptr<ChildProcess> bus_;
   std::unique_ptr<ChildProcess> colord_;
   std::shared_ptr<_GDBusConnection> connection_;
 };
 
-}  // namespace test_support
+}  // namespace support

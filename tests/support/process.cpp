@@ -19,7 +19,7 @@
 
 extern char** environ;
 
-namespace test_support {
+namespace support {
 namespace {
 
 using Clock = std::chrono::steady_clock;
@@ -192,19 +192,6 @@ std::string runSuccessfully(const std::vector<std::string>& command, const Envir
   throw std::runtime_error(line + "failed: " + result.errors + result.output);
 }
 
-TemporaryDirectory::TemporaryDirectory() {
-  std::string name = (std::filesystem::temp_directory_path() / "ostrevin-test-XXXXXX").string();
-  if (mkdtemp(name.data()) == nullptr) {
-    throw systemError(name);
-  }
-  path_ = name;
-}
-
-TemporaryDirectory::~TemporaryDirectory() {
-  std::error_code ignored;
-  std::filesystem::remove_all(path_, ignored);
-}
-
 ChildProcess::ChildProcess(const std::vector<std::string>& command, const Environment& environment,
                            const std::filesystem::path& log, int status_fd)
     : log_(log) {
@@ -282,4 +269,4 @@ void ChildProcess::kill() {
   }
 }
 
-}  // namespace test_support
+}  // namespace support

@@ -1,4 +1,4 @@
-// Other programs, for tests: tools that say what is true, and servers that a test owns. They are ended by their own id.
+// Other programs: tools that a test compares with, and servers that a test owns. Each is ended by its process id.
 #pragma once
 
 #include <sys/types.h>
@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-namespace test_support {
+namespace support {
 
 /// Variables set for a program on top of the test's own environment, as "NAME=VALUE".
 using Environment = std::vector<std::string>;
@@ -19,7 +19,7 @@ struct ProcessResult {
   std::string errors;
 };
 
-/// The longest that a program runs for, unless more is said.
+/// The default limit of a program's run.
 inline constexpr std::chrono::seconds kRunLimit(30);
 
 /// Runs a program found in PATH to its end, or for at most `limit`. Throws std::runtime_error when it cannot be started
@@ -27,23 +27,9 @@ inline constexpr std::chrono::seconds kRunLimit(30);
 ProcessResult run(const std::vector<std::string>& command, const Environment& environment = {},
                   const std::string& input = {}, std::chrono::seconds limit = kRunLimit);
 
-/// As run(), but a program that fails throws too; answers its output.
+/// As run(), but a program that fails throws too. Returns the output.
 std::string runSuccessfully(const std::vector<std::string>& command, const Environment& environment = {},
                             const std::string& input = {}, std::chrono::seconds limit = kRunLimit);
-
-/// A directory of its own, removed with what is in it.
-class TemporaryDirectory {
- public:
-  TemporaryDirectory();
-  ~TemporaryDirectory();
-  TemporaryDirectory(const TemporaryDirectory&) = delete;
-  TemporaryDirectory& operator=(const TemporaryDirectory&) = delete;
-
-  const std::filesystem::path& path() const { return path_; }
-
- private:
-  std::filesystem::path path_;
-};
 
 /// A program that runs until it is stopped; it never outlives the thread that started it. Its output goes to a file.
 class ChildProcess {
@@ -60,7 +46,7 @@ class ChildProcess {
   pid_t pid() const { return pid_; }
   /// A line that the program wrote to its status descriptor; empty when it ended, or wrote none within the time.
   std::string readStatusLine(std::chrono::seconds limit);
-  /// What the program has printed so far; why it could not be started, when that is so.
+  /// What the program has printed, or why it could not be started.
   std::string output() const;
   bool hasEnded();
   void signal(int number) const;
@@ -75,4 +61,4 @@ class ChildProcess {
   int status_pipe_ = -1;
 };
 
-}  // namespace test_support
+}  // namespace support

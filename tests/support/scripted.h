@@ -1,4 +1,4 @@
-// A scripted desktop for the length of a test, and short ways to describe its displays.
+// Desktops for tests: a scripted one for the length of a test, one of a folder's profiles, and makers of displays.
 #pragma once
 
 #include <memory>
@@ -7,13 +7,13 @@
 #include <vector>
 
 #include "desktop/current.h"
+#include "desktop/icc/icc_folders.h"
 #include "desktop/script/scripted.h"
 #include "frameworks/hooks/calls.h"
 
 namespace support {
 
-/// The current desktop is `desktop` while this lives; afterwards no hook is left and the next use chooses a desktop
-/// anew.
+/// Makes `desktop` the current desktop. The destructor removes it and all hooks.
 class ScriptedSession {
  public:
   explicit ScriptedSession(platform::desktop::Script script = {})
@@ -31,11 +31,28 @@ class ScriptedSession {
   const std::shared_ptr<platform::desktop::ScriptedDesktop> desktop;
 };
 
-/// Gives the nth call (from 1) this answer, the others none of a test's making.
+/// Gives the nth call (from 1) this answer and leaves the others alone.
 inline void answerOnce(platform::calls::Call call, std::uint64_t nth, const platform::calls::Answer& answer) {
   platform::calls::setHook(
       call, [=](std::uint64_t this_one) { return this_one == nth ? answer : platform::calls::Answer{}; });
 }
+
+/// A desktop without displays whose installed profiles are those of one folder.
+class FolderDesktop final : public platform::desktop::Desktop {
+ public:
+  explicit FolderDesktop(const std::string& folder) : folders_({folder}) {}
+  std::shared_ptr<const platform::desktop::Arrangement> arrangement() override {
+    return std::make_shared<const platform::desktop::Arrangement>();
+  }
+  void visitDeviceProfiles(const platform::desktop::DeviceProfileVisitor&) override {}
+  void visitInstalledProfiles(const platform::desktop::InstalledProfileVisitor& visit) override {
+    folders_.visit(visit);
+  }
+  bool setDeviceProfile(const platform::desktop::Uuid&, const std::string&) override { return false; }
+
+ private:
+  platform::desktop::IccFolders folders_;
+};
 
 /// The UUID whose last byte is `last` and whose others are zero.
 inline platform::desktop::Uuid uuid(std::uint8_t last) {

@@ -1,9 +1,13 @@
-// A folder of a test's own, removed with all that is in it. Objects belong to one thread.
+// A test's own folder, removed with its content, and checks of file permissions. Objects belong to one thread.
 #pragma once
+
+#include <sys/wait.h>
+#include <unistd.h>
 
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <functional>
 #include <stdexcept>
 #include <string>
 #include <string_view>
@@ -29,7 +33,7 @@ class TemporaryFolder {
   const std::string& path() const { return path_; }
   std::string path(std::string_view name) const { return path_ + '/' + std::string(name); }
 
-  /// Makes the folders on the way too. Answers the file's path.
+  /// Creates missing folders too. Returns the file's path.
   std::string write(std::string_view name, std::string_view bytes) const {
     const std::string file_path = path(name);
     std::filesystem::create_directories(std::filesystem::path(file_path).parent_path());
@@ -44,5 +48,18 @@ class TemporaryFolder {
  private:
   std::string path_;
 };
+
+/// Runs a check in a child process without root's rights, so that file permissions apply; returns its result. False,
+/// too, when the child cannot give up its rights or does not end in order.
+inline bool holdsUnprivileged(const std::function<bool()>& check) {
+  constexpr unsigned kNobody = 65534;
+  const pid_t child = fork();
+  if (child == 0) {
+    const bool unprivileged = geteuid() != 0 || (setgid(kNobody) == 0 && setuid(kNobody) == 0);
+    _exit(unprivileged && check() ? 0 : 1);
+  }
+  int status = 0;
+  return child > 0 && waitpid(child, &status, 0) == child && WIFEXITED(status) && WEXITSTATUS(status) == 0;
+}
 
 }  // namespace support

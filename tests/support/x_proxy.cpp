@@ -12,7 +12,7 @@
 #include <stdexcept>
 #include <utility>
 
-namespace test_support {
+namespace support {
 namespace {
 
 struct Address {
@@ -199,4 +199,4 @@ bool XProxy::forwardFromServer(Connection& connection) {
   return sendAll(connection.client, buffer.data(), static_cast<std::size_t>(count));
 }
 
-}  // namespace test_support
+}  // namespace support

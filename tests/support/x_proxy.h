@@ -11,7 +11,7 @@
 #include <thread>
 #include <vector>
 
-namespace test_support {
+namespace support {
 
 /// Any thread may call any function.
 class XProxy {
@@ -63,4 +63,4 @@ class XProxy {
   std::thread thread_;
 };
 
-}  // namespace test_support
+}  // namespace support

@@ -10,7 +10,7 @@
 #include <sstream>
 #include <stdexcept>
 
-namespace test_support {
+namespace support {
 namespace {
 
 constexpr int kStatusFd = 3;
@@ -269,4 +269,10 @@ NestedServer::NestedServer(const XServer& outer, int width, int height) {
 
 void NestedServer::rotate(const std::string& direction) { xrandr({"-o", direction}); }
 
-}  // namespace test_support
+std::string decodedName(const EdidBytes& edid) {
+  const auto result = run({"edid-decode", "--skip-hex-dump"}, {}, std::string(edid.begin(), edid.end()));
+  std::smatch match;
+  return std::regex_search(result.output, match, std::regex("Display Product Name: '(.*)'")) ? match[1].str() : "";
+}
+
+}  // namespace support

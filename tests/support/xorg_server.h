@@ -1,6 +1,5 @@
-// Private X servers for tests: a display number, a directory and a log of their own, no TCP; stopped by their own id.
-//
-// What a function changes has been done by the server, and every client has been told, when the function returns.
+// Private X servers for tests: each has its own display number, folder and log, no TCP, and is ended by its process id.
+// When a function returns, the server has made the change and notified every client.
 #pragma once
 
 #include <xcb/xcb.h>
@@ -16,8 +15,9 @@
 
 #include "support/edid_maker.h"
 #include "support/process.h"
+#include "support/temporary_folder.h"
 
-namespace test_support {
+namespace support {
 
 struct PixelRect {
   int width = 0;
@@ -43,7 +43,7 @@ struct XrandrMonitor {
   std::vector<std::string> outputs;
 };
 
-/// What every kind of X server here has. Throws std::runtime_error with the server's log when it does not start, and
+/// Common to every X server here. Throws std::runtime_error with the server's log when it does not start, and
 /// when xrandr fails.
 class XServer {
  public:
@@ -51,16 +51,16 @@ class XServer {
   XServer(const XServer&) = delete;
   XServer& operator=(const XServer&) = delete;
 
-  /// What DISPLAY is for this server, such as ":3".
+  /// The value of DISPLAY, such as ":3".
   const std::string& display() const { return display_; }
   /// The server's listening socket.
   std::filesystem::path socket() const;
-  const std::filesystem::path& directory() const { return directory_.path(); }
+  std::filesystem::path directory() const { return directory_.path(); }
   pid_t pid() const { return process_->pid(); }
   /// The environment in which a program is a client of this server.
   Environment environment() const;
 
-  /// Runs xrandr with these arguments; answers what it prints.
+  /// Runs xrandr with these arguments and returns its output.
   std::string xrandr(const std::vector<std::string>& arguments);
   /// The active and inactive outputs, in the server's order.
   std::vector<XrandrOutput> outputs();
@@ -71,13 +71,13 @@ class XServer {
   /// Replaces the resource database by this text (xrdb); an empty text removes it.
   void setResources(const std::string& text);
 
-  /// Ends the server at once, as a crash would. Its display number is then free: a client that goes on looking for it
-  /// may find another test's server, unless the number was a reserved one.
+  /// Ends the server at once, as a crash would. Its display number is then free: a client that keeps connecting may
+  /// find another test's server, unless the number was reserved.
   void kill();
-  /// The server hangs until it is resumed.
+  /// Stops the server's process until resume().
   void pause();
   void resume();
-  /// Waits until the server has done everything that it was asked to do.
+  /// Waits until the server has processed every request.
   void sync();
 
  protected:
@@ -95,7 +95,7 @@ class XServer {
   void connect();
   void removeLeftovers();
 
-  TemporaryDirectory directory_;
+  TemporaryFolder directory_;
   std::string display_;
   std::unique_ptr<ChildProcess> process_;
   std::unique_ptr<xcb_connection_t, Disconnect> connection_;  ///< keeps the server from starting anew without clients
@@ -122,7 +122,7 @@ class XorgServer final : public XServer {
   void off(const std::string& output);
   void makePrimary(const std::string& output);
   void removePrimary();
-  /// The output's EDID property, of these very bytes.
+  /// Sets the output's EDID property to these bytes.
   void setEdid(const std::string& output, const EdidBytes& edid);
   void removeEdid(const std::string& output);
   /// Defines a monitor as `xrandr --setmonitor` does: area such as "800/200x600/150+0+0" and outputs such as "DUMMY1"
@@ -144,4 +144,7 @@ class NestedServer final : public XServer {
   void rotate(const std::string& direction);
 };
 
-}  // namespace test_support
+/// The product name that edid-decode reads from an EDID; empty when it finds none.
+std::string decodedName(const EdidBytes& edid);
+
+}  // namespace support

@@ -50,10 +50,9 @@ void expectMissing(const json& about, const std::string& source, const std::stri
 class Doctor : public tool_test::ToolTest {
  protected:
   /// Runs with a private profile folder beside the computer's.
-  ToolRun run(std::vector<std::string> options = {}, const std::string& display = "",
-              test_support::Environment more = {}) {
+  ToolRun run(std::vector<std::string> options = {}, const std::string& display = "", support::Environment more = {}) {
     options.insert(options.begin(), "doctor");
-    more.insert(more.end(), {"XDG_DATA_HOME=" + folder_.path().string(), kNoBus});
+    more.insert(more.end(), {"XDG_DATA_HOME=" + folder_.path(), kNoBus});
     if (more.front().find("WAYLAND_DISPLAY") != 0) {
       more.emplace_back("WAYLAND_DISPLAY=");
     }
@@ -110,8 +109,7 @@ TEST_F(Doctor, ReportsBrokenFilesInProfileFolders) {
   for (const json& finding : findings(document, "ICC files")) {
     if (finding["state"] == "missing") {
       const std::string remedy = finding["remedy"];
-      EXPECT_EQ(
-          test_support::run({"bash", "-c", "cd \"$1\" && " + remedy, "bash", folder_.path().string()}).exit_status, 0)
+      EXPECT_EQ(support::run({"bash", "-c", "cd \"$1\" && " + remedy, "bash", folder_.path()}).exit_status, 0)
           << remedy;
     }
   }
@@ -148,23 +146,23 @@ TEST_F(Doctor, ReadsDesktopFile) {
 class LiveDoctor : public ::testing::Test {
  protected:
   void setMonitor(const std::string& output, const std::optional<std::string>& name) {
-    test_support::Monitor monitor;
+    support::Monitor monitor;
     monitor.name = name;
-    server_.setEdid(output, test_support::makeEdid(monitor));
+    server_.setEdid(output, support::makeEdid(monitor));
   }
   ToolRun tool(std::vector<std::string> arguments) const {
     arguments.insert(arguments.begin(), OSTREVIN_HOST);
-    test_support::Environment environment = server_.environment();
+    support::Environment environment = server_.environment();
     environment.insert(environment.end(), {"OSTREVIN_DESKTOP=", "XDG_DATA_HOME=" + colord_.directory().string(),
                                            "XDG_STATE_HOME=" + (colord_.directory() / "state").string()});
-    return {test_support::run(arguments, environment)};
+    return {support::run(arguments, environment)};
   }
   json document() const { return tool({"doctor", "--json"}).document(); }
   json display() const { return document()["displays"][0]; }
   std::string number() { return std::to_string(server_.output("DUMMY0").id); }
 
-  test_support::PrivateColord colord_;
-  test_support::XorgServer server_;
+  support::PrivateColord colord_;
+  support::XorgServer server_;
 };
 
 TEST_F(LiveDoctor, FindsNothingMissing) {
@@ -181,8 +179,7 @@ TEST_F(LiveDoctor, FindsNothingMissing) {
             HasSubstr("  EDID     ok       \"Good One\", vendor 0x3e74, product 0x2a17, serial 20240607\n"),
             HasSubstr("  profile  ok       /usr/share/color/icc/colord/sRGB.icc\n"), HasSubstr("\nAll is well.\n")));
   EXPECT_EQ(document()["well"], true);
-  const std::string device =
-      test_support::PrivateColord::fields(colord_.colormgr({"get-devices"}), "Device ID").front();
+  const std::string device = support::PrivateColord::fields(colord_.colormgr({"get-devices"}), "Device ID").front();
   EXPECT_EQ(findings(display(), "colord")[0]["text"], "device " + device + ", 1 profile");
 }
 
@@ -217,7 +214,7 @@ TEST_F(LiveDoctor, ReportsProfileWithoutFile) {
 TEST_F(LiveDoctor, ReportsMissingInvalidAndNamelessEdid) {
   server_.removeEdid("DUMMY0");
   expectMissing(display(), "EDID", "the monitor sends no EDID", "drm.edid_firmware=DUMMY0:");
-  test_support::EdidBytes broken = test_support::makeEdid();
+  support::EdidBytes broken = support::makeEdid();
   broken[20] ^= 1;
   server_.setEdid("DUMMY0", broken);
   expectMissing(display(), "EDID", "the monitor's EDID is invalid", "drm.edid_firmware=DUMMY0:");
@@ -255,16 +252,16 @@ TEST_F(LiveDoctor, ReportsHangingColord) {
 }
 
 TEST_F(LiveDoctor, ReportsHangingServer) {
-  test_support::XProxy proxy(server_.socket());
-  proxy.limit(0, test_support::XProxy::AtLimit::kStall);
-  const test_support::ProcessResult result = test_support::run(
+  support::XProxy proxy(server_.socket());
+  proxy.limit(0, support::XProxy::AtLimit::kStall);
+  const support::ProcessResult result = support::run(
       {OSTREVIN_HOST, "doctor", "--json"}, {"DISPLAY=" + proxy.display(), "OSTREVIN_DESKTOP=", "XAUTHORITY="});
   EXPECT_EQ(result.exit_status, 1);
   expectMissing(json::parse(result.output), "X server", "the X server " + proxy.display() + " does not respond", "");
 }
 
 /// An X server inside a window of another one, without RandR.
-class ServerWithoutRandr final : public test_support::XServer {
+class ServerWithoutRandr final : public support::XServer {
  public:
   explicit ServerWithoutRandr(const XServer& outer) {
     start({"Xephyr", "-extension", "RANDR", "-screen", "640x480"}, {}, outer.environment());
@@ -273,9 +270,9 @@ class ServerWithoutRandr final : public test_support::XServer {
 
 TEST_F(LiveDoctor, ReportsServerWithoutRandr) {
   const ServerWithoutRandr server(server_);
-  test_support::Environment environment = server.environment();
+  support::Environment environment = server.environment();
   environment.emplace_back("OSTREVIN_DESKTOP=");
-  const test_support::ProcessResult result = test_support::run({OSTREVIN_HOST, "doctor", "--json"}, environment);
+  const support::ProcessResult result = support::run({OSTREVIN_HOST, "doctor", "--json"}, environment);
   EXPECT_EQ(result.exit_status, 1);
   expectMissing(json::parse(result.output), "X server", server.display() + " lacks RandR 1.2", "-extension RANDR");
 }

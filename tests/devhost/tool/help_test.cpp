@@ -5,6 +5,7 @@
 #include <set>
 
 #include "devhost/tool/tool_runner.h"
+#include "support/temporary_folder.h"
 
 namespace {
 
@@ -72,7 +73,7 @@ Words offered(Words words) {
       "_ostrevin_host \"$1\" \"${COMP_WORDS[COMP_CWORD]}\" \"${COMP_WORDS[COMP_CWORD - 1]}\"; "
       "printf '%s\\n' \"${COMPREPLY[@]}\"";
   words.insert(words.begin(), {"bash", "--norc", "-c", script, "bash", kBashFile});
-  const auto result = test_support::run(words, {"DISPLAY=", "OSTREVIN_DESKTOP="});
+  const auto result = support::run(words, {"DISPLAY=", "OSTREVIN_DESKTOP="});
   EXPECT_THAT(result.errors, IsEmpty());
   return tool_test::linesOf(result.output);
 }
@@ -112,14 +113,14 @@ TEST(Help, HasWorkingExamples) {
       if (line.find("FILE") != std::string::npos || line.find('|') != std::string::npos) {
         continue;
       }
-      const test_support::TemporaryDirectory folder;
+      const support::TemporaryFolder folder;
       const auto result =
-          test_support::run({"sh", "-c",
-                             "cd \"$1\" && cp \"$2\" office.json && cp \"$3\" other.so && cp \"$4\" wide.icc && "
-                             "PATH=$5:$PATH && export PATH && timeout -s INT 0.5 sh -c \"exec $6\"",
-                             "sh", folder.path().string(), OSTREVIN_SOURCES "/devhost/example-desktop.json",
-                             SAMPLE_PLUGIN, "/usr/share/color/icc/colord/sRGB.icc", OSTREVIN_FOLDER, line},
-                            {"DISPLAY=", "OSTREVIN_DESKTOP=", "DBUS_SYSTEM_BUS_ADDRESS=unix:path=/nowhere"});
+          support::run({"sh", "-c",
+                        "cd \"$1\" && cp \"$2\" office.json && cp \"$3\" other.so && cp \"$4\" wide.icc && "
+                        "PATH=$5:$PATH && export PATH && timeout -s INT 0.5 sh -c \"exec $6\"",
+                        "sh", folder.path(), OSTREVIN_SOURCES "/devhost/example-desktop.json", SAMPLE_PLUGIN,
+                        "/usr/share/color/icc/colord/sRGB.icc", OSTREVIN_FOLDER, line},
+                       {"DISPLAY=", "OSTREVIN_DESKTOP=", "DBUS_SYSTEM_BUS_ADDRESS=unix:path=/nowhere"});
       EXPECT_NE(result.exit_status, 2) << line << '\n' << result.errors;
       EXPECT_NE(result.exit_status, -1) << line;
     }
@@ -127,13 +128,13 @@ TEST(Help, HasWorkingExamples) {
 }
 
 TEST(ManPage, HasNoMistakes) {
-  const auto lint = test_support::run({"mandoc", "-T", "lint", "-W", "warning", kManPage});
+  const auto lint = support::run({"mandoc", "-T", "lint", "-W", "warning", kManPage});
   EXPECT_EQ(lint.exit_status, 0);
   EXPECT_THAT(lint.output + lint.errors, IsEmpty());
 }
 
 TEST(ManPage, NamesEveryCommandAndOptionOnly) {
-  const std::string shown = test_support::runSuccessfully({"mandoc", "-T", "ascii", kManPage});
+  const std::string shown = support::runSuccessfully({"mandoc", "-T", "ascii", kManPage});
   const std::string text = std::regex_replace(shown, std::regex(".\b"), "");
   Words all = commands();
   std::set<std::string> known;

@@ -39,12 +39,12 @@ class LayoutSvg : public tool_test::ToolTest {
     const ToolRun run = runTool({"--desktop", write("desktop.json", desktop), "layout", "-o", path_});
     ASSERT_EQ(run.exit_status, 0) << run.errors;
     EXPECT_THAT(run.output, IsEmpty());
-    test_support::runSuccessfully({"xmllint", "--noout", path_});
+    support::runSuccessfully({"xmllint", "--noout", path_});
   }
 
   /// The result of an XPath expression as a text.
   std::string query(const std::string& expression) const {
-    std::string text = test_support::runSuccessfully({"xmllint", "--xpath", expression, path_});
+    std::string text = support::runSuccessfully({"xmllint", "--xpath", expression, path_});
     text.erase(text.find_last_not_of('\n') + 1);
     return text;
   }

@@ -7,7 +7,7 @@
 
 #include "devhost/tool/terminal/output_file.h"
 #include "devhost/tool/tool_runner.h"
-#include "support/unprivileged.h"
+#include "support/temporary_folder.h"
 
 namespace {
 
@@ -75,8 +75,8 @@ TEST_F(OutputFile, RefusesOtherThanRegularFiles) {
   ASSERT_EQ(mkfifo(path("pipe").c_str(), 0600), 0);
   fs::create_symlink("pipe", path("link-to-pipe"));
   fs::create_symlink("nowhere", path("link-to-nothing"));
-  for (const std::string& target : {path("pipe"), path("link-to-pipe"), folder_.path().string(),
-                                    std::string("/dev/null"), std::string("/dev/zero"), std::string("/dev/full")}) {
+  for (const std::string& target : {path("pipe"), path("link-to-pipe"), folder_.path(), std::string("/dev/null"),
+                                    std::string("/dev/zero"), std::string("/dev/full")}) {
     expectRefused(target, target + ": not written: it is not a regular file");
   }
   expectRefused(path("link-to-nothing"), "not written: it is a dangling link");
@@ -109,8 +109,8 @@ TEST_F(OutputFile, RemovesPartOfFileThatDoesNotFit) {
   const std::string old = write("old.svg", "old");
   const std::string desktop = write("desktop.json", tool_test::kOneDisplay);
   // A limit of 0 bytes; with its signal ignored, writing fails.
-  const auto run = test_support::run({"sh", "-c", "trap '' XFSZ; ulimit -f 0; exec \"$@\"", "sh", OSTREVIN_HOST,
-                                      "--desktop", desktop, "layout", "-o", old});
+  const auto run = support::run({"sh", "-c", "trap '' XFSZ; ulimit -f 0; exec \"$@\"", "sh", OSTREVIN_HOST, "--desktop",
+                                 desktop, "layout", "-o", old});
   EXPECT_EQ(run.exit_status, 1);
   EXPECT_THAT(run.errors, HasSubstr("old.svg: cannot be written: File too large"));
   EXPECT_EQ(contentOf(old), "old");

@@ -11,10 +11,11 @@
 #include <vector>
 
 #include "support/process.h"
+#include "support/temporary_folder.h"
 
 namespace tool_test {
 
-struct ToolRun : test_support::ProcessResult {
+struct ToolRun : support::ProcessResult {
   nlohmann::json document() const { return nlohmann::json::parse(output); }
   std::size_t errorLines() const { return static_cast<std::size_t>(std::count(errors.begin(), errors.end(), '\n')); }
 };
@@ -23,14 +24,14 @@ struct ToolRun : test_support::ProcessResult {
 struct Variables {
   std::string display = {};
   std::string desktop = {};
-  test_support::Environment more = {};
+  support::Environment more = {};
 };
 
 inline ToolRun runTool(std::vector<std::string> arguments, const Variables& variables = {}) {
   arguments.insert(arguments.begin(), OSTREVIN_HOST);
-  test_support::Environment environment = variables.more;
+  support::Environment environment = variables.more;
   environment.insert(environment.begin(), {"DISPLAY=" + variables.display, "OSTREVIN_DESKTOP=" + variables.desktop});
-  return {test_support::run(arguments, environment)};
+  return {support::run(arguments, environment)};
 }
 
 /// What the tool writes when its three standard streams are a terminal of so many columns. The arguments need no
@@ -40,7 +41,7 @@ inline std::string runOnTerminal(const std::vector<std::string>& arguments, int 
   for (const std::string& argument : arguments) {
     command += " " + argument;
   }
-  return test_support::runSuccessfully({"script", "--quiet", "--return", "--command", command, "/dev/null"});
+  return support::runSuccessfully({"script", "--quiet", "--return", "--command", command, "/dev/null"});
 }
 
 inline std::string contentOf(const std::string& path) {
@@ -63,9 +64,9 @@ class ToolTest : public ::testing::Test {
     std::ofstream(path(name), std::ios::binary) << text;
     return path(name);
   }
-  std::string path(const std::string& name) const { return (folder_.path() / name).string(); }
+  std::string path(const std::string& name) const { return folder_.path(name); }
 
-  test_support::TemporaryDirectory folder_;
+  support::TemporaryFolder folder_;
 };
 
 // --- desktops for tests of pictures

@@ -311,8 +311,8 @@ TEST(Tool, CheckAcceptsPlugin) {
 }
 
 TEST(Tool, ReportsUnwritableOutput) {
-  const test_support::ProcessResult run =
-      test_support::run({"env", "DISPLAY=", "sh", "-c", std::string(OSTREVIN_HOST) + " methods > /dev/full"});
+  const support::ProcessResult run =
+      support::run({"env", "DISPLAY=", "sh", "-c", std::string(OSTREVIN_HOST) + " methods > /dev/full"});
   EXPECT_EQ(run.exit_status, 1);
   EXPECT_THAT(run.errors, HasSubstr("the output could not be written"));
 }

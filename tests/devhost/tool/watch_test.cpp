@@ -6,6 +6,7 @@
 #include <thread>
 
 #include "devhost/tool/tool_runner.h"
+#include "support/temporary_folder.h"
 #include "support/xorg_server.h"
 
 namespace {
@@ -20,13 +21,13 @@ using ::testing::Not;
 /// ostrevin-host watch, running in parallel to the test.
 class Watcher {
  public:
-  Watcher(const test_support::XorgServer& server, const std::vector<std::string>& options)
+  Watcher(const support::XorgServer& server, const std::vector<std::string>& options)
       : process_(command(options), environment(server), log()) {
     awaitText("watching ");
   }
 
-  static test_support::Environment environment(const test_support::XorgServer& server) {
-    test_support::Environment variables = server.environment();
+  static support::Environment environment(const support::XorgServer& server) {
+    support::Environment variables = server.environment();
     variables.insert(variables.end(), {"OSTREVIN_DESKTOP=", "DBUS_SYSTEM_BUS_ADDRESS=unix:path=/nowhere",
                                        "DBUS_SESSION_BUS_ADDRESS=unix:path=/nowhere"});
     return variables;
@@ -62,31 +63,31 @@ class Watcher {
   }
 
  private:
-  std::filesystem::path log() const { return folder_.path() / "log"; }
+  std::filesystem::path log() const { return folder_.path("log"); }
   static std::vector<std::string> command(const std::vector<std::string>& options) {
     std::vector<std::string> words{OSTREVIN_HOST, "watch", "--interval", "0.02"};
     words.insert(words.end(), options.begin(), options.end());
     return words;
   }
 
-  test_support::TemporaryDirectory folder_;
-  test_support::ChildProcess process_;
+  support::TemporaryFolder folder_;
+  support::ChildProcess process_;
 };
 
 class Watch : public ::testing::Test {
  protected:
   std::string number(const std::string& output) { return std::to_string(server_.output(output).id); }
   void setMonitor(const std::string& output, const std::string& name) {
-    test_support::Monitor monitor;
+    support::Monitor monitor;
     monitor.name = name;
     monitor.product = static_cast<std::uint16_t>(std::hash<std::string>()(name));  // names go by vendor and model
-    server_.setEdid(output, test_support::makeEdid(monitor));
+    server_.setEdid(output, support::makeEdid(monitor));
   }
-  test_support::ProcessResult run(std::vector<std::string> command) const {
-    return test_support::run(command, Watcher::environment(server_));
+  support::ProcessResult run(std::vector<std::string> command) const {
+    return support::run(command, Watcher::environment(server_));
   }
 
-  test_support::XorgServer server_;
+  support::XorgServer server_;
 };
 
 constexpr const char* kTime = "[0-9]+-[0-9]+-[0-9]+T[0-9]+:[0-9]+:[0-9]+[+-][0-9]+  ";
@@ -138,11 +139,11 @@ TEST_F(Watch, PrintsJsonObjectPerLine) {
 
 TEST_F(Watch, EndsAtSignal) {
   for (const char* signal : {"INT", "TERM"}) {
-    const test_support::TemporaryDirectory folder;
+    const support::TemporaryFolder folder;
     const auto ended = run({"sh", "-c",
                             "mkfifo \"$2\"; \"$1\" watch 2>\"$2\" & read -r line <\"$2\"; kill -" +
                                 std::string(signal) + " $!; wait $!; echo \"ended $?\"",
-                            "sh", OSTREVIN_HOST, (folder.path() / "messages").string()});
+                            "sh", OSTREVIN_HOST, folder.path("messages")});
     EXPECT_EQ(ended.output, "ended 0\n") << signal;
     EXPECT_THAT(ended.errors, IsEmpty());
   }
@@ -164,11 +165,11 @@ TEST_F(Watch, EndsAfterTime) {
 }
 
 TEST_F(Watch, EndsAfterCount) {
-  const test_support::TemporaryDirectory folder;
+  const support::TemporaryFolder folder;
   const auto ended = run({"sh", "-c",
                           "mkfifo \"$2\"; \"$1\" watch --interval 0.02 --count 1 2>\"$2\" & read -r line <\"$2\"; "
                           "xrandr --output DUMMY0 --off; wait $!; echo \"ended $?\"",
-                          "sh", OSTREVIN_HOST, (folder.path() / "messages").string()});
+                          "sh", OSTREVIN_HOST, folder.path("messages")});
   EXPECT_THAT(ended.output, MatchesRegex("[^\n]*  removed [0-9]+ [^\n]*\nended 0\n")) << ended.errors;
 }
 
@@ -187,12 +188,12 @@ TEST_F(Watch, RefusesUnusableOptions) {
 }
 
 TEST_F(Watch, ReportsUnwritableOutput) {
-  const test_support::TemporaryDirectory folder;
+  const support::TemporaryFolder folder;
   const auto ended =
       run({"sh", "-c",
            "mkfifo \"$2\"; \"$1\" watch --interval 0.02 2>\"$2\" >/dev/full & exec 3<\"$2\"; read -r line <&3; "
            "xrandr --output DUMMY0 --off; wait $!; echo \"ended $?\"; cat <&3",
-           "sh", OSTREVIN_HOST, (folder.path() / "messages").string()});
+           "sh", OSTREVIN_HOST, folder.path("messages")});
   EXPECT_EQ(ended.output, "ended 1\nostrevin-host: the output could not be written\n");
 }
 

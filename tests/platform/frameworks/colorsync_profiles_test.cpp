@@ -14,7 +14,6 @@
 #include "desktop/current.h"
 #include "desktop/script/scripted.h"
 #include "frameworks/hooks/calls.h"
-#include "support/folder_desktop.h"
 #include "support/icc_maker.h"
 #include "support/scripted.h"
 #include "support/temporary_folder.h"

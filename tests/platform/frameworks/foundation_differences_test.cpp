@@ -16,6 +16,7 @@
 #include "frameworks/Foundation/system_version.h"
 #include "platform/frameworks/foundation_probe.h"
 #include "support/icu_text.h"
+#include "support/temporary_folder.h"
 
 namespace {
 
@@ -179,34 +180,19 @@ TEST(Conversion, ThatMayNotLoseGivesNothingForWhatTheEncodingLacks) {
 
 // --- file URLs
 
-/// A directory of its own, which the process stands in while this lives.
-class Folder {
+/// A temporary folder that is the current directory.
+class Folder : public support::TemporaryFolder {
  public:
-  Folder() : before_(std::filesystem::current_path()) {
-    std::string name = (std::filesystem::temp_directory_path() / "foundation-XXXXXX").string();
-    path_ = mkdtemp(name.data());
-    std::filesystem::current_path(path_);
-  }
-  ~Folder() {
-    std::filesystem::current_path(before_);
-    std::filesystem::remove_all(path_);
-  }
-  Folder(const Folder&) = delete;
-  Folder& operator=(const Folder&) = delete;
+  Folder() : before_(std::filesystem::current_path()) { std::filesystem::current_path(path()); }
+  ~Folder() { std::filesystem::current_path(before_); }
 
-  const std::string& path() const { return path_; }
-  std::string makeFile(const std::string& name) const {
-    std::ofstream(path_ + "/" + name) << "content";
-    return path_ + "/" + name;
-  }
   std::string makeFolder(const std::string& name) const {
-    std::filesystem::create_directory(path_ + "/" + name);
-    return path_ + "/" + name;
+    std::filesystem::create_directory(path(name));
+    return path(name);
   }
 
  private:
   std::filesystem::path before_;
-  std::string path_;
 };
 
 std::string urlText(const std::string& path, Kind kind = Kind::kUnsaid) {
@@ -229,7 +215,7 @@ TEST(FileUrl, OfAnExistingDirectoryEndsInASlashUnlessSaidToBeAFile) {
 
 TEST(FileUrl, OfAnExistingFileEndsInASlashOnlyWhenSaidToBeADirectory) {
   const Folder folder;
-  const std::string path = folder.makeFile("f");
+  const std::string path = folder.write("f", "content");
   EXPECT_EQ(urlText(path), "file://" + path);
   EXPECT_EQ(urlText(path, Kind::kFile), "file://" + path);
   EXPECT_EQ(urlText(path, Kind::kDirectory), "file://" + path + "/");

@@ -13,7 +13,7 @@ namespace colord_test {
 namespace {
 
 namespace fs = std::filesystem;
-using test_support::PrivateColord;
+using support::PrivateColord;
 using testing::Contains;
 using testing::ElementsAre;
 using testing::IsEmpty;

@@ -15,7 +15,7 @@ using namespace colord_test;
 namespace {
 
 int exitDuringWalk(const ColordDevices& devices) {
-  test_support::ColordCalls calls;
+  support::ColordCalls calls;
   std::thread([&devices] { walk(devices); }).detach();
   calls.waitForOne();
   return 0;

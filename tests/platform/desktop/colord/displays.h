@@ -34,10 +34,10 @@ inline Display makeDisplay(std::uint32_t number, const std::string& connector, s
 }
 
 inline std::vector<std::uint8_t> firstEdid() {
-  return test_support::makeEdid({.vendor = "DEL", .serial = 1502, .name = "DELL U2412M"});
+  return support::makeEdid({.vendor = "DEL", .serial = 1502, .name = "DELL U2412M"});
 }
 inline std::vector<std::uint8_t> secondEdid() {
-  return test_support::makeEdid({.vendor = "HWP", .serial = 27001, .name = "HP Z27x"});
+  return support::makeEdid({.vendor = "HWP", .serial = 27001, .name = "HP Z27x"});
 }
 
 inline std::string md5(const std::vector<std::uint8_t>& bytes) {

@@ -43,8 +43,8 @@ namespace {
 using namespace std::chrono_literals;
 using platform::desktop::kAssignmentLimit;
 using platform::desktop::kDeviceWalkLimit;
-using test_support::PrivateColord;
-using test_support::runSuccessfully;
+using support::PrivateColord;
+using support::runSuccessfully;
 using testing::IsEmpty;
 
 /// The delay on a computer that is busy with other tests.
@@ -140,7 +140,7 @@ TEST_F(ColordFailure, LimitsEachOfSeveralWalksOverAHungColord) {
 TEST_F(ColordFailure, EndsAWalkWhenColordDies) {
   assignOnce();
   colord_.suspend();
-  test_support::ColordCalls calls;
+  support::ColordCalls calls;
   std::thread walker([this] { expectEmptyWalk(0s, kSoon); });
   calls.waitForOne();
   colord_.stop();

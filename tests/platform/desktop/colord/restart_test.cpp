@@ -13,8 +13,8 @@
 namespace colord_test {
 namespace {
 
-using test_support::PrivateColord;
-using test_support::runSuccessfully;
+using support::PrivateColord;
+using support::runSuccessfully;
 
 std::string registeredId(const PrivateColord& colord, const std::string& connector) {
   return PrivateColord::fields(colord.colormgr({"find-device-by-property", "XRANDR_name", connector}), "Device ID")

@@ -10,7 +10,7 @@
 namespace colord_test {
 namespace {
 
-using test_support::PrivateColord;
+using support::PrivateColord;
 using testing::ElementsAre;
 using testing::IsEmpty;
 

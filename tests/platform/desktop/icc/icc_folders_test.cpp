@@ -18,7 +18,6 @@
 #include "support/environment_variables.h"
 #include "support/icc_maker.h"
 #include "support/temporary_folder.h"
-#include "support/unprivileged.h"
 
 namespace {
 

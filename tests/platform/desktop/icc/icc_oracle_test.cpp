@@ -9,6 +9,7 @@
 #include <map>
 #include <memory>
 #include <ostream>
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -16,6 +17,7 @@
 #include "desktop/icc/icc_profile.h"
 #include "support/environment_variables.h"
 #include "support/icu_text.h"
+#include "support/process.h"
 
 namespace {
 
@@ -142,19 +144,17 @@ TEST(InstalledProfiles, HaveTheTagsThatLcmsSees) {
 
 /// The tag table that iccdump prints for a file; nothing for a profile of version 4, which it does not read.
 std::vector<IccTag> tagsOfIccdump(const std::string& file) {
-  const std::string command = std::string(ICCDUMP) + " -v1 '" + file + "' 2>/dev/null";
-  const std::unique_ptr<FILE, int (*)(FILE*)> pipe(popen(command.c_str(), "r"), pclose);
-  std::array<char, 1024> line;
+  std::istringstream lines(support::run({ICCDUMP, "-v1", file}).output);
   std::vector<IccTag> tags;
-  while (std::fgets(line.data(), line.size(), pipe.get()) != nullptr) {
+  for (std::string line; std::getline(lines, line);) {
     IccTag* const last = tags.empty() ? nullptr : &tags.back();
     std::array<char, 5> signature{};
-    if (std::sscanf(line.data(), "  sig      '%4c'", signature.data()) == 1) {
+    if (std::sscanf(line.c_str(), "  sig      '%4c'", signature.data()) == 1) {
       tags.push_back({signatureOf(signature.data()), 0, 0});
     } else if (last != nullptr && last->offset == 0) {
-      std::sscanf(line.data(), "  offset   %u", &last->offset);
+      std::sscanf(line.c_str(), "  offset   %u", &last->offset);
     } else if (last != nullptr && last->size == 0) {
-      std::sscanf(line.data(), "  size     %u", &last->size);
+      std::sscanf(line.c_str(), "  size     %u", &last->size);
     }
   }
   return tags;

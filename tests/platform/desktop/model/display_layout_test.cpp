@@ -12,7 +12,7 @@ namespace {
 using platform::desktop::arrange;
 using platform::desktop::Monitor;
 using platform::desktop::Rect;
-using test_support::makeEdid;
+using support::makeEdid;
 
 Monitor monitorAt(std::uint32_t output, int x, int y, unsigned width, unsigned height, bool primary = false) {
   const std::string name = "DP-" + std::to_string(output);

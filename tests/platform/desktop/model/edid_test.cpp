@@ -12,16 +12,16 @@ namespace {
 
 using platform::desktop::decodeEdid;
 using platform::desktop::kEdidBlockSize;
-using test_support::EdidBytes;
-using test_support::fixChecksum;
-using test_support::makeEdid;
+using support::EdidBytes;
+using support::fixChecksum;
+using support::makeEdid;
 
 constexpr std::size_t kNameText = 95;  // where makeEdid puts the text of the name
 
 std::string edidDecode(const std::vector<std::string>& options, const EdidBytes& edid) {
   std::vector<std::string> command{"edid-decode"};
   command.insert(command.end(), options.begin(), options.end());
-  return test_support::run(command, {}, std::string(edid.begin(), edid.end())).output;
+  return support::run(command, {}, std::string(edid.begin(), edid.end())).output;
 }
 
 /// What edid-decode prints behind a label.
@@ -46,7 +46,7 @@ TEST(EdidMaker, MakesEdidsThatConform) {
 }
 
 TEST(Edid, AgreesWithEdidDecode) {
-  for (const auto& monitor : std::vector<test_support::Monitor>{
+  for (const auto& monitor : std::vector<support::Monitor>{
            {.vendor = "AAA", .product = 1, .serial = 1, .name = "A"},
            {.vendor = "ZZZ", .product = 0xFFFF, .serial = 0xFFFFFFFF, .name = "Exactly13Char"},
            {.vendor = "DEL", .product = 0x1234, .serial = 0x80000000, .name = "With Blanks 1"},

@@ -12,7 +12,6 @@
 #include <string>
 
 #include "support/temporary_folder.h"
-#include "support/unprivileged.h"
 
 namespace {
 

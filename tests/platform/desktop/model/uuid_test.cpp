@@ -13,15 +13,15 @@ namespace {
 using platform::desktop::outputUuid;
 using platform::desktop::Uuid;
 using platform::desktop::virtualMonitorUuid;
-using test_support::EdidBytes;
-using test_support::makeEdid;
+using support::EdidBytes;
+using support::makeEdid;
 
 /// The namespace of all identities. A change of it would lose every profile that users have assigned.
 const std::string kNamespace("\056\310\217\274\011\014\104\001\236\210\110\234\041\013\071\273", 16);
 
 /// The UUID of version 5 for a name, computed with sha1sum.
 Uuid nameBasedUuid(const std::string& name) {
-  const std::string digest = test_support::runSuccessfully({"sha1sum"}, {}, kNamespace + name);
+  const std::string digest = support::runSuccessfully({"sha1sum"}, {}, kNamespace + name);
   Uuid uuid{};
   for (std::size_t i = 0; i < uuid.size(); ++i) {
     uuid[i] = static_cast<std::uint8_t>(std::stoul(digest.substr(2 * i, 2), nullptr, 16));

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "support/process.h"
+#include "support/temporary_folder.h"
 
 namespace {
 
@@ -148,9 +149,9 @@ TEST(XftDpi, IgnoresTextBehindAZeroByte) {
 }
 
 TEST(XftDpi, IgnoresIncludeDirectives) {
-  const test_support::TemporaryDirectory directory;
-  const std::string file = (directory.path() / "resources").string();
-  test_support::runSuccessfully({"tee", file}, {}, "Xft.dpi: 192\n");
+  const support::TemporaryFolder directory;
+  const std::string file = directory.path("resources");
+  support::runSuccessfully({"tee", file}, {}, "Xft.dpi: 192\n");
   for (const std::string& directive : {"#include \"", "  #include \"", "#  include \"", "\\\n#include \""}) {
     EXPECT_EQ(xftDpi(directive + file + "\"\n"), std::nullopt) << directive;
   }
