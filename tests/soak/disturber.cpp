@@ -14,102 +14,118 @@ namespace {
 
 constexpr std::size_t kMonitors = 48;
 constexpr std::size_t kAlwaysOn = 4;  ///< outputs that are never switched off: one of them is the main one
+constexpr auto kPause = std::chrono::milliseconds(750);
 constexpr auto kRestoreLimit = std::chrono::seconds(20);
 constexpr auto kPollInterval = std::chrono::milliseconds(50);
-/// A monitor without an output has this and its name's atom as its number.
+/// How long after a change a call may still return the state before it: the news travel on another connection.
+constexpr auto kServerNews = std::chrono::milliseconds(500);
+constexpr auto kColordNews = std::chrono::seconds(1);
+/// The number of a monitor without an output is this and its name's atom.
 constexpr std::uint32_t kNumberWithoutOutput = 0x80000000;
 
-std::string outputOf(std::size_t output) { return "DUMMY" + std::to_string(output); }
-std::string monitorOf(std::size_t monitor) { return "part-" + std::to_string(monitor); }
+std::string outputName(std::size_t output) { return "DUMMY" + std::to_string(output); }
+std::string monitorName(std::size_t monitor) { return "part-" + std::to_string(monitor); }
 
-}  // namespace
-
-Disturber::Disturber(Plan& plan) : defined_(kMonitors, true) {
-  std::vector<support::XorgServer::Placement> placements;
-  for (std::size_t output = 0; output < kOutputs; ++output) {
-    for (const bool moved : {true, false}) {
-      const auto [width, height, x, y] = outputPlace(output, moved);
-      if (moved) {
-        server_.setMode(outputOf(output), width, height, x, y);  // the mode is known from then on
-      } else {
-        placements.push_back({outputOf(output), {width, height, x, y}});
-      }
-    }
-    server_.setEdid(outputOf(output), support::makeEdid({.product = static_cast<std::uint16_t>(0x100 + output),
-                                                         .serial = static_cast<std::uint32_t>(1000 + output),
-                                                         .name = World::outputName(output)}));
-  }
-  server_.place(placements);
-  server_.makePrimary(outputOf(0));
-  on_.fill(true);
-  for (std::size_t monitor = 0; monitor < kMonitors; ++monitor) {
-    server_.setMonitor(monitorOf(monitor), monitorArea(monitor, false), "none");
-  }
-  numberMonitors(plan);
-  // One of the folders of installed profiles, of a user of the soak's own.
-  const std::string home = colord_.directory() / "home";
-  plan.folder = home + "/data/icc";
-  setenv("HOME", home.c_str(), 1);
-  setenv("XDG_DATA_HOME", (home + "/data").c_str(), 1);
-  setenv("XDG_DATA_DIRS", (home + "/none").c_str(), 1);
-  plan.pipe = colord_.directory() / "calls";
-  world_ = std::make_unique<World>(plan, readArrangement());
-  world_->profiles.writeAll();
-  countDisplays();
-}
-
-Disturber::Place Disturber::outputPlace(std::size_t output, bool moved) {
+support::XorgServer::Placement placementOf(std::size_t output, bool moved) {
   constexpr int kColumns = 8;
   const int x = static_cast<int>(output % kColumns) * 1024;
   const int y = static_cast<int>(output / kColumns) * 768;
-  return moved ? Place{800, 600, x + 100, y + 2000} : Place{1024, 768, x, y};
+  using Area = support::PixelRect;
+  return {outputName(output), moved ? Area{800, 600, x + 100, y + 2000} : Area{1024, 768, x, y}};
 }
 
-std::string Disturber::monitorArea(std::size_t monitor, bool moved) {
+std::string monitorArea(std::size_t monitor, bool moved) {
   constexpr std::size_t kColumns = 12;
   const std::size_t x = monitor % kColumns * 640;
   const std::size_t y = 3600 + monitor / kColumns * 500 + (moved ? 37 : 0);
   return (moved ? "600/150x400/100+" : "640/160x480/120+") + std::to_string(x) + "+" + std::to_string(y);
 }
 
-void Disturber::numberMonitors(Plan& plan) {
+}  // namespace
+
+Disturber::Disturber(std::size_t profiles) : defined_(kMonitors, true) {
+  const std::string home = colord_.directory() / "home";
+  for (const auto& [name, value] : {std::pair<const char*, std::string>{"HOME", home},
+                                    {"XDG_DATA_HOME", home + "/data"},
+                                    {"XDG_DATA_DIRS", home + "/none"},
+                                    {"DISPLAY", server_.display()}}) {
+    setenv(name, value.c_str(), 1);
+  }
+  unsetenv("OSTREVIN_DESKTOP");
+  makeOutputs();
+  makeMonitors();
+  world_ = std::make_unique<World>(home + "/data/icc", profiles, State{.displays = readDisplays()});
+  for (std::size_t output = 0; output < kOutputs; ++output) {
+    world_->outputs.push_back(numbers_.at(outputName(output)));
+  }
+  for (std::size_t monitor = 0; monitor < kMonitors; ++monitor) {
+    world_->monitors.push_back(numbers_.at(monitorName(monitor)));
+  }
+  world_->profiles.writeAll();
+}
+
+void Disturber::makeOutputs() {
+  std::vector<support::XorgServer::Placement> placements;
+  for (std::size_t output = 0; output < kOutputs; ++output) {
+    server_.place({placementOf(output, true)});  // so that both modes exist
+    placements.push_back(placementOf(output, false));
+    server_.setEdid(outputName(output), support::makeEdid({.product = static_cast<std::uint16_t>(0x100 + output),
+                                                           .serial = static_cast<std::uint32_t>(1000 + output),
+                                                           .name = World::outputName(output)}));
+  }
+  server_.place(placements);
+  server_.makePrimary(outputName(0));
+  on_.fill(true);
   for (const auto& output : server_.outputs()) {
     numbers_[output.name] = output.id;
   }
-  for (std::size_t output = 0; output < kOutputs; ++output) {
-    plan.outputs.push_back(numbers_.at(outputOf(output)));
-  }
+}
+
+void Disturber::makeMonitors() {
   xcb_connection_t* const connection = xcb_connect(server_.display().c_str(), nullptr);
   for (std::size_t monitor = 0; monitor < kMonitors; ++monitor) {
-    const std::string name = monitorOf(monitor);
+    const std::string name = monitorName(monitor);
+    server_.setMonitor(name, monitorArea(monitor, false), "none");
     xcb_intern_atom_reply_t* const reply = xcb_intern_atom_reply(
         connection, xcb_intern_atom(connection, 1, static_cast<std::uint16_t>(name.size()), name.data()), nullptr);
     if (reply == nullptr || reply->atom == XCB_ATOM_NONE) {
       throw std::runtime_error("no monitor " + name);
     }
     numbers_[name] = kNumberWithoutOutput | reply->atom;
-    plan.others.push_back(numbers_.at(name));
     std::free(reply);
   }
   xcb_disconnect(connection);
 }
 
-Arrangement Disturber::readArrangement() {
+std::vector<Shown> Disturber::readDisplays() {
   auto monitors = server_.monitors();
   std::stable_partition(monitors.begin(), monitors.end(), [](const auto& monitor) { return monitor.primary; });
-  Arrangement arrangement;
-  for (const auto& monitor : monitors) {
+  std::vector<Shown> displays;
+  for (const auto& [name, primary, area, outputs] : monitors) {
     const auto& main = monitors.front().area;
-    const auto& area = monitor.area;
-    arrangement.push_back({numbers_.at(monitor.name), area.x - main.x, area.y - main.y, area.width, area.height});
+    displays.push_back({numbers_.at(name), area.x - main.x, area.y - main.y, area.width, area.height});
   }
-  return arrangement;
+  counts_.fewest = std::min(counts_.fewest, displays.size());
+  counts_.most = std::max(counts_.most, displays.size());
+  return displays;
 }
 
-void Disturber::countDisplays() {
-  const std::size_t count = world_->arrangement.last().size();
-  counts_.fewest = counts_.fewest == 0 ? count : std::min(counts_.fewest, count);
-  counts_.most = std::max(counts_.most, count);
+void Disturber::run(Clock::duration restart_interval, const std::atomic<bool>& over) {
+  Time restart_due = Clock::now() + restart_interval;
+  for (std::size_t step = 0; !over; ++step) {
+    if (step % 4 == 1) {
+      changeMonitor();
+    } else if (step % 4 == 3) {
+      changeFiles();
+    } else {
+      changeOutput();
+    }
+    if (Clock::now() >= restart_due) {
+      restartColord(over);
+      restart_due = Clock::now() + restart_interval;
+    }
+    std::this_thread::sleep_for(kPause);
+  }
 }
 
 void Disturber::changeOutput() {
@@ -117,94 +133,82 @@ void Disturber::changeOutput() {
   const bool moved = choose(2) == 0;
   const bool switch_off = output >= kAlwaysOn && on_.at(output) && choose(2) == 0;
   const bool make_main = output < kAlwaysOn && choose(2) == 0;
-  world_->arrangement.change([&]() -> std::vector<Arrangement> {
+  world_->timeline.change(kServerNews, [&](const State& before) {
+    State between = before;
+    State after = before;
     if (make_main) {
-      server_.makePrimary(outputOf(output));
-      return {readArrangement()};
+      server_.makePrimary(outputName(output));
+    } else {  // between two modes an output may be off
+      std::erase_if(between.displays,
+                    [&](const Shown& shown) { return shown.number == numbers_.at(outputName(output)); });
+      switch_off ? server_.off(outputName(output)) : server_.place({placementOf(output, moved)});
+      on_.at(output) = !switch_off;
     }
-    // On its way from one mode to another an output may be off.
-    Arrangement between = world_->arrangement.last();
-    const std::uint32_t number = numbers_.at(outputOf(output));
-    std::erase_if(between, [&](const Shown& shown) { return shown.number == number; });
-    if (switch_off) {
-      server_.off(outputOf(output));
-    } else {
-      const auto [width, height, x, y] = outputPlace(output, moved);
-      server_.setMode(outputOf(output), width, height, x, y);
-    }
-    on_.at(output) = !switch_off;
-    return {between, readArrangement()};
+    after.displays = readDisplays();
+    return std::vector<State>{between, after};
   });
   ++counts_.outputs;
-  countDisplays();
 }
 
 void Disturber::changeMonitor() {
   const std::size_t monitor = choose(kMonitors);
   const bool define = !defined_[monitor] || choose(2) == 0;
-  world_->arrangement.change([&]() -> std::vector<Arrangement> {
-    std::vector<Arrangement> states;
-    if (defined_[monitor]) {  // also before it is defined anew: a name cannot be defined twice
-      server_.removeMonitor(monitorOf(monitor));
-      states.push_back(readArrangement());
+  world_->timeline.change(kServerNews, [&](const State& before) {
+    std::vector<State> states;
+    if (defined_[monitor]) {  // also before a new definition: a name cannot be defined twice
+      server_.removeMonitor(monitorName(monitor));
+      states.push_back(before);
+      states.back().displays = readDisplays();
     }
     if (define) {
-      server_.setMonitor(monitorOf(monitor), monitorArea(monitor, choose(2) == 0), "none");
-      states.push_back(readArrangement());
+      server_.setMonitor(monitorName(monitor), monitorArea(monitor, choose(2) == 0), "none");
+      states.push_back(before);
+      states.back().displays = readDisplays();
     }
     defined_[monitor] = define;
     return states;
   });
   ++counts_.monitors;
-  countDisplays();
 }
 
 void Disturber::changeFiles() {
-  extra_ = !extra_;
-  world_->extra_profile.change([&]() -> std::vector<bool> {
-    world_->profiles.setExtra(extra_);
-    return {extra_};
+  world_->timeline.change(Clock::duration::zero(), [&](const State& before) {
+    State after = before;
+    after.extra_profile = !before.extra_profile;
+    world_->profiles.setExtra(after.extra_profile);
+    return std::vector<State>{after};
   });
   ++counts_.files;
 }
 
-void Disturber::restartColord(const std::function<bool()>& is_over) {
+void Disturber::restartColord(const std::atomic<bool>& over) {
   ++counts_.restarts;
-  world_->colord_runs.change([&]() -> std::vector<bool> {
+  world_->timeline.change(kColordNews, [&](const State& before) {
     colord_.restart();
-    waitForProfiles(is_over);
-    return {false, true};
-  });
-}
-
-void Disturber::waitForProfiles(const std::function<bool()>& is_over) {
-  const Time deadline = Clock::now() + kRestoreLimit;
-  for (std::size_t output = 0; output < kOutputs; ++output) {
-    while (!hasItsProfile(output)) {
-      if (is_over()) {
-        return;
+    const Time deadline = Clock::now() + kRestoreLimit;
+    for (std::size_t output = 0; output < kOutputs; ++output) {
+      while (!over && !hasItsProfile(output)) {  // when over, no call makes the plugin restore profiles
+        if (Clock::now() > deadline) {
+          counts_.not_restored.push_back(outputName(output) + " after restart " + std::to_string(counts_.restarts));
+          break;
+        }
+        std::this_thread::sleep_for(kPollInterval);
       }
-      if (Clock::now() > deadline) {
-        counts_.not_restored.push_back(outputOf(output) + " after restart " + std::to_string(counts_.restarts));
-        break;
-      }
-      std::this_thread::sleep_for(kPollInterval);
     }
-  }
+    State restarting = before;
+    restarting.colord_runs = false;
+    return std::vector<State>{restarting, before};
+  });
 }
 
 bool Disturber::hasItsProfile(std::size_t output) {
   std::string& device = devices_.at(output);
   if (device.empty()) {
     device = support::PrivateColord::fields(
-                 colord_.colormgr({"find-device-by-property", "XRANDR_name", outputOf(output)}), "Device ID")
+                 colord_.colormgr({"find-device-by-property", "XRANDR_name", outputName(output)}), "Device ID")
                  .at(0);
   }
-  const std::string file = colord_.defaultProfileFile(device);
-  const auto choices = world_->newestChoices(output);
-  return std::any_of(choices.begin(), choices.end(), [&](std::size_t choice) {
-    return file == world_->profiles.path(world_->plan.fileOf(output, choice));
-  });
+  return world_->newestProfiles(output).count(colord_.defaultProfileFile(device)) != 0;
 }
 
 }  // namespace soak

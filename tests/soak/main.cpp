@@ -1,37 +1,35 @@
-// The soak: all fifteen methods of the built plugin, a thousand calls a second, on a live desktop that does not stand
-// still. One process owns the servers, changes them, and judges; another, which it starts, has the plugin and calls it.
-#include <fcntl.h>
-#include <sys/stat.h>
+// The soak: all fifteen methods of the built plugin, a thousand calls a second, on a live desktop that keeps changing.
+#include <malloc.h>
 #include <unistd.h>
 
-#include <atomic>
+#include <algorithm>
 #include <cstdio>
 #include <deque>
 #include <filesystem>
 #include <fstream>
+#include <future>
 #include <iostream>
+#include <stdexcept>
 #include <thread>
 
-#include "soak/budget.h"
-#include "soak/caller.h"
 #include "soak/disturber.h"
-#include "soak/oracle.h"
-#include "support/process.h"
+#include "soak/judge.h"
 
 namespace soak {
 namespace {
 
-constexpr const char* kCallerOption = "--caller";
-
 constexpr const char* kUsage =
     "soak [--minutes N | --seconds N] [--rate CALLS] [--profiles N] [--any-rate]\n"
-    "Calls the plugin on a live desktop of its own that changes meanwhile, and judges every answer. 10 minutes, 1000 "
-    "calls "
-    "a second and\n10000 profiles unless something else is said. Fails when an answer is wrong, memory is beyond its "
-    "budget, or the rate is not reached\n(unless --any-rate).\n";
+    "Calls the plugin on a live desktop of its own that keeps changing, and checks every result. Defaults: 10 "
+    "minutes,\n"
+    "1000 calls a second, 10000 profiles. Fails on a wrong result, memory or descriptors beyond the budget, or "
+    "(without\n"
+    "--any-rate) a lower rate.\n";
 
 struct Options {
-  Plan plan;
+  double seconds = 600;
+  double rate = 1000;  ///< calls a second
+  std::size_t profiles = 10000;
   bool any_rate = false;
 };
 
@@ -47,13 +45,13 @@ Options parseOptions(const std::vector<std::string>& words) {
     }
     const double value = std::stod(words[i + 1]);
     if (words[i] == "--minutes") {
-      options.plan.seconds = 60 * value;
+      options.seconds = 60 * value;
     } else if (words[i] == "--seconds") {
-      options.plan.seconds = value;
+      options.seconds = value;
     } else if (words[i] == "--rate") {
-      options.plan.rate = value;
+      options.rate = value;
     } else if (words[i] == "--profiles") {
-      options.plan.profiles = static_cast<std::size_t>(value);
+      options.profiles = static_cast<std::size_t>(value);
     } else {
       throw std::runtime_error(kUsage);
     }
@@ -62,205 +60,158 @@ Options parseOptions(const std::vector<std::string>& words) {
   return options;
 }
 
-/// Reads what the caller tells, and has every call judged as soon as enough is known.
-class Listener {
- public:
-  explicit Listener(World& world) : world_(world), oracle_(world) {}
+// --- the process's resources
 
-  void listen(const std::string& pipe) {
-    std::ifstream lines(pipe);
-    for (std::string line; std::getline(lines, line);) {
-      take(line);
-      while (!waiting_.empty() && oracle_.canJudge(waiting_.front())) {
-        judgeFirst();
-      }
-    }
-    has_ended = true;
-  }
+constexpr double kMiB = 1024.0 * 1024.0;
+/// Caches and lists of ten thousand profiles are larger at one moment than at another.
+constexpr double kAllocatedTolerance = 8;  // MiB
+/// Memory that was freed and not returned to the system, of every thread that there was.
+constexpr double kResidentTolerance = 48;  // MiB
+constexpr std::size_t kDescriptorTolerance = 8;
 
-  /// What was left when the world had stopped changing.
-  void judgeRest() {
-    while (!waiting_.empty()) {
-      judgeFirst();
-    }
-  }
-
-  const Oracle& oracle() const { return oracle_; }
-  Budget& budget() { return budget_; }
-
-  std::atomic<bool> is_ready = false;
-  std::atomic<bool> has_ended = false;
-  bool is_done = false;
-  Time began;
-  Time ended;
-
- private:
-  void take(const std::string& line) {
-    if (auto call = parseCall(line)) {
-      if (call->method == Method::kSetProfile) {
-        world_.noteAssignment(*call);
-      }
-      if (is_ready) {
-        budget_.count(call->method);
-      }
-      waiting_.push_back(*std::move(call));
-    } else if (const auto memory = parseMemory(line)) {
-      budget_.measured(*memory);
-    } else if (line == kReady) {
-      began = Clock::now();
-      is_ready = true;
-    } else if (line == kDone) {
-      ended = Clock::now();
-      is_done = true;
-    }
-  }
-
-  void judgeFirst() {
-    oracle_.judge(waiting_.front());
-    waiting_.pop_front();
-  }
-
-  World& world_;
-  Oracle oracle_;
-  Budget budget_;
-  std::deque<Call> waiting_;
+struct Resources {
+  double resident = 0;   ///< MiB
+  double allocated = 0;  ///< MiB that malloc has given out, of all arenas
+  std::size_t descriptors = 0;
 };
 
-/// The process that calls, and the thread that listens to it, while this lives.
-class CallingProcess {
- public:
-  CallingProcess(const std::vector<std::string>& command, const support::Environment& environment,
-                 const std::string& log, std::string pipe, Listener& listener)
-      : pipe_(std::move(pipe)),
-        process_(command, environment, log),
-        thread_([&listener, this] { listener.listen(pipe_); }) {}
-  ~CallingProcess() {
-    process_.stop();
-    // For a listener that still waits for a process that never came to open the pipe.
-    close(open(pipe_.c_str(), O_WRONLY | O_NONBLOCK | O_CLOEXEC));
-    thread_.join();
-  }
-  CallingProcess(const CallingProcess&) = delete;
-  CallingProcess& operator=(const CallingProcess&) = delete;
-
- private:
-  const std::string pipe_;
-  support::ChildProcess process_;
-  std::thread thread_;
-};
-
-/// Until the caller has ended.
-void disturb(Disturber& disturber, const Listener& listener, const Plan& plan) {
-  constexpr auto kPause = std::chrono::milliseconds(750);
-  constexpr double kRestartEvery = 20;  // seconds, or a third of a shorter soak
-  const auto restart_interval = std::chrono::duration_cast<Clock::duration>(
-      std::chrono::duration<double>(std::min(kRestartEvery, plan.seconds / 3)));
-  Time restart_due = Clock::now() + restart_interval;
-  for (std::size_t step = 0; !listener.has_ended; ++step) {
-    std::this_thread::sleep_for(kPause);
-    if (!listener.is_ready || listener.has_ended) {
-      restart_due = Clock::now() + restart_interval;
-      continue;
-    }
-    switch (step % 4) {
-      case 0:
-      case 2:
-        disturber.changeOutput();
-        break;
-      case 1:
-        disturber.changeMonitor();
-        break;
-      default:
-        disturber.changeFiles();
-        break;
-    }
-    if (Clock::now() >= restart_due) {
-      disturber.restartColord([&] { return listener.has_ended.load(); });
-      restart_due = Clock::now() + restart_interval;
-    }
-  }
+Resources measure() {
+  std::size_t pages = 0;
+  std::ifstream("/proc/self/statm") >> pages >> pages;
+  const struct mallinfo2 info = mallinfo2();
+  const std::filesystem::directory_iterator descriptors("/proc/self/fd");
+  return {static_cast<double>(pages) * static_cast<double>(sysconf(_SC_PAGESIZE)) / kMiB,
+          static_cast<double>(info.uordblks + info.hblkhd) / kMiB,
+          static_cast<std::size_t>(std::distance(begin(descriptors), end(descriptors)))};
 }
 
-void printMethods(const Oracle& oracle) {
+/// Prints the gain since `before` and the budget, given the bytes that the calls keep on purpose; true when it is kept.
+bool reportResources(const Resources& before, const Resources& after, std::size_t kept_bytes) {
+  const double kept = static_cast<double>(kept_bytes) / kMiB;
+  std::printf("allocated: %.1f MiB before, %.1f after; limit %.1f, of which %.1f kept on purpose\n", before.allocated,
+              after.allocated, before.allocated + kept + kAllocatedTolerance, kept);
+  std::printf("resident: %.1f MiB before, %.1f after; limit %.1f\n", before.resident, after.resident,
+              before.resident + kept + kResidentTolerance);
+  std::printf("descriptors: %zu before, %zu after; limit %zu\n", before.descriptors, after.descriptors,
+              before.descriptors + kDescriptorTolerance);
+  const bool few_descriptors = after.descriptors <= before.descriptors + kDescriptorTolerance;
+#ifdef OSTREVIN_SANITIZED
+  std::printf("memory is not checked: a sanitizer manages it\n");
+  return few_descriptors;
+#else
+  return few_descriptors && after.allocated <= before.allocated + kept + kAllocatedTolerance &&
+         after.resident <= before.resident + kept + kResidentTolerance;
+#endif
+}
+
+// --- the run
+
+/// Passes calls to the judge as soon as every state that they may have seen is known.
+class Queue {
+ public:
+  explicit Queue(World& world) : world_(world), judge_(world) {}
+
+  void add(Call call) {
+    calls_.push_back(std::move(call));
+    while (!calls_.empty() && world_.timeline.isKnownUntil(calls_.front().end)) {
+      judge_.judge(calls_.front());
+      calls_.pop_front();
+    }
+  }
+  /// For the calls that are left when no more changes come.
+  const Judge& finish() {
+    for (const Call& call : std::exchange(calls_, {})) {
+      judge_.judge(call);
+    }
+    return judge_;
+  }
+
+ private:
+  World& world_;
+  Judge judge_;
+  std::deque<Call> calls_;
+};
+
+struct SetAtEnd {
+  std::atomic<bool>& flag;
+  ~SetAtEnd() { flag = true; }
+};
+
+void printMethods(const Judge& judge) {
   std::printf("%-32s %9s %6s %14s\n", "Method", "calls", "wrong", "slowest, ms");
-  for (std::size_t i = 0; i < kMethods; ++i) {
-    const auto method = static_cast<Method>(i);
-    const Tally& tally = oracle.tally(method);
-    std::printf("%-32s %9zu %6zu %14.3f\n", nameOf(method), tally.calls, tally.wrong,
+  for (std::size_t i = 0; i < kMethodCount; ++i) {
+    const Tally& tally = judge.tallies().at(i);
+    std::printf("%-32s %9zu %6zu %14.3f\n", kMethods[i].name, tally.calls, tally.wrong,
                 std::chrono::duration<double, std::milli>(tally.slowest).count());
   }
 }
 
-/// True when all is well.
-bool report(const Options& options, Listener& listener, const Disturber::Counts& counts) {
-  const Oracle& oracle = listener.oracle();
-  const double seconds = std::chrono::duration<double>(listener.ended - listener.began).count();
-  const double rate = listener.is_done ? static_cast<double>(listener.budget().calls()) / seconds : 0;
-  printMethods(oracle);
-  std::printf("%zu displays at most, %zu at least; %zu profiles\n", counts.most, counts.fewest, options.plan.profiles);
-  std::printf(
-      "changed meanwhile: outputs %zu times, defined monitors %zu times, files %zu times; colord restarted %zu times\n",
-      counts.outputs, counts.monitors, counts.files, counts.restarts);
-  std::printf("%zu calls, %zu of them in %.1f seconds after the preparation: %.0f a second\n", oracle.calls(),
-              listener.budget().calls(), seconds, rate);
-  std::printf(
-      "%zu calls had one right answer, %zu were made while something changed; %zu gave up at their time limit although "
-      "colord ran\n",
-      oracle.calls() - oracle.duringChanges(), oracle.duringChanges(), oracle.gaveUp());
-  const bool within_budget = listener.budget().report();
-  std::printf("wrong answers: %zu\n", oracle.wrong());
-  for (const std::string& complaint : oracle.complaints()) {
+void printChanges(const Disturber::Counts& counts, const Judge& judge) {
+  std::printf("%zu displays at most, %zu at least\n", counts.most, counts.fewest);
+  std::printf("changes: %zu of outputs, %zu of defined monitors, %zu of files, %zu restarts of colord\n",
+              counts.outputs, counts.monitors, counts.files, counts.restarts);
+  std::printf("%zu calls were made during a change; %zu timed out although colord ran\n", judge.duringChanges(),
+              judge.timedOut());
+  std::printf("wrong results: %zu\n", judge.wrong());
+  for (const std::string& complaint : judge.complaints()) {
     std::printf("  %s\n", complaint.c_str());
   }
   for (const std::string& output : counts.not_restored) {
     std::printf("  not restored: %s\n", output.c_str());
   }
-  const bool fast_enough = options.any_rate || rate >= 0.99 * options.plan.rate;
-  if (!listener.is_done) {
-    std::printf("the calling process did not come to its end\n");
-  }
-  return listener.is_done && oracle.wrong() == 0 && counts.not_restored.empty() && within_budget && fast_enough;
 }
 
-int soak(const std::string& program, Options options) {
-  std::setvbuf(stdout, nullptr, _IOLBF, 0);
-  Disturber disturber(options.plan);
-  const Plan& plan = disturber.world().plan;
-  if (mkfifo(plan.pipe.c_str(), 0600) != 0) {
-    throw std::runtime_error("no pipe");
+/// True when every result is right, resources are within the budget and the rate is reached.
+bool soak(const Options& options) {
+  constexpr double kRestartEvery = 20;  // seconds, or a third of a shorter soak
+  using Seconds = std::chrono::duration<double>;
+  const auto duration = [](double seconds) { return std::chrono::duration_cast<Clock::duration>(Seconds(seconds)); };
+  Disturber disturber(options.profiles);
+  Caller caller(disturber.world());
+  Queue queue(disturber.world());
+  for (Call& call : caller.prepare()) {
+    queue.add(std::move(call));
   }
-  std::vector<std::string> command = wordsOf(plan);
-  command.insert(command.begin(), {program, kCallerOption});
-  auto environment = disturber.server().environment();
-  environment.push_back("OSTREVIN_DESKTOP=");
-  const std::string log = plan.pipe + ".log";
-  Listener listener(disturber.world());
+
+  const Resources before = measure();
+  const Time start = Clock::now();
+  const auto calls = static_cast<std::size_t>(options.seconds * options.rate);
+  std::size_t kept = 0;
+  std::atomic<bool> over = false;
+  auto changes = std::async(std::launch::async,
+                            [&] { disturber.run(duration(std::min(kRestartEvery, options.seconds / 3)), over); });
   {
-    CallingProcess caller(command, environment, log, plan.pipe, listener);
-    disturb(disturber, listener, plan);
-  }
-  listener.judgeRest();
-  std::cout << std::ifstream(log).rdbuf();
-  std::cout.clear();  // an empty log
-  return report(options, listener, disturber.counts()) ? EXIT_SUCCESS : EXIT_FAILURE;
-}
-
-int main(std::vector<std::string> words) {
-  const std::string program = "/proc/self/exe";
-  try {
-    if (!words.empty() && words.front() == kCallerOption) {
-      words.erase(words.begin());
-      Caller(planOf(words)).run();
-      return EXIT_SUCCESS;
+    const SetAtEnd end{over};
+    for (std::size_t i = 0; i < calls; ++i) {
+      // A slow call is made up for at full speed.
+      std::this_thread::sleep_until(start + duration(static_cast<double>(i) / options.rate));
+      Call call = caller.makeCall();
+      kept += call.facts().kept;
+      queue.add(std::move(call));
     }
-    return soak(std::filesystem::read_symlink(program), parseOptions(words));
-  } catch (const std::exception& error) {
-    std::cerr << "soak: " << error.what() << std::endl;
-    return EXIT_FAILURE;
   }
+  const double seconds = Seconds(Clock::now() - start).count();
+  changes.get();
+  const Judge& judge = queue.finish();
+  caller.checkHost();
+
+  printMethods(judge);
+  printChanges(disturber.counts(), judge);
+  const double rate = static_cast<double>(calls) / seconds;
+  std::printf("%zu calls in %.1f seconds: %.0f a second, with %zu profiles\n", calls, seconds, rate, options.profiles);
+  const bool within_budget = reportResources(before, measure(), kept);
+  return judge.wrong() == 0 && disturber.counts().not_restored.empty() && within_budget &&
+         (options.any_rate || rate >= 0.99 * options.rate);
 }
 
 }  // namespace
 }  // namespace soak
 
-int main(int count, char** texts) { return soak::main({texts + 1, texts + count}); }
+int main(int count, char** words) {
+  try {
+    return soak::soak(soak::parseOptions({words + 1, words + count})) ? EXIT_SUCCESS : EXIT_FAILURE;
+  } catch (const std::exception& error) {
+    std::cerr << "soak: " << error.what() << std::endl;
+    return EXIT_FAILURE;
+  }
+}

@@ -18,7 +18,7 @@ constexpr std::size_t kDocumentEvery = 10;
 constexpr std::size_t kStride = 7919;  // a prime, so that the names are all different
 constexpr const char* kExtraName = "An extra profile";
 
-/// Where the computer's own profiles are, whatever the environment says.
+/// Where the computer's own profiles are, in any environment.
 constexpr const char* kSystemFolders[] = {"/usr/share/color/icc", "/usr/local/share/color/icc", "/var/lib/color/icc",
                                           "/var/lib/colord/icc"};
 
@@ -28,14 +28,12 @@ std::string digits(std::size_t number) {
 }
 
 void writeFile(const std::string& path, const std::string& bytes) {
-  std::ofstream file(path, std::ios::binary);
-  file << bytes;
-  if (!file.flush()) {
+  if (!(std::ofstream(path, std::ios::binary) << bytes).flush()) {
     throw std::runtime_error("cannot write " + path);
   }
 }
 
-/// Whether the file says of itself that it is a profile of a display.
+/// Reads the profile class and signature in the header.
 bool isDisplayProfile(const fs::path& path) {
   std::array<char, 40> header{};
   std::ifstream file(path, std::ios::binary);
@@ -50,6 +48,34 @@ bool isNamedLikeAProfile(const fs::path& path) {
   return extension == ".icc" || extension == ".icm";
 }
 
+/// The computer's own profiles, each once, by a link only when its file is in no folder.
+std::vector<Listed> systemProfiles() {
+  std::vector<Listed> list;
+  std::vector<fs::path> links;
+  std::set<fs::path> seen;
+  for (const char* const folder : kSystemFolders) {
+    std::error_code none;
+    for (const auto& entry : fs::recursive_directory_iterator(folder, none)) {
+      if (!entry.is_regular_file() || !isNamedLikeAProfile(entry.path()) || !isDisplayProfile(entry.path())) {
+        continue;
+      }
+      if (entry.is_symlink()) {
+        links.push_back(entry.path());
+      } else if (seen.insert(fs::canonical(entry.path())).second) {
+        list.push_back({{}, entry.path()});
+      }
+    }
+  }
+  for (const fs::path& link : links) {
+    if (seen.insert(fs::canonical(link)).second) {
+      list.push_back({{}, link});
+    }
+  }
+  return list;
+}
+
+std::string hashOf(const std::string& text) { return std::to_string(std::hash<std::string>()(text)); }
+
 }  // namespace
 
 std::string Profiles::path(std::size_t file) const { return folder_ + "/p" + digits(file) + ".icc"; }
@@ -59,8 +85,6 @@ std::string Profiles::name(std::size_t file) const { return "Profile " + digits(
 std::string Profiles::document(std::size_t file) const {
   return file % kDocumentEvery == 0 ? "<document number=\"" + std::to_string(file) + "\"/>" : std::string();
 }
-
-std::string Profiles::extraPath() const { return folder_ + "/zzz.icc"; }
 
 void Profiles::writeAll() const {
   fs::create_directories(folder_);
@@ -95,68 +119,41 @@ std::vector<Listed> Profiles::own(bool with_extra) const {
   return list;
 }
 
-std::vector<Listed> Profiles::others() const {
-  std::vector<Listed> list;
-  std::vector<fs::path> links;
-  std::set<fs::path> seen;
-  for (const char* const folder : kSystemFolders) {
-    std::error_code none;
-    for (const auto& entry : fs::recursive_directory_iterator(folder, none)) {
-      if (!entry.is_regular_file() || !isNamedLikeAProfile(entry.path()) || !isDisplayProfile(entry.path())) {
-        continue;
-      }
-      if (entry.is_symlink()) {
-        links.push_back(entry.path());
-      } else if (seen.insert(fs::canonical(entry.path())).second) {
-        list.push_back({{}, entry.path()});
-      }
-    }
-  }
-  for (const fs::path& link : links) {
-    if (seen.insert(fs::canonical(link)).second) {
-      list.push_back({{}, link});
-    }
-  }
-  return list;
-}
-
-ListDigest Profiles::digestOf(const std::vector<Listed>& list) const {
-  ListDigest digest;
-  Digest own;
+std::string Profiles::digestOf(const std::vector<Listed>& list) const {
+  std::size_t own_count = 0;
+  std::string own;
   std::set<std::string> others;
   for (const auto& [name, path] : list) {
     if (path.starts_with(folder_ + "/")) {
-      ++digest.own;
-      own.add(name);
-      own.add(path);
+      ++own_count;
+      own += name + "\n" + path + "\n";
     } else {
-      ++digest.others;
       others.insert(path);
     }
   }
-  Digest other;
+  std::string other;
   for (const std::string& path : others) {
-    other.add(path);
+    other += path + "\n";
   }
-  digest.text = own.text() + ":" + other.text();
-  return digest;
+  return std::to_string(own_count) + " of " + std::to_string(list.size()) + " profiles are the soak's, hashes " +
+         hashOf(own) + " and " + hashOf(other);
 }
 
-ListDigest Profiles::expectedEvents(bool with_extra) const {
+std::string Profiles::expectedEvents(bool with_extra) const {
   std::vector<Listed> list = own(with_extra);  // in the order of the paths
-  const std::vector<Listed> more = others();
+  const std::vector<Listed> more = systemProfiles();
   list.insert(list.end(), more.begin(), more.end());
   return digestOf(list);
 }
 
-ListDigest Profiles::expectedArray(bool with_extra) const {
+std::string Profiles::expectedArray(bool with_extra) const {
   std::vector<Listed> list = own(with_extra);
   std::sort(list.begin(), list.end(), [](const Listed& a, const Listed& b) { return a.name < b.name; });
+  const std::vector<Listed> more = systemProfiles();
+  list.insert(list.end(), more.begin(), more.end());
   for (Listed& listed : list) {
     listed.name.clear();
   }
-  const std::vector<Listed> more = others();
-  list.insert(list.end(), more.begin(), more.end());
   return digestOf(list);
 }
 

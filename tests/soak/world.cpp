@@ -3,41 +3,68 @@
 #include <algorithm>
 
 namespace soak {
-namespace {
 
-/// How long after the X server, or colord, did what it was told another process may still answer as before: the news
-/// travel to it on another connection.
-constexpr auto kNewsFromServer = std::chrono::milliseconds(500);
-constexpr auto kNewsFromColord = std::chrono::seconds(1);
-
-}  // namespace
-
-const Shown* find(const Arrangement& arrangement, std::uint32_t number) {
+const Shown* State::find(std::uint32_t number) const {
   const auto found =
-      std::find_if(arrangement.begin(), arrangement.end(), [&](const Shown& shown) { return shown.number == number; });
-  return found == arrangement.end() ? nullptr : &*found;
+      std::find_if(displays.begin(), displays.end(), [&](const Shown& shown) { return shown.number == number; });
+  return found == displays.end() ? nullptr : &*found;
 }
 
-World::World(Plan the_plan, Arrangement first)
-    : plan(std::move(the_plan)),
-      profiles(plan.folder, plan.profiles),
-      arrangement(std::move(first), kNewsFromServer),
-      extra_profile(false, Clock::duration::zero()),
-      colord_runs(true, kNewsFromColord) {}
-
-std::string World::outputName(std::size_t output) { return "Output " + std::to_string(output); }
-
-void World::noteAssignment(const Call& call) {
-  const auto output = static_cast<std::size_t>(call.arguments[0]);
-  const auto choice = static_cast<std::size_t>(call.arguments[1]);
+void Timeline::change(Clock::duration late, const std::function<std::vector<State>(const State& before)>& command) {
+  {
+    const std::lock_guard lock(mutex_);
+    change_began_ = Clock::now();
+  }
+  const std::vector<State> states = command(last());
   const std::lock_guard lock(mutex_);
-  if (call.numbers[0] != 0) {
+  const Time over = Clock::now() + late;
+  entries_.back().until = over;
+  for (const State& state : states) {
+    entries_.push_back({state, change_began_, over});
+  }
+  entries_.back().until = Time::max();
+  change_began_ = Time::max();
+}
+
+bool Timeline::isKnownUntil(Time end) const {
+  const std::lock_guard lock(mutex_);
+  return end < change_began_;
+}
+
+std::vector<const State*> Timeline::during(Time begin, Time end) const {
+  const std::lock_guard lock(mutex_);
+  std::vector<const State*> states;
+  for (const Entry& entry : entries_) {
+    if (entry.from <= end && begin <= entry.until) {
+      states.push_back(&entry.state);
+    }
+  }
+  return states;
+}
+
+State Timeline::last() const {
+  const std::lock_guard lock(mutex_);
+  return entries_.back().state;
+}
+
+void Timeline::forgetBefore(Time begin) {
+  const std::lock_guard lock(mutex_);
+  entries_.remove_if([&](const Entry& entry) { return entry.until < begin; });
+}
+
+std::string World::choicePath(std::size_t output, std::size_t choice) const {
+  return profiles.path((output * kFilesPerOutput + choice) % profiles.count());
+}
+
+void World::noteAssignment(std::size_t output, std::size_t choice, bool succeeded) {
+  const std::lock_guard lock(mutex_);
+  if (succeeded) {
     newest_.at(output).clear();
   }
-  newest_.at(output).insert(choice);
+  newest_.at(output).insert(choicePath(output, choice));
 }
 
-std::set<std::size_t> World::newestChoices(std::size_t output) const {
+std::set<std::string> World::newestProfiles(std::size_t output) const {
   const std::lock_guard lock(mutex_);
   return newest_.at(output);
 }
