@@ -11,7 +11,7 @@
 
 #include "desktop/current.h"
 
-namespace live_tests {
+namespace live {
 
 using platform::desktop::Arrangement;
 using platform::desktop::Desktop;
@@ -80,4 +80,4 @@ std::shared_ptr<const Arrangement> waitForDisplays(Desktop& desktop) {
   return arrangement;
 }
 
-}  // namespace live_tests
+}  // namespace live

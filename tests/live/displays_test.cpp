@@ -11,8 +11,8 @@
 
 namespace {
 
-using live_tests::expectAgreement;
-using live_tests::liveDesktopOf;
+using live::expectAgreement;
+using live::liveDesktopOf;
 using platform::desktop::Rect;
 using platform::desktop::X11Displays;
 using support::NestedServer;
@@ -29,7 +29,7 @@ class LiveDisplays : public testing::Test {
   std::shared_ptr<platform::desktop::Desktop> desktop = liveDesktopOf(server);
 };
 
-TEST_F(LiveDisplays, AgreeWithXrandrOnThreeOutputsOfDifferentSizesAndOrigins) {
+TEST_F(LiveDisplays, AgreeWithXrandrOnThreeOutputs) {
   placeThree();
   const auto arrangement = desktop->arrangement();
   ASSERT_EQ(arrangement->displays.size(), 3u);
@@ -48,7 +48,7 @@ TEST_F(LiveDisplays, FollowAnOutputThatMoves) {
   EXPECT_EQ(before->displays[1].bounds, (Rect{1920, 56, 1280, 1024})) << "what was answered before stays as it was";
 }
 
-TEST_F(LiveDisplays, FollowAnOutputThatIsSwitchedOffAndOnAgain) {
+TEST_F(LiveDisplays, FollowAnOutputThatGoesOffAndOn) {
   placeThree();
   const auto before = desktop->arrangement();
   server.off("DUMMY1");
@@ -100,7 +100,7 @@ TEST_F(LiveDisplays, BeginWithTheServersFirstWhenNoneIsPrimary) {
   EXPECT_EQ(arrangement->displays[0].connector, "DUMMY0");
 }
 
-TEST_F(LiveDisplays, StayTheSameOnesOfASecondProcessOrDesktop) {
+TEST_F(LiveDisplays, AreTheSameInASecondDesktop) {
   placeThree();
   const auto first = desktop->arrangement();
   const auto second = liveDesktopOf(server)->arrangement();
@@ -122,7 +122,7 @@ TEST_F(LiveDisplays, CanBeSixteen) {
   expectAgreement(server, *arrangement);
 }
 
-TEST_F(LiveDisplays, CanBeSixtyFourMonitorsThatTheUserDefined) {
+TEST_F(LiveDisplays, CanBeSixtyFourUserDefinedMonitors) {
   server.setMode("DUMMY0", 3200, 1800, 0, 0);
   desktop->arrangement();
   for (int i = 0; i < 64; ++i) {
@@ -134,7 +134,7 @@ TEST_F(LiveDisplays, CanBeSixtyFourMonitorsThatTheUserDefined) {
   expectAgreement(server, *arrangement);
 }
 
-TEST_F(LiveDisplays, FollowAMonitorThatTheUserDefinesAndRemoves) {
+TEST_F(LiveDisplays, FollowAUserDefinedMonitor) {
   server.setMode("DUMMY0", 1600, 1200, 0, 0);
   const auto before = desktop->arrangement();
   server.setMonitor("left", "800/200x1200/300+0+0", "DUMMY0");
@@ -150,7 +150,7 @@ TEST_F(LiveDisplays, FollowAMonitorThatTheUserDefinesAndRemoves) {
   EXPECT_EQ(after->displays[0].number, before->displays[0].number);
 }
 
-TEST_F(LiveDisplays, CostNoRoundTripWhileNothingChanges) {
+TEST_F(LiveDisplays, NeedNoRoundTripWhileNothingChanges) {
   placeThree();
   const auto first = desktop->arrangement();
   const auto before = platform::desktop::x11RoundTrips();
@@ -164,7 +164,7 @@ TEST_F(LiveDisplays, CostNoRoundTripWhileNothingChanges) {
   EXPECT_GT(platform::desktop::x11RoundTrips(), before);
 }
 
-TEST_F(LiveDisplays, CostNoRoundTripForChangesOfOtherThings) {
+TEST_F(LiveDisplays, NeedNoRoundTripForUnrelatedChanges) {
   placeThree();
   const auto first = desktop->arrangement();
   const auto before = platform::desktop::x11RoundTrips();

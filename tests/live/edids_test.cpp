@@ -11,7 +11,7 @@
 
 namespace {
 
-using live_tests::liveDesktopOf;
+using live::liveDesktopOf;
 using platform::desktop::Arrangement;
 using support::decodedName;
 using support::EdidBytes;
@@ -61,7 +61,7 @@ TEST_F(LiveEdids, GiveNumbersAndNames) {
   EXPECT_EQ(arrangement->services[1].product_names, (Names{{"en_US", decodedName(second)}}));
 }
 
-TEST_F(LiveEdids, OfAnOutputThatIsReplacedIsSeenByTheNextCall) {
+TEST_F(LiveEdids, FollowAReplacedMonitor) {
   server.setEdid("DUMMY0", makeEdid({.name = "Old Monitor"}));
   const auto before = desktop->arrangement();
   server.setEdid("DUMMY0", makeEdid({.name = "New Monitor"}));
@@ -73,7 +73,7 @@ TEST_F(LiveEdids, OfAnOutputThatIsReplacedIsSeenByTheNextCall) {
   expectNoEdid(*desktop->arrangement());
 }
 
-TEST_F(LiveEdids, ServicesAreInTheServersOrderWhicheverDisplayIsMain) {
+TEST_F(LiveEdids, GiveServicesInTheServersOrder) {
   placeTwo();
   server.setEdid("DUMMY0", makeEdid({.name = "First"}));
   server.setEdid("DUMMY1", makeEdid({.name = "Second"}));
@@ -88,7 +88,7 @@ TEST_F(LiveEdids, ServicesAreInTheServersOrderWhicheverDisplayIsMain) {
   }
 }
 
-TEST_F(LiveEdids, OfTwoEqualMonitorsGiveTwoIdentitiesThatLast) {
+TEST_F(LiveEdids, OfEqualMonitorsGiveDifferentLastingUuids) {
   placeTwo();
   server.setEdid("DUMMY0", makeEdid());
   server.setEdid("DUMMY1", makeEdid());
@@ -121,13 +121,13 @@ TEST_F(LiveEdids, WithoutASerialGiveAServiceWithoutOne) {
   EXPECT_EQ(arrangement->displays.at(0).serial, 0u);
 }
 
-TEST_F(LiveEdids, ThatAreMissingOrEmptyAreNone) {
+TEST_F(LiveEdids, AreIgnoredWhenMissingOrEmpty) {
   expectNoEdid(*desktop->arrangement());
   server.setEdid("DUMMY0", {});
   expectNoEdid(*desktop->arrangement());
 }
 
-TEST_F(LiveEdids, ThatAreTruncatedAreNone) {
+TEST_F(LiveEdids, AreIgnoredWhenTruncated) {
   const EdidBytes whole = makeEdid();
   for (const std::size_t size : {1u, 7u, 8u, 9u, 17u, 54u, 90u, 126u, 127u}) {
     SCOPED_TRACE(size);
@@ -136,7 +136,7 @@ TEST_F(LiveEdids, ThatAreTruncatedAreNone) {
   }
 }
 
-TEST_F(LiveEdids, WithAFlippedBitAreNone) {
+TEST_F(LiveEdids, AreIgnoredWithAFlippedBit) {
   std::minstd_rand random(7);
   for (int i = 0; i < 64; ++i) {
     EdidBytes edid = makeEdid();
@@ -148,7 +148,7 @@ TEST_F(LiveEdids, WithAFlippedBitAreNone) {
   }
 }
 
-TEST_F(LiveEdids, ThatAreHugeCountByTheirBaseBlock) {
+TEST_F(LiveEdids, AreReadFromTheBaseBlockWhenHuge) {
   EdidBytes edid = makeEdid({.name = "Huge"});
   edid.resize(200000, 0xA5);
   server.setEdid("DUMMY0", edid);
@@ -161,7 +161,7 @@ TEST_F(LiveEdids, ThatAreHugeCountByTheirBaseBlock) {
   expectNoEdid(*desktop->arrangement());
 }
 
-TEST_F(LiveEdids, WithMoreExtensionsThanThereAreCount) {
+TEST_F(LiveEdids, AreReadWithMissingExtensions) {
   EdidBytes edid = makeEdid({.name = "Liar"});
   edid[126] = 200;
   support::fixChecksum(edid);

@@ -8,10 +8,10 @@
 #include "desktop/current.h"
 #include "support/fresh_plugin.h"
 
-namespace live_plugin {
+namespace live {
 namespace {
 
-/// What a plugin's load and first call find; so it comes before both.
+/// Sets the environment before the load, which reads it.
 devhost::Plugin loadOnDisplay(devhost::Host& host, const std::string& display) {
   unsetenv("OSTREVIN_DESKTOP");
   setenv("DISPLAY", display.c_str(), 1);
@@ -47,4 +47,4 @@ std::vector<std::uint32_t> activeDisplays() {
   return numbers;
 }
 
-}  // namespace live_plugin
+}  // namespace live

@@ -1,4 +1,4 @@
-// A host with a fresh plugin on the live desktop, and what xrandr says that the plugin must answer.
+// A host with a fresh plugin on the live desktop, and the results that xrandr predicts.
 #pragma once
 
 #include <cstdint>
@@ -8,12 +8,12 @@
 #include "devhost/entries/host.h"
 #include "support/xorg_server.h"
 
-namespace live_plugin {
+namespace live {
 
-/// While this lives, the desktop of the process is the live one, chosen anew.
+/// Makes a live desktop that of the process. The destructor removes it.
 class LiveSession {
  public:
-  /// `display` is what DISPLAY becomes.
+  /// `display`: the value of DISPLAY.
   explicit LiveSession(const std::string& display);
   ~LiveSession();
   LiveSession(const LiveSession&) = delete;
@@ -23,7 +23,7 @@ class LiveSession {
   devhost::Plugin plugin;
 };
 
-/// A display as a host program must see it: points, origin at the upper left of the main display.
+/// A display as a host program sees it: points, origin at the upper left of the main display.
 struct ExpectedDisplay {
   std::string output;
   std::uint32_t number = 0;  ///< the identifier that xrandr shows for the output
@@ -37,7 +37,7 @@ struct ExpectedDisplay {
 /// the origin, the others in xrandr's order.
 std::vector<ExpectedDisplay> expectedDisplays(support::XServer& server, double scale = 1);
 
-/// The active displays' numbers, asked for as a host program asks.
+/// The active displays' numbers from CoreGraphics.
 std::vector<std::uint32_t> activeDisplays();
 
-}  // namespace live_plugin
+}  // namespace live

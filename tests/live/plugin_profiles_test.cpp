@@ -1,4 +1,4 @@
-// Names and profiles as the built plugin answers them, against what edid-decode and colormgr say.
+// The built plugin's names and profiles, compared with edid-decode and colormgr.
 #include <gmock/gmock.h>
 
 #include <chrono>
@@ -11,7 +11,7 @@
 #include "support/edid_maker.h"
 #include "support/private_colord.h"
 
-namespace live_plugin {
+namespace live {
 namespace {
 
 using namespace std::chrono_literals;
@@ -24,7 +24,7 @@ using support::XorgServer;
 constexpr const char* kAdobe = "/usr/share/color/icc/colord/AdobeRGB1998.icc";
 constexpr const char* kApple = "/usr/share/color/icc/colord/AppleRGB.icc";
 
-/// How long the plugin waits for a profile, and what a computer that is busy with other tests may need on top.
+/// The plugin's time limit for a profile, and what a busy computer may need beyond it.
 constexpr auto kProfileLimit = 2s;
 constexpr auto kSlack = 2s;
 
@@ -39,8 +39,7 @@ bool comesTrue(const std::function<bool()>& condition) {
   return true;
 }
 
-/// Three monitors on a server, the second and the third of one model with one serial number. Whoever derives from this
-/// has made the system bus before.
+/// Three monitors on a server, the second and the third of one model with one serial number. Made after the system bus.
 class Monitors {
  public:
   Monitors() {
@@ -57,7 +56,7 @@ class Monitors {
   }
   std::uint32_t number(const std::string& output) { return server.output(output).id; }
 
-  /// GetProfilePath finds nothing, and takes its time but no more.
+  /// GetProfilePath finds nothing within its time limit.
   void expectNoProfile(const std::string& output) {
     const std::uint32_t display = number(output);
     const auto begin = std::chrono::steady_clock::now();
@@ -67,7 +66,7 @@ class Monitors {
     EXPECT_LE(took, kProfileLimit + kSlack);
   }
 
-  /// The tool, as a process of its own, lists the displays with their names and without profiles.
+  /// The tool, a separate process, lists the displays with their names and without profiles.
   void expectToolLists() {
     const auto result = support::run(
         {OSTREVIN_HOST, "--plugin", OSTREVIN_LIBRARY, "--desktop", "live", "--json", "list"}, server.environment());
@@ -96,14 +95,14 @@ class Monitors {
 
 class LiveProfiles : public testing::Test {
  protected:
-  /// The device's identifier at colord of the output's display, whoever registered it.
+  /// colord's identifier of the output's device.
   std::string device(const std::string& output) {
     return PrivateColord::fields(colord.colormgr({"find-device-by-property", "XRANDR_name", output}), "Device ID")
         .at(0);
   }
   std::string reported(const std::string& output) { return colord.defaultProfileFile(device(output)); }
 
-  /// What colormgr reports is the file, and the plugin reports what colormgr does.
+  /// Both colormgr and the plugin report the file.
   void expectProfile(const std::string& output, const std::string& file) {
     EXPECT_EQ(reported(output), file);
     EXPECT_EQ(monitors.profile(output), reported(output));
@@ -117,7 +116,7 @@ class LiveProfiles : public testing::Test {
   Monitors monitors;
 };
 
-TEST_F(LiveProfiles, NamesAreTheProductNamesThatEdidDecodePrints) {
+TEST_F(LiveProfiles, GetNameReturnsTheNameThatEdidDecodePrints) {
   ASSERT_NE(decodedName(monitors.kFirst), "");
   EXPECT_EQ(monitors.name("DUMMY0"), decodedName(monitors.kFirst));
   EXPECT_EQ(monitors.name("DUMMY1"), decodedName(monitors.kTwin));
@@ -127,7 +126,7 @@ TEST_F(LiveProfiles, NamesAreTheProductNamesThatEdidDecodePrints) {
   EXPECT_EQ(monitors.name("DUMMY1"), decodedName(long_name));
 }
 
-TEST_F(LiveProfiles, AProfilePathIsTheOneThatColormgrReports) {
+TEST_F(LiveProfiles, GetProfilePathReturnsTheDefaultThatColormgrReports) {
   colord.registerDevice("xrandr-first", {{"XRANDR_name", "DUMMY0"}, {"Model", "U2412M"}});
   colord.colormgr({"device-add-profile", "xrandr-first", profileId(kApple)});
   colord.colormgr({"device-add-profile", "xrandr-first", profileId(kAdobe)});
@@ -137,14 +136,14 @@ TEST_F(LiveProfiles, AProfilePathIsTheOneThatColormgrReports) {
   }
 }
 
-TEST_F(LiveProfiles, AnAssignedProfileIsReportedByColormgrAndThePlugin) {
+TEST_F(LiveProfiles, SetProfileMakesTheFileTheDefault) {
   ASSERT_TRUE(monitors.setProfile("DUMMY0", kAdobe));
   expectProfile("DUMMY0", kAdobe);
   ASSERT_TRUE(monitors.setProfile("DUMMY0", kApple));
   expectProfile("DUMMY0", kApple);
 }
 
-TEST_F(LiveProfiles, AnAssignmentToADeviceThatADaemonRegisteredReplacesItsDefault) {
+TEST_F(LiveProfiles, SetProfileReplacesTheDefaultOfARegisteredDevice) {
   colord.registerDevice("xrandr-first", {{"XRANDR_name", "DUMMY0"}, {"Model", "U2412M"}});
   colord.colormgr({"device-add-profile", "xrandr-first", profileId(kApple)});
   expectProfile("DUMMY0", kApple);
@@ -153,7 +152,7 @@ TEST_F(LiveProfiles, AnAssignmentToADeviceThatADaemonRegisteredReplacesItsDefaul
   expectProfile("DUMMY0", kAdobe);
 }
 
-TEST_F(LiveProfiles, AnAssignedFileMayLieAnywhereAndLastsAcrossARestartOfColord) {
+TEST_F(LiveProfiles, SetProfileOfAFileAnywhereOutlastsARestartOfColord) {
   const std::string file = colord.copyOfProfile("AppleRGB.icc", "Größe 27″ #1?.icc");
   ASSERT_TRUE(monitors.setProfile("DUMMY0", file));
   expectProfile("DUMMY0", file);
@@ -162,14 +161,36 @@ TEST_F(LiveProfiles, AnAssignedFileMayLieAnywhereAndLastsAcrossARestartOfColord)
   expectProfile("DUMMY0", file);
 }
 
-TEST_F(LiveProfiles, AnAssignmentThatIsRefusedChangesNothing) {
+// Each call is a process of its own.
+TEST_F(LiveProfiles, SetProfileOutlastsItsProcessAndARestartOfColord) {
+  const auto call = [&](const std::string& method, const std::string& output,
+                        const std::vector<std::string>& file = {}) {
+    std::vector<std::string> command{OSTREVIN_HOST, "call", method, std::to_string(monitors.number(output))};
+    command.insert(command.end(), file.begin(), file.end());
+    return support::run(command, monitors.server.environment()).output;
+  };
+  ASSERT_EQ(call("SetProfile", "DUMMY1", {kAdobe}), "result: True\n");
+  ASSERT_EQ(call("SetProfile", "DUMMY2", {kApple}), "result: True\n");
+  for (const bool restart : {false, true}) {
+    if (restart) {
+      colord.restart();
+    }
+    EXPECT_EQ(call("GetProfilePath", "DUMMY1"), std::string("path: ") + kAdobe + "\n");
+    EXPECT_EQ(call("GetProfilePath", "DUMMY2"), std::string("path: ") + kApple + "\n");
+    EXPECT_EQ(reported("DUMMY1"), kAdobe);
+    EXPECT_EQ(reported("DUMMY2"), kApple);
+  }
+}
+
+TEST_F(LiveProfiles, SetProfileRefusesOtherFilesAndChangesNothing) {
   ASSERT_TRUE(monitors.setProfile("DUMMY0", kAdobe));
   EXPECT_FALSE(monitors.setProfile("DUMMY0", colord.directory() / "no such file.icc"));
   EXPECT_FALSE(monitors.setProfile("DUMMY0", OSTREVIN_LIBRARY));
+  EXPECT_FALSE(monitors.setProfile("DUMMY0", "/usr/share/color/icc/colord/Crayons.icc"));  // a profile of named colours
   expectProfile("DUMMY0", kAdobe);
 }
 
-TEST_F(LiveProfiles, IdenticalMonitorsGetAndKeepDifferentProfiles) {
+TEST_F(LiveProfiles, SetProfileKeepsIdenticalMonitorsApart) {
   ASSERT_TRUE(monitors.setProfile("DUMMY1", kAdobe));
   ASSERT_TRUE(monitors.setProfile("DUMMY2", kApple));
   expectProfile("DUMMY1", kAdobe);
@@ -184,12 +205,12 @@ TEST_F(LiveProfiles, IdenticalMonitorsGetAndKeepDifferentProfiles) {
   expectProfile("DUMMY2", kApple);
 }
 
-TEST_F(LiveProfiles, ADisplayWithoutADeviceHasNone) {
+TEST_F(LiveProfiles, GetProfilePathFindsNoneWithoutADevice) {
   ASSERT_TRUE(monitors.setProfile("DUMMY1", kAdobe));
   monitors.expectNoProfile("DUMMY2");
 }
 
-TEST_F(LiveProfiles, WithoutAColordThereAreNoneAndTheToolStillRuns) {
+TEST_F(LiveProfiles, GetProfilePathFindsNoneWithoutColord) {
   ASSERT_TRUE(monitors.setProfile("DUMMY0", kAdobe));
   colord.stop();
   monitors.expectNoProfile("DUMMY0");
@@ -199,7 +220,7 @@ TEST_F(LiveProfiles, WithoutAColordThereAreNoneAndTheToolStillRuns) {
   expectProfile("DUMMY0", kAdobe);
 }
 
-TEST_F(LiveProfiles, WithAColordThatHangsThereAreNoneAndTheToolStillRuns) {
+TEST_F(LiveProfiles, GetProfilePathFindsNoneWhileColordHangs) {
   ASSERT_TRUE(monitors.setProfile("DUMMY0", kAdobe));
   colord.suspend();
   monitors.expectNoProfile("DUMMY0");
@@ -210,7 +231,7 @@ TEST_F(LiveProfiles, WithAColordThatHangsThereAreNoneAndTheToolStillRuns) {
   expectProfile("DUMMY0", kAdobe);
 }
 
-TEST(LiveProfilesWithoutABus, AreNoneAndTheToolStillRuns) {
+TEST(LiveProfilesWithoutABus, GetProfilePathFindsNone) {
   setenv("DBUS_SYSTEM_BUS_ADDRESS", "unix:path=/nonexistent/bus", 1);
   Monitors monitors;
   monitors.expectNoProfile("DUMMY0");
@@ -220,4 +241,4 @@ TEST(LiveProfilesWithoutABus, AreNoneAndTheToolStillRuns) {
 }
 
 }  // namespace
-}  // namespace live_plugin
+}  // namespace live

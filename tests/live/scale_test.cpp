@@ -13,8 +13,8 @@
 
 namespace {
 
-using live_tests::expectAgreement;
-using live_tests::liveDesktopOf;
+using live::expectAgreement;
+using live::liveDesktopOf;
 using support::ChildProcess;
 using support::XorgServer;
 
@@ -22,7 +22,7 @@ class LiveScale : public testing::Test {
  protected:
   LiveScale() { server.place({{"DUMMY0", {1920, 1080, 0, 0}}, {"DUMMY1", {1280, 1024, 1920, 50}}}); }
 
-  /// A real settings manager with these settings; it takes over from one that is there.
+  /// Starts a real settings manager with these settings, which replaces a running one.
   void startSettingsManager(const std::string& settings) {
     writeSettings(settings);
     manager = std::make_unique<ChildProcess>(std::vector<std::string>{"xsettingsd", "-c", directory.path("settings")},
@@ -65,7 +65,7 @@ TEST_F(LiveScale, ComesFromTheResourcesAndFollowsThem) {
   expectAgreement(server, *desktop->arrangement(), 1);
 }
 
-TEST_F(LiveScale, ComesFromASettingsManagerBeforeTheResources) {
+TEST_F(LiveScale, PrefersASettingsManagerToTheResources) {
   server.setResources("Xft.dpi: 144\n");
   startSettingsManager("Net/ThemeName \"Any\"\nGdk/WindowScalingFactor 2\nXft/DPI 98304\n");
   ASSERT_TRUE(becomes(2));
@@ -87,7 +87,7 @@ TEST_F(LiveScale, FollowsTheSettingsManagerThroughItsLife) {
   ASSERT_TRUE(becomes(4));
 }
 
-TEST_F(LiveScale, ComesFromTheResourcesWhenTheManagerHasNoSuchSetting) {
+TEST_F(LiveScale, ComesFromTheResourcesWhenTheManagerHasNone) {
   startSettingsManager("Net/ThemeName \"Any\"\nGdk/WindowScalingFactor \"two\"\n");
   server.setResources("Xft.dpi: 192\n");
   ASSERT_TRUE(becomes(2));

@@ -15,9 +15,9 @@
 
 namespace {
 
-using live_tests::expectAgreement;
-using live_tests::liveDesktopOf;
-using live_tests::waitForDisplays;
+using live::expectAgreement;
+using live::liveDesktopOf;
+using live::waitForDisplays;
 using platform::desktop::Arrangement;
 using platform::desktop::X11Displays;
 using platform::desktop::X11Options;
@@ -75,7 +75,7 @@ TEST(MissingServer, HasNoDisplays) {
   }
 }
 
-TEST(MissingServer, IsFoundOnceThereIsADisplayVariable) {
+TEST(MissingServer, IsFoundOnceDisplayIsSet) {
   unsetenv("DISPLAY");
   const auto desktop = platform::desktop::makeLiveDesktop();
   EXPECT_TRUE(desktop->arrangement()->displays.empty());
@@ -85,7 +85,7 @@ TEST(MissingServer, IsFoundOnceThereIsADisplayVariable) {
   expectAgreement(server, *desktop->arrangement());
 }
 
-TEST(MissingServer, IsLookedForOnlyNowAndThen) {
+TEST(MissingServer, IsNotLookedForInEveryCall) {
   XorgServer server;
   XProxy proxy(server.socket());
   proxy.limit(0, XProxy::AtLimit::kClose);
@@ -97,7 +97,7 @@ TEST(MissingServer, IsLookedForOnlyNowAndThen) {
   EXPECT_EQ(proxy.connections(), 1u);
 }
 
-TEST(HungServer, ThatIsConnectedAnswersWhatIsKnown) {
+TEST(HungServer, LeavesTheKnownDisplays) {
   XorgServer server;
   const auto desktop = liveDesktopOf(server);
   const auto before = desktop->arrangement();
@@ -106,7 +106,7 @@ TEST(HungServer, ThatIsConnectedAnswersWhatIsKnown) {
   server.resume();
 }
 
-TEST(HungServer, HasNoDisplaysAfterTheTimeLimitUntilItGoesOn) {
+TEST(HungServer, HasNoDisplaysFromTheTimeLimitUntilItResumes) {
   XorgServer server;
   server.pause();
   const auto desktop = liveDesktopOf(server);
@@ -136,7 +136,7 @@ std::shared_ptr<const Arrangement> waitForDisplays(X11Displays& displays, std::s
 class BrokenServer : public testing::Test {
  protected:
   BrokenServer() {
-    std::signal(SIGPIPE, SIG_DFL);  // ends the process, whatever the tests were started with
+    std::signal(SIGPIPE, SIG_DFL);  // ends the process, also where the tests inherited another action
     server.place({{"DUMMY0", {1024, 768, 0, 0}}, {"DUMMY1", {800, 600, 1024, 0}}});
   }
 
@@ -155,7 +155,7 @@ class BrokenServer : public testing::Test {
   XProxy proxy{server.socket()};
 };
 
-TEST_F(BrokenServer, ThatCutsTheConnectionAnywhereHasNoDisplays) {
+TEST_F(BrokenServer, CutAnywhereHasNoDisplays) {
   const std::uint64_t whole = bytesOfAReading();
   constexpr std::uint64_t kStep = 4;
   for (std::uint64_t bytes = 0; bytes < whole; bytes += kStep) {
@@ -169,7 +169,7 @@ TEST_F(BrokenServer, ThatCutsTheConnectionAnywhereHasNoDisplays) {
   EXPECT_EQ(displays.arrangement()->displays.size(), 2u);
 }
 
-TEST_F(BrokenServer, ThatStopsListeningDoesNotEndTheProcess) {
+TEST_F(BrokenServer, StoppedListeningDoesNotEndTheProcess) {
   const std::uint64_t whole = bytesOfAReading();
   constexpr std::uint64_t kStep = 4;
   int without_displays = 0;
@@ -178,13 +178,13 @@ TEST_F(BrokenServer, ThatStopsListeningDoesNotEndTheProcess) {
     proxy.limit(bytes, XProxy::AtLimit::kDeaf);
     X11Displays displays(options(milliseconds(20000)));
     const std::size_t found = displays.arrangement()->displays.size();
-    ASSERT_TRUE(found == 0 || found == 2) << found;  // 2: everything had been asked by then
+    ASSERT_TRUE(found == 0 || found == 2) << found;  // 2: every request had been made
     without_displays += found == 0 ? 1 : 0;
   }
   EXPECT_GT(without_displays, 0);
 }
 
-TEST_F(BrokenServer, ThatHangsAnywhereHasNoDisplaysUntilItGoesOn) {
+TEST_F(BrokenServer, HungAnywhereHasNoDisplaysUntilItResumes) {
   const std::uint64_t whole = bytesOfAReading();
   constexpr std::uint64_t kSteps = 40;
   for (std::uint64_t step = 0; step < kSteps; ++step) {
@@ -199,7 +199,7 @@ TEST_F(BrokenServer, ThatHangsAnywhereHasNoDisplaysUntilItGoesOn) {
   }
 }
 
-TEST_F(BrokenServer, ThatHangsWhileAChangeIsReadHasNoDisplaysUntilItGoesOn) {
+TEST_F(BrokenServer, HungDuringAChangeHasNoDisplaysUntilItResumes) {
   X11Displays displays(options(milliseconds(50)));
   ASSERT_EQ(waitForDisplays(displays, 2)->displays.size(), 2u);
   const std::uint64_t known = proxy.mostBytesFromServer();
@@ -211,7 +211,7 @@ TEST_F(BrokenServer, ThatHangsWhileAChangeIsReadHasNoDisplaysUntilItGoesOn) {
   expectAgreement(server, *waitForDisplays(displays, 1));
 }
 
-TEST_F(BrokenServer, ThatHangsDoesNotKeepADesktopFromGoing) {
+TEST_F(BrokenServer, HungDoesNotBlockTheDesktopsDestruction) {
   proxy.limit(100, XProxy::AtLimit::kStall);
   {
     X11Displays displays(options(milliseconds(10)));
@@ -226,7 +226,7 @@ TEST_F(BrokenServer, ThatHangsDoesNotKeepADesktopFromGoing) {
   EXPECT_GT(platform::desktop::x11RoundTrips(), before) << "the reading goes on by itself";
 }
 
-TEST_F(BrokenServer, GetsNotAByteWhileNothingChanges) {
+TEST_F(BrokenServer, GetsNoByteWhileNothingChanges) {
   X11Displays displays(options(milliseconds(20000)));
   const auto first = displays.arrangement();
   ASSERT_EQ(first->displays.size(), 2u);
