@@ -1,7 +1,6 @@
-// What each method keeps for the life of the process, and that it keeps nothing else.
+// What each method keeps for the life of the process, in objects per call, and that it keeps nothing else.
 //
-// The budget is a table: which objects one call keeps. What an object costs is not guessed but measured, by having the
-// frameworks make as many of the same kind and keeping them. The account is the C library's own.
+// What an object costs is measured: the frameworks make as many of the same kind, and the test keeps them.
 #include <gmock/gmock.h>
 #include <malloc.h>
 
@@ -10,7 +9,10 @@
 #include <IOKit/graphics/IOGraphicsLib.h>
 #include <dispatch/dispatch.h>
 
+#include <atomic>
+#include <cerrno>
 #include <chrono>
+#include <cstdint>
 #include <cstdlib>
 #include <cstring>
 #include <filesystem>
@@ -25,11 +27,68 @@
 #include "devhost/entries/host.h"
 #include "frameworks/CoreFoundation/uuids.h"
 #include "frameworks/Foundation/autorelease_pool.h"
-#include "leak_budget/allocations.h"
 #include "support/fresh_plugin.h"
 #include "support/icc_maker.h"
 #include "support/scripted.h"
 #include "support/temporary_folder.h"
+
+namespace {
+
+std::atomic<std::int64_t> living_blocks{0};
+
+void* counted(void* block) {
+  if (block != nullptr) {
+    living_blocks.fetch_add(1, std::memory_order_relaxed);
+  }
+  return block;
+}
+
+}  // namespace
+
+// The C library's allocation functions under their own names, with a count of living blocks.
+extern "C" {
+
+void* __libc_malloc(std::size_t size);
+void* __libc_calloc(std::size_t count, std::size_t size);
+void* __libc_realloc(void* block, std::size_t size);
+void* __libc_memalign(std::size_t alignment, std::size_t size);
+void __libc_free(void* block);
+
+#define REPLACEMENT __attribute__((visibility("default")))
+
+REPLACEMENT void* malloc(std::size_t size) noexcept { return counted(__libc_malloc(size)); }
+REPLACEMENT void* calloc(std::size_t count, std::size_t size) noexcept { return counted(__libc_calloc(count, size)); }
+REPLACEMENT void* memalign(std::size_t alignment, std::size_t size) noexcept {
+  return counted(__libc_memalign(alignment, size));
+}
+REPLACEMENT void* aligned_alloc(std::size_t alignment, std::size_t size) noexcept {
+  return counted(__libc_memalign(alignment, size));
+}
+
+REPLACEMENT int posix_memalign(void** block, std::size_t alignment, std::size_t size) noexcept {
+  *block = counted(__libc_memalign(alignment, size));
+  return *block == nullptr ? ENOMEM : 0;
+}
+
+REPLACEMENT void free(void* block) noexcept {
+  if (block != nullptr) {
+    living_blocks.fetch_sub(1, std::memory_order_relaxed);
+  }
+  __libc_free(block);
+}
+
+REPLACEMENT void* realloc(void* block, std::size_t size) noexcept {
+  if (block == nullptr) {
+    return malloc(size);
+  }
+  if (size == 0) {
+    free(block);
+    return nullptr;
+  }
+  return __libc_realloc(block, size);
+}
+
+}  // extern "C"
 
 namespace {
 
@@ -45,15 +104,15 @@ struct Account {
   friend Account operator+(Account a, Account b) { return {a.blocks + b.blocks, a.bytes + b.bytes}; }
 };
 
-/// What tables that are made once may come to in the course of all calls: a block in a hundred calls, and less than 2
-/// bytes a call, where the smallest object takes 32.
+/// The limit for tables that are made once, in all calls: a block in a hundred calls, and less than 2 bytes a call,
+/// where the smallest object takes 32.
 constexpr Account kConstant = {100, 16'384};
-/// The C library hands out a block that is one step too large, where what would be left is too small to be a block.
+/// The C library gives a block one step too large where the rest would be too small for a block.
 constexpr double kRounding = 16;
 
 Account inUse() {
   const struct mallinfo2 info = mallinfo2();
-  return {static_cast<double>(leak_budget::livingBlocks()), static_cast<double>(info.uordblks + info.hblkhd)};
+  return {static_cast<double>(living_blocks.load()), static_cast<double>(info.uordblks + info.hblkhd)};
 }
 
 std::size_t threads() {
@@ -61,15 +120,14 @@ std::size_t threads() {
   return static_cast<std::size_t>(std::distance(begin(tasks), end(tasks)));
 }
 
-/// The queries' threads end a while after the queries; how many there are is chance, and what each of them has in use
-/// is not kept. The test itself has one thread.
+/// Waits until the queries' threads have ended, because what they have in use is not kept. The test has one thread.
 void waitForQueries() {
   while (threads() > 1) {
     std::this_thread::sleep_for(std::chrono::milliseconds(10));
   }
 }
 
-/// What the process has gained per call.
+/// The process's gain per call.
 Account gainOf(const std::function<void()>& call) {
   constexpr int kWarmUp = 200;
   for (int i = 0; i < kWarmUp; ++i) {
@@ -85,7 +143,7 @@ Account gainOf(const std::function<void()>& call) {
   return {(after.blocks - before.blocks) / kCalls, (after.bytes - before.bytes) / kCalls};
 }
 
-/// A UUID that was never there before.
+/// A new UUID each time.
 platform::desktop::Uuid newUuid() {
   static std::uint32_t number = 0;
   ++number;
@@ -144,7 +202,7 @@ class LeakBudget : public testing::Test {
 
   devhost::Plugin load() { return support::loadFreshPlugin(host); }
 
-  /// The host's own notes are not the plugin's.
+  /// Without the host's own records.
   Account gainOfMethod(const char* name, const Values& arguments) {
     return gainOf([&] {
       plugin.call(name, arguments);
@@ -176,7 +234,7 @@ class LeakBudget : public testing::Test {
           nullptr);
     });
   }
-  /// What IOKit knows of the first display.
+  /// IOKit's information about the first display.
   static Account information() {
     io_iterator_t services = 0;
     IOServiceGetMatchingServices(kIOMasterPortDefault, IOServiceMatching("IODisplayConnect"), &services);
@@ -201,7 +259,7 @@ class LeakBudget : public testing::Test {
     return gain;
   }
 
-  /// Says the figures, and compares them.
+  /// Prints and compares the figures.
   static void expectGain(const std::string& what, Account gain, Account predicted) {
     std::cout << what << ": " << gain.blocks << " blocks, " << gain.bytes << " bytes a call; predicted "
               << predicted.blocks << " blocks, " << predicted.bytes << " bytes" << std::endl;
@@ -209,7 +267,7 @@ class LeakBudget : public testing::Test {
     EXPECT_NEAR(gain.bytes, predicted.bytes, kConstant.bytes / kCalls + kRounding * predicted.blocks) << what;
   }
 
-  /// Keeps the compiler from leaving out an allocation that nobody uses.
+  /// Keeps the compiler from dropping an unused allocation.
   static void keep(void* memory) { asm volatile("" : : "g"(memory) : "memory"); }
 
   support::TemporaryFolder folder;
@@ -220,7 +278,7 @@ class LeakBudget : public testing::Test {
   devhost::Ref<devhost::Object> listener;
 };
 
-TEST_F(LeakBudget, OfMethodsThatKeepNothing) {
+TEST_F(LeakBudget, MethodsThatKeepNothing) {
   const std::vector<std::pair<const char*, Values>> methods = {
       {"SetObject", {listener}},
       {"ListAllInstalledProfiles", {}},
@@ -233,7 +291,7 @@ TEST_F(LeakBudget, OfMethodsThatKeepNothing) {
       {"GetAssociatedProfilePathsArray", {1}},
       {"ICCTagExists", {path, "desc"}},
       {"QV02Read", {path, "before"}},
-      // Displays that are not there, a path that is not there, and the like, keep no more.
+      // Nor for unknown displays and files.
       {"GetName", {77}},
       {"GetProfilePath", {77}},
       {"SetProfile", {77, path}},
@@ -247,12 +305,12 @@ TEST_F(LeakBudget, OfMethodsThatKeepNothing) {
   EXPECT_THAT(host.unreleased(), testing::IsEmpty());
 }
 
-TEST_F(LeakBudget, OfGetNameIsTheTextThatARememberedNameIsLookedUpBy) {
-  expectGain("GetName", gainOfMethod("GetName", {1}), uuidText());
-}
+// A cached name: the text of the look-up.
+TEST_F(LeakBudget, GetName) { expectGain("GetName", gainOfMethod("GetName", {1}), uuidText()); }
 
-TEST_F(LeakBudget, OfTheFirstGetNameOfADisplayIsTheUuidItsTextTheNameInTheListAndTheInformationItIsIn) {
-  // Each call is about a display with a UUID that was never there before.
+// A display's first call: the UUID, its text, the entry in the list of names, and the information dictionary. Each call
+// is about a display with a new UUID.
+TEST_F(LeakBudget, FirstGetNameOfADisplay) {
   const Account gain = gainOf([&] {
     session.desktop->change([](Script& script) { script.arrangement.displays[0].uuid = newUuid(); });
     plugin.call("GetName", {1});
@@ -268,19 +326,21 @@ TEST_F(LeakBudget, OfTheFirstGetNameOfADisplayIsTheUuidItsTextTheNameInTheListAn
   expectGain("the first GetName", gain, uuid_object + text_and_entry + information());
 }
 
-TEST_F(LeakBudget, OfGetProfilePathIsTheTextSoughtTheQueueTheUrlAndTheDescription) {
+// The text of the look-up, the queue, the URL and the description.
+TEST_F(LeakBudget, GetProfilePath) {
   expectGain("GetProfilePath", gainOfMethod("GetProfilePath", {1}), uuidText() + queue() + urlAndDescription());
 }
 
-TEST_F(LeakBudget, OfGetIndexIsTheListOfDisplays) {
-  expectGain("GetIndex", gainOfMethod("GetIndex", {2}), displayList(3));
-}
+// The list of displays.
+TEST_F(LeakBudget, GetIndex) { expectGain("GetIndex", gainOfMethod("GetIndex", {2}), displayList(3)); }
 
-TEST_F(LeakBudget, OfDisplayIDForWindowIsTheBufferForOneDisplay) {
+// The buffer for one display.
+TEST_F(LeakBudget, DisplayIDForWindow) {
   expectGain("DisplayIDForWindow", gainOfMethod("DisplayIDForWindow", {1500, -10, 10, 20}), displayList(1));
 }
 
-TEST_F(LeakBudget, OfAQuestionAboutTheGamutIsThatOfTheProfilesPathAndTheProfileAndItsColourSpace) {
+// As GetProfilePath, and the opened profile with its colour space.
+TEST_F(LeakBudget, IsWideGamut) {
   auto* const is_wide_gamut = reinterpret_cast<bool (*)(std::uint32_t)>(plugin.symbol("_ZN7Display11IsWideGamutEj"));
   ASSERT_NE(is_wide_gamut, nullptr);
   const Account gain = gainOf([=] {
@@ -290,10 +350,10 @@ TEST_F(LeakBudget, OfAQuestionAboutTheGamutIsThatOfTheProfilesPathAndTheProfileA
   expectGain("IsWideGamut", gain, uuidText() + queue() + urlAndDescription() + openedProfileAndSpace());
 }
 
-TEST_F(LeakBudget, OfAQuestionWhetherTheDisplaysChangedIsTheListOfDisplays) {
+// The list of displays. References to the UUIDs are kept too: a UUID is one object with any number of references.
+TEST_F(LeakBudget, DisplaysChanged) {
   auto* const changed = reinterpret_cast<bool (*)()>(plugin.symbol("_ZN15DisplayServices15DisplaysChangedEv"));
   ASSERT_NE(changed, nullptr);
-  // The references on the UUIDs are kept too; a UUID is one object, however many references it has.
   expectGain("DisplaysChanged", gainOf([=] { changed(); }), displayList(3));
 }
 
