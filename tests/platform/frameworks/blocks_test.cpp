@@ -52,7 +52,7 @@ TEST(BlockCopy, OutlivesTheScopeOfTheBlock) {
   Block_release(second);
 }
 
-TEST(BlockCopy, OfACopyIsTheSameBlock) {
+TEST(BlockCopy, ReturnsTheSameBlockForACopy) {
   const Question question = makeQuestion(7);
   const Question again = Block_copy(question);
   EXPECT_EQ(again, question);
@@ -61,7 +61,7 @@ TEST(BlockCopy, OfACopyIsTheSameBlock) {
   Block_release(again);
 }
 
-TEST(BlockCopy, OfABlockWithoutCapturesIsTheBlock) {
+TEST(BlockCopy, ReturnsTheSameBlockWithoutCaptures) {
   const Question constant = ^{
     return 3;
   };
@@ -70,12 +70,12 @@ TEST(BlockCopy, OfABlockWithoutCapturesIsTheBlock) {
   EXPECT_EQ(constant(), 3);
 }
 
-TEST(BlockCopy, OfNullIsNull) {
+TEST(BlockCopy, ReturnsNullForNull) {
   EXPECT_EQ(_Block_copy(nullptr), nullptr);
   _Block_release(nullptr);
 }
 
-TEST(BlockRelease, DestroysWhatWasCapturedWithTheLastReference) {
+TEST(BlockRelease, DestroysCapturesWithTheLastReference) {
   int alive = 0;
   Question question = nullptr;
   {
@@ -93,7 +93,7 @@ TEST(BlockRelease, DestroysWhatWasCapturedWithTheLastReference) {
   EXPECT_EQ(alive, 0);
 }
 
-TEST(BlockCopy, KeepsBlocksThatItCaptured) {
+TEST(BlockCopy, RetainsCapturedBlocks) {
   Question outer = nullptr;
   {
     const Question inner = makeQuestion(5);
@@ -144,7 +144,7 @@ TEST(BlockVariable, OutlivesItsScopeWhileABlockHoldsIt) {
   EXPECT_EQ(alive, 0);
 }
 
-TEST(BlockVariable, ThatCanOnlyBeMovedIsMoved) {
+TEST(BlockVariable, IsMovedWhenItCannotBeCopied) {
   std::future<bool> answer;
   {
     __block std::promise<bool> promise;
@@ -160,7 +160,7 @@ TEST(BlockVariable, ThatCanOnlyBeMovedIsMoved) {
   EXPECT_TRUE(answer.get());
 }
 
-TEST(BlockVariable, IsDestroyedUnfulfilledByItsLastHolder) {
+TEST(BlockVariable, IsDestroyedByItsLastHolder) {
   std::future<bool> answer;
   Action last = nullptr;
   {

@@ -73,7 +73,7 @@ TEST(IterateDeviceProfiles, GivesEachValueUnderItsKey) {
   EXPECT_EQ(visits, 1);
 }
 
-TEST(IterateDeviceProfiles, LeavesOutTheKeysOfWhatIsAbsentOrNotText) {
+TEST(IterateDeviceProfiles, OmitsAbsentAndInvalidValues) {
   DeviceProfile partial;
   partial.is_current = true;
   DeviceProfile broken;
@@ -88,7 +88,7 @@ TEST(IterateDeviceProfiles, LeavesOutTheKeysOfWhatIsAbsentOrNotText) {
   EXPECT_THAT(counts, testing::ElementsAre(0, 1, 0));
 }
 
-TEST(IterateDeviceProfiles, EndsWhenTheCallbackSaysSo) {
+TEST(IterateDeviceProfiles, EndsWhenTheCallbackReturnsFalse) {
   const ScriptedSession session(scriptOf({fullEntry(), fullEntry(), fullEntry()}));
   int visits = 0;
   iterate([&](CFDictionaryRef) { return ++visits < 2; });
@@ -105,7 +105,7 @@ TEST(IterateDeviceProfiles, CallsBackOnTheCallingThread) {
   EXPECT_EQ(on, std::this_thread::get_id());
 }
 
-TEST(IterateDeviceProfiles, LetsGoOfAnEntryAfterItsCallback) {
+TEST(IterateDeviceProfiles, ReleasesAnEntryAfterItsCallback) {
   const ScriptedSession session(scriptOf({fullEntry()}));
   OwnedRef<CFDictionaryRef> kept_entry;
   OwnedRef<CFURLRef> kept_url;
@@ -120,7 +120,7 @@ TEST(IterateDeviceProfiles, LetsGoOfAnEntryAfterItsCallback) {
   EXPECT_EQ(CFGetRetainCount(kept_url.get()), 1);
 }
 
-TEST(IterateDeviceProfiles, WithoutACallbackOrWhenTheCallFailsVisitsNothing) {
+TEST(IterateDeviceProfiles, VisitsNothingOnFailureOrWithoutACallback) {
   const ScriptedSession session(scriptOf({fullEntry()}));
   ColorSyncIterateDeviceProfiles(nullptr, nullptr);
   platform::calls::setHook(Call::ColorSyncIterateDeviceProfiles, [](std::uint64_t) { return Answer{.fail = true}; });
@@ -170,7 +170,7 @@ TEST_F(SetCustomProfiles, AssignsTheFileOfTheDefaultProfile) {
   EXPECT_EQ(assignedPath(), "/new profile.icc");
 }
 
-TEST_F(SetCustomProfiles, OfAnotherClassDeviceOrKeyIsRefused) {
+TEST_F(SetCustomProfiles, ReturnsFalseForAnotherClassDeviceOrKey) {
   EXPECT_FALSE(ColorSyncDeviceSetCustomProfiles(CFSTR("prtr"), device_.get(), profiles_.get()));
   EXPECT_FALSE(ColorSyncDeviceSetCustomProfiles(kColorSyncDisplayDeviceClass, uuidRef(8).get(), profiles_.get()));
   EXPECT_FALSE(ColorSyncDeviceSetCustomProfiles(kColorSyncDisplayDeviceClass, device_.get(),
@@ -180,14 +180,14 @@ TEST_F(SetCustomProfiles, OfAnotherClassDeviceOrKeyIsRefused) {
   EXPECT_EQ(assignedPath(), *fullEntry().profile_path);
 }
 
-TEST_F(SetCustomProfiles, OfNullIsRefused) {
+TEST_F(SetCustomProfiles, ReturnsFalseForNull) {
   EXPECT_FALSE(ColorSyncDeviceSetCustomProfiles(nullptr, device_.get(), profiles_.get()));
   EXPECT_FALSE(ColorSyncDeviceSetCustomProfiles(kColorSyncDisplayDeviceClass, nullptr, profiles_.get()));
   EXPECT_FALSE(ColorSyncDeviceSetCustomProfiles(kColorSyncDisplayDeviceClass, device_.get(), nullptr));
   EXPECT_EQ(assignedPath(), *fullEntry().profile_path);
 }
 
-TEST_F(SetCustomProfiles, ThatFailsAnswersFalse) {
+TEST_F(SetCustomProfiles, ReturnsFalseOnFailure) {
   platform::calls::setHook(Call::ColorSyncDeviceSetCustomProfiles, [](std::uint64_t) { return Answer{.fail = true}; });
   EXPECT_FALSE(ColorSyncDeviceSetCustomProfiles(kColorSyncDisplayDeviceClass, device_.get(), profiles_.get()));
   platform::calls::removeAllHooks();
@@ -202,7 +202,7 @@ Script scriptOfDisplays() {
   return script;
 }
 
-TEST(DisplayUuid, OfADisplayIsTheArrangementsAndLeadsBack) {
+TEST(DisplayUuid, IsTheArrangementsAndConvertsBack) {
   const ScriptedSession session(scriptOfDisplays());
   const auto uuid = OwnedRef<CFUUIDRef>::adopt(CGDisplayCreateUUIDFromDisplayID(9));
   ASSERT_TRUE(uuid);
@@ -210,7 +210,7 @@ TEST(DisplayUuid, OfADisplayIsTheArrangementsAndLeadsBack) {
   EXPECT_EQ(CGDisplayGetDisplayIDFromUUID(uuid.get()), 9U);
 }
 
-TEST(DisplayUuid, OfNoDisplayIsNull) {
+TEST(DisplayUuid, IsNullForAnUnknownDisplay) {
   const ScriptedSession session(scriptOfDisplays());
   EXPECT_EQ(CGDisplayCreateUUIDFromDisplayID(0), nullptr);
   EXPECT_EQ(CGDisplayCreateUUIDFromDisplayID(5), nullptr);
@@ -219,7 +219,7 @@ TEST(DisplayUuid, OfNoDisplayIsNull) {
   EXPECT_EQ(CGDisplayGetDisplayIDFromUUID(nullptr), 0U);
 }
 
-TEST(DisplayUuid, IsNullWhenTheCallFails) {
+TEST(DisplayUuid, IsNullOnFailure) {
   const ScriptedSession session(scriptOfDisplays());
   const auto uuid = uuidRef(9);
   for (const Call call : {Call::CGDisplayCreateUUIDFromDisplayID, Call::CGDisplayGetDisplayIDFromUUID}) {

@@ -107,7 +107,7 @@ TEST(Pools, ReleaseWhatWasAutoreleasedSinceThePush) {
   EXPECT_EQ(deaths, 2);
 }
 
-TEST(NullDeath, StopsTheProcess) {
+TEST(NullDeath, AbortsTheProcess) {
   EXPECT_DEATH(CFRetain(nullptr), "CFRetain: null object");
   EXPECT_DEATH(CFRelease(nullptr), "CFRelease: null object");
   EXPECT_DEATH(CFAutorelease(nullptr), "CFAutorelease: null object");
@@ -118,7 +118,7 @@ TEST(NullDeath, StopsTheProcess) {
   EXPECT_DEATH(CFGetTypeID(nullptr), "CFGetTypeID: null object");
 }
 
-TEST(NullDeath, StopsTheProcessInFunctionsOfOneType) {
+TEST(NullDeath, AbortsTheProcessInFunctionsOfOneType) {
   std::int32_t number = 0;
   char buffer[8];
   EXPECT_DEATH(CFStringGetLength(nullptr), "CFStringGetLength: null");
@@ -172,7 +172,7 @@ TEST(Equal, ComparesValues) {
   EXPECT_FALSE(CFEqual(makeString("7").get(), makeNumber(7).get()));
 }
 
-TEST(Equal, ABooleanEqualsNoNumber) {
+TEST(Equal, IsFalseForABooleanAndANumber) {
   EXPECT_FALSE(CFEqual(kCFBooleanTrue, makeNumber(1).get()));
   EXPECT_FALSE(CFEqual(makeNumber(1).get(), kCFBooleanTrue));
   EXPECT_FALSE(CFEqual(kCFBooleanFalse, makeNumber(0).get()));
@@ -181,7 +181,7 @@ TEST(Equal, ABooleanEqualsNoNumber) {
 
 // --- hooks
 
-TEST_F(Hooked, CallsAnswerTheirFailureValues) {
+TEST_F(Hooked, CallsReturnTheirFailureValues) {
   const String string = makeString("text");
   const Dictionary dictionary = makeDictionary({CFSTR("a")}, {kCFBooleanTrue});
   const Url url = Url::adopt(CFURLCreateWithFileSystemPath(nullptr, CFSTR("/a"), kCFURLPOSIXPathStyle, false));
@@ -213,7 +213,7 @@ TEST(Counts, GrowWithEveryCall) {
 
 // --- threads without a pool
 
-TEST(AThreadWithoutAPool, HearsNoComplaint) {
+TEST(ThreadWithoutAPool, WritesNothingToStderr) {
   const std::string written = stderrOf([] {
     std::thread([] {
       const String string = makeString("a string from a thread with no pool");
@@ -240,7 +240,7 @@ TEST(AThreadWithoutAPool, HearsNoComplaint) {
   EXPECT_EQ(written, "");
 }
 
-TEST(TheLoadingThread, HasAPool) {
+TEST(LoadingThread, HasAPool) {
   EXPECT_EQ(stderrOf([] { CFAutorelease(CFRetain(CFSTR("autoreleased without another pool"))); }), "");
 }
 

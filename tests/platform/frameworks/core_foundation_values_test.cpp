@@ -53,7 +53,7 @@ TEST(ConstantStrings, AreTheSameOnEveryThread) {
   }
 }
 
-TEST(StringCreate, TakesUtf8WithNulsInIt) {
+TEST(StringCreate, AcceptsUtf8WithNuls) {
   const std::string text("a\0\xC3\xA9\xF0\x9F\x98\x80", 8);
   const String string = makeString(text);
   ASSERT_TRUE(string);
@@ -63,20 +63,20 @@ TEST(StringCreate, TakesUtf8WithNulsInIt) {
   EXPECT_EQ(std::string(buffer.data(), text.size()), text);
 }
 
-TEST(StringCreate, OfNothingIsTheEmptyString) {
+TEST(StringCreate, ReturnsTheEmptyStringForNoBytes) {
   const String string = String::adopt(CFStringCreateWithBytes(nullptr, nullptr, 0, kCFStringEncodingUTF8, false));
   ASSERT_TRUE(string);
   EXPECT_EQ(CFStringGetLength(string.get()), 0);
   EXPECT_EQ(textOf(string.get()), "");
 }
 
-TEST(StringCreate, OfWhatIsNoUtf8IsNull) {
+TEST(StringCreate, ReturnsNullForInvalidUtf8) {
   for (const char* const bytes : {"\xC0\x80", "\xED\xA0\x80", "\xF4\x90\x80\x80", "a\xE2\x82", "\x80", "\xFF"}) {
     EXPECT_FALSE(makeString(bytes)) << testing::PrintToString(bytes);
   }
 }
 
-TEST(StringCreate, OfNoBytesOrANegativeLengthOrAnotherEncodingIsNull) {
+TEST(StringCreate, ReturnsNullForInvalidArguments) {
   const UInt8 bytes[] = {'a'};
   constexpr CFStringEncoding kMacRoman = 0;
   EXPECT_EQ(CFStringCreateWithBytes(nullptr, nullptr, 1, kCFStringEncodingUTF8, false), nullptr);
@@ -103,14 +103,14 @@ TEST(MaximumSize, IsThreeBytesPerUnit) {
 
 // --- URLs
 
-TEST(UrlCreate, TakesTheCallersWordForADirectory) {
+TEST(UrlCreate, TrustsTheCallerAboutDirectories) {
   const Url file = Url::adopt(CFURLCreateWithFileSystemPath(nullptr, CFSTR("/tmp"), kCFURLPOSIXPathStyle, false));
   const Url directory = Url::adopt(CFURLCreateWithFileSystemPath(nullptr, CFSTR("/no/x"), kCFURLPOSIXPathStyle, true));
   EXPECT_EQ(textOf(CFURLGetString(file.get())), "file:///tmp");
   EXPECT_EQ(textOf(CFURLGetString(directory.get())), "file:///no/x/");
 }
 
-TEST(UrlCreate, OfAnotherPathStyleIsNull) {
+TEST(UrlCreate, ReturnsNullForAnotherPathStyle) {
   EXPECT_EQ(CFURLCreateWithFileSystemPath(nullptr, CFSTR("/tmp"), static_cast<CFURLPathStyle>(2), false), nullptr);
   const Url url = Url::adopt(CFURLCreateWithFileSystemPath(nullptr, CFSTR("/a"), kCFURLPOSIXPathStyle, false));
   EXPECT_EQ(CFURLCopyFileSystemPath(url.get(), static_cast<CFURLPathStyle>(2)), nullptr);
@@ -135,7 +135,7 @@ TEST(DataCreate, CopiesTheBytes) {
   EXPECT_THAT(std::vector<UInt8>(kept, kept + 3), ElementsAre(1, 0, 3));
 }
 
-TEST(DataCreate, OfNothingIsEmptyAndOfNonsenseIsNull) {
+TEST(DataCreate, ReturnsEmptyDataForNothingAndNullForInvalidArguments) {
   const Data empty = Data::adopt(CFDataCreate(nullptr, nullptr, 0));
   ASSERT_TRUE(empty);
   EXPECT_EQ(CFDataGetLength(empty.get()), 0);
@@ -166,7 +166,7 @@ TEST(DictionaryCreate, KeepsTheFirstOfEqualKeys) {
   EXPECT_EQ(CFDictionaryGetValue(dictionary.get(), CFSTR("a")), kCFBooleanTrue);
 }
 
-TEST(DictionaryCreate, TakesUuidsUrlsAndNumbersForKeys) {
+TEST(DictionaryCreate, AcceptsUuidsUrlsAndNumbersAsKeys) {
   const Uuid uuid = makeUuid(kUuidText);
   const Url url = Url::adopt(CFURLCreateWithFileSystemPath(nullptr, CFSTR("/a"), kCFURLPOSIXPathStyle, false));
   const Number number = makeNumber(5);
@@ -177,13 +177,13 @@ TEST(DictionaryCreate, TakesUuidsUrlsAndNumbersForKeys) {
   EXPECT_EQ(CFDictionaryGetValue(dictionary.get(), makeNumber(5).get()), CFSTR("number"));
 }
 
-TEST(DictionaryCreate, OfANegativeCountIsNull) {
+TEST(DictionaryCreate, ReturnsNullForANegativeCount) {
   EXPECT_EQ(CFDictionaryCreate(nullptr, nullptr, nullptr, -1, &kCFTypeDictionaryKeyCallBacks,
                                &kCFTypeDictionaryValueCallBacks),
             nullptr);
 }
 
-TEST(DictionaryDeath, OfNullsOrOfOtherCallBacksStopsTheProcess) {
+TEST(DictionaryDeath, AbortsForNullsAndOtherCallbacks) {
   EXPECT_DEATH(makeDictionary({nullptr}, {CFSTR("value")}), "CFDictionaryCreate: null object");
   EXPECT_DEATH(makeDictionary({CFSTR("key")}, {nullptr}), "CFDictionaryCreate: null object");
   EXPECT_DEATH(CFDictionaryCreate(nullptr, nullptr, nullptr, 0, nullptr, nullptr), "only dictionaries of objects");
@@ -200,7 +200,7 @@ TEST(MutableDictionary, TakesAndReplacesValues) {
   EXPECT_EQ(CFDictionaryGetValue(dictionary.get(), CFSTR("a")), CFSTR("2"));
 }
 
-TEST(GetValueIfPresent, WritesOnlyWhatIsThere) {
+TEST(GetValueIfPresent, WritesOnlyAPresentValue) {
   const Dictionary dictionary = makeDictionary({CFSTR("a")}, {kCFBooleanTrue});
   const void* value = CFSTR("untouched");
   EXPECT_FALSE(CFDictionaryGetValueIfPresent(dictionary.get(), CFSTR("b"), &value));
@@ -241,7 +241,7 @@ TEST(Numbers, KeepTheirValues) {
   EXPECT_THAT(read64(makeNumber(INT64_MIN).get()), testing::Pair(true, INT64_MIN));
 }
 
-TEST(Numbers, BeyondTheReadersWidthAreCutAndSaySo) {
+TEST(Numbers, AreTruncatedWithFalseBeyondTheWidth) {
   EXPECT_THAT(read32(makeNumber(INT64_C(0x1234567890)).get()), testing::Pair(false, 0x34567890));
   EXPECT_THAT(read32(makeNumber(INT64_C(0x80000000)).get()), testing::Pair(false, INT32_MIN));
   EXPECT_THAT(read32(makeNumber(INT64_C(-0x80000001)).get()), testing::Pair(false, INT32_MAX));
@@ -249,7 +249,7 @@ TEST(Numbers, BeyondTheReadersWidthAreCutAndSaySo) {
               testing::Pair(false, -1));
 }
 
-TEST(Numbers, WithFractionsAreCutAndSaySo) {
+TEST(Numbers, AreTruncatedWithFalseForFractions) {
   EXPECT_THAT(read32(Number::adopt(probe::createNumber(2.75)).get()), testing::Pair(false, 2));
   EXPECT_THAT(read32(Number::adopt(probe::createNumber(-2.75)).get()), testing::Pair(false, -2));
   EXPECT_THAT(read32(Number::adopt(probe::createNumber(3.0)).get()), testing::Pair(true, 3));
@@ -258,12 +258,12 @@ TEST(Numbers, WithFractionsAreCutAndSaySo) {
   EXPECT_FALSE(read64(Number::adopt(probe::createNumber(std::nan(""))).get()).first);
 }
 
-TEST(Numbers, ABooleanReadsAsOneOrZero) {
+TEST(Numbers, ReadBooleansAsOneOrZero) {
   EXPECT_THAT(read32(reinterpret_cast<CFNumberRef>(kCFBooleanTrue)), testing::Pair(true, 1));
   EXPECT_THAT(read32(reinterpret_cast<CFNumberRef>(kCFBooleanFalse)), testing::Pair(true, 0));
 }
 
-TEST(Numbers, OfAnUnknownTypeAreNotMadeOrRead) {
+TEST(Numbers, FailForAnUnknownType) {
   const double value = 1;
   double read = 2;
   constexpr auto kDouble = static_cast<CFNumberType>(13);
@@ -282,7 +282,7 @@ TEST(Uuids, AreOneObjectPerValue) {
   EXPECT_NE(from_bytes.get(), makeUuid("E621E1F8-C36C-495A-93FC-0C247A3E6E50").get());
 }
 
-TEST(Uuids, GoWithTheirLastReferenceAndComeBack) {
+TEST(Uuids, AreRecreatedAfterTheLastRelease) {
   for (int round = 0; round < 3; ++round) {
     const Uuid uuid = makeUuid(kUuidText);
     EXPECT_EQ(CFGetRetainCount(uuid.get()), 1);
@@ -300,7 +300,7 @@ TEST(Uuids, AreReadInEitherCaseAndWrittenInUpperCase) {
   EXPECT_EQ(textOf(String::adopt(CFUUIDCreateString(nullptr, uuid.get())).get()), kUuidText);
 }
 
-TEST(Uuids, OfTextThatIsNotCanonicalAreNull) {
+TEST(Uuids, AreNullForTextThatIsNotCanonical) {
   for (const char* const text : {"", "E621E1F8", "E621E1F8C36C495A93FC0C247A3E6E5F",
                                  "E621E1F8-C36C-495A-93FC-0C247A3E6E5", "E621E1F8-C36C-495A-93FC-0C247A3E6E5F0",
                                  "{E621E1F8-C36C-495A-93FC-0C247A3E6E5F}", "G621E1F8-C36C-495A-93FC-0C247A3E6E5F",
@@ -311,7 +311,7 @@ TEST(Uuids, OfTextThatIsNotCanonicalAreNull) {
   }
 }
 
-TEST(Uuid, MakeUuidReturnsTheObjectOfTheSameText) {
+TEST(Uuids, MadeFromBytesAndTextAreOneObject) {
   platform::desktop::Uuid bytes{};
   std::memcpy(bytes.data(), &kUuidBytes, sizeof kUuidBytes);
   const Uuid uuid = Uuid::adopt(platform::makeUuid(bytes));

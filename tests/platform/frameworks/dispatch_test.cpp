@@ -51,7 +51,7 @@ TEST(Queue, RunsBlocksInOrder) {
   EXPECT_TRUE(std::is_sorted(order.begin(), order.end()));
 }
 
-TEST(Queue, RunsOneBlockAtATimeAlsoWithManyCallers) {
+TEST(Queue, RunsOneBlockAtATime) {
   auto* const queue = dispatch_queue_create("ONE", nullptr);
   constexpr int kCallers = 4;
   constexpr int kBlocks = 500;
@@ -100,7 +100,7 @@ TEST(Queue, StartsAgainAfterItWasIdle) {
   }
 }
 
-TEST(Queue, AfterQueueNeedsNoThreadAfterThread) {
+TEST(Queue, ReusesAnIdleThread) {
   constexpr int kQueues = 200;
   const auto threads = std::make_shared<std::set<pid_t>>();
   for (int i = 0; i < kQueues; ++i) {
@@ -114,7 +114,7 @@ TEST(Queue, AfterQueueNeedsNoThreadAfterThread) {
   EXPECT_LT(threads->size(), kQueues / 2);
 }
 
-TEST(Queue, ThatBeginsWhileAllWorkersAreBusyRunsAtOnce) {
+TEST(Queue, RunsAtOnceWhileOthersAreBusy) {
   const auto release = std::make_shared<std::promise<void>>();
   const auto released = std::make_shared<std::shared_future<void>>(release->get_future());
   constexpr int kBusy = 20;
@@ -176,7 +176,7 @@ TEST(Queue, DrainsAPoolAfterEachBlock) {
   EXPECT_EQ(deaths_before_second, 1);
 }
 
-TEST(Async, LetsGoOfTheBlockWhenItHasRun) {
+TEST(Async, ReleasesTheBlockAfterItRan) {
   auto* const queue = dispatch_queue_create("LET GO", nullptr);
   auto held = std::make_shared<int>(1);
   const std::weak_ptr<int> seen = held;
@@ -205,16 +205,16 @@ TEST(Async, ReturnsBeforeTheBlockHasRun) {
   EXPECT_EQ(finished.wait_for(kDeadline), std::future_status::ready);
 }
 
-TEST(QueueCreate, TakesNoLabel) { EXPECT_TRUE(drained(dispatch_queue_create(nullptr, nullptr))); }
+TEST(QueueCreate, AcceptsNoLabel) { EXPECT_TRUE(drained(dispatch_queue_create(nullptr, nullptr))); }
 
-TEST(QueueCreate, CanBeMadeToFail) {
+TEST(QueueCreate, ReturnsNullOnFailure) {
   platform::calls::setHook(Call::dispatch_queue_create, [](std::uint64_t) { return Answer{.fail = true}; });
   EXPECT_EQ(dispatch_queue_create("NONE", nullptr), nullptr);
   platform::calls::removeAllHooks();
   EXPECT_NE(dispatch_queue_create("ONE", nullptr), nullptr);
 }
 
-TEST(Async, ThatIsMadeToFailNeverRunsTheBlock) {
+TEST(Async, NeverRunsTheBlockOnFailure) {
   auto* const queue = dispatch_queue_create("DROPPED", nullptr);
   __block bool ran = false;
   platform::calls::setHook(Call::dispatch_async, [](std::uint64_t) { return Answer{.fail = true}; });
@@ -226,7 +226,7 @@ TEST(Async, ThatIsMadeToFailNeverRunsTheBlock) {
   EXPECT_FALSE(ran);
 }
 
-TEST(AsyncDeath, OnNullStopsTheProcess) {
+TEST(AsyncDeath, AbortsForNull) {
   GTEST_FLAG_SET(death_test_style, "threadsafe");
   EXPECT_DEATH(dispatch_async(nullptr,
                               ^{
@@ -266,7 +266,7 @@ TEST(AsyncDeath, OnNullStopsTheProcess) {
   std::exit(0);
 }
 
-TEST(ExitDeath, WithBusyWorkersIsAnOrdinaryExit) {
+TEST(ExitDeath, SucceedsWithBusyWorkers) {
   GTEST_FLAG_SET(death_test_style, "threadsafe");
   for (int round = 0; round < 5; ++round) {
     EXPECT_EXIT(exitWithBusyWorkers(), testing::ExitedWithCode(0), "^$");

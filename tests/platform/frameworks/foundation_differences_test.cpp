@@ -30,13 +30,13 @@ using testing::Optional;
 
 // --- searching
 
-TEST(Searching, NothingContainsTheEmptyString) {
+TEST(StringSearch, FindsNoEmptyStringByContainsString) {
   EXPECT_FALSE(probe::contains("abc", ""));
   EXPECT_FALSE(probe::contains("", ""));
   EXPECT_FALSE(probe::contains("\xC3\xA9", ""));
 }
 
-TEST(Searching, TheEmptyStringHasNoLocation) {
+TEST(StringSearch, FindsNoEmptyStringByRange) {
   for (const Search search : {Search::kPlain, Search::kOptions, Search::kOptionsAndRange}) {
     EXPECT_EQ(probe::locationOf("", "abc", search), std::nullopt);
     EXPECT_EQ(probe::locationOf("", "", search), std::nullopt);
@@ -44,7 +44,7 @@ TEST(Searching, TheEmptyStringHasNoLocation) {
   }
 }
 
-TEST(Searching, FindsPartsAsBefore) {
+TEST(StringSearch, FindsOtherParts) {
   EXPECT_TRUE(probe::contains("Display", "Display"));
   EXPECT_TRUE(probe::contains("Display", "play"));
   EXPECT_FALSE(probe::contains("Display", "display"));
@@ -101,7 +101,7 @@ TEST(Decoding, AcceptsExactlyTheFourByteSequencesThatAreUtf8AtTheirBounds) {
   }
 }
 
-TEST(Decoding, RefusesSequencesThatAreCutShort) {
+TEST(Decoding, RejectsTruncatedSequences) {
   for (const std::string& whole :
        {std::string("\xC3\xA9"), std::string("\xE2\x82\xAC"), std::string("\xF0\x9F\x98\x80")}) {
     for (std::size_t length = 1; length < whole.size(); ++length) {
@@ -111,7 +111,7 @@ TEST(Decoding, RefusesSequencesThatAreCutShort) {
   }
 }
 
-TEST(Encoding, OfASurrogateThatStandsAloneGivesNothing) {
+TEST(Encoding, ReturnsNullForALoneSurrogate) {
   EXPECT_EQ(probe::encoded(u"A\U0001F600", Part::kWithoutLastUnit), std::nullopt);
   EXPECT_EQ(probe::encoded(u"\U0001F600A", Part::kWithoutFirstUnit), std::nullopt);
   EXPECT_EQ(probe::encoded(u"\U0001F600\U0001F600", Part::kWithoutFirstUnit), std::nullopt);
@@ -147,7 +147,7 @@ TEST(Conversion, ToAsciiLeavesEachOfItsCharactersUnchanged) {
   }
 }
 
-TEST(Conversion, ThatMayLoseAlwaysGivesData) {
+TEST(Conversion, LossyAlwaysReturnsData) {
   for (unsigned unit = 0; unit < 0x10000; ++unit) {
     if (unit == 0xD800) {
       unit = 0xE000;
@@ -162,7 +162,7 @@ TEST(Conversion, ThatMayLoseAlwaysGivesData) {
   }
 }
 
-TEST(Conversion, ThatMayLoseGivesDataForSurrogatesThatStandAlone) {
+TEST(Conversion, LossyReturnsDataForLoneSurrogates) {
   for (const Encoding encoding : {Encoding::kAscii, Encoding::kMacRoman}) {
     EXPECT_THAT(probe::data(u"a\U0001F600", encoding, true, Part::kWithoutLastUnit), Optional(ElementsAre('a', '?')));
     EXPECT_THAT(probe::data(u"\U0001F600a", encoding, true, Part::kWithoutFirstUnit), Optional(ElementsAre('?', 'a')));
@@ -171,7 +171,7 @@ TEST(Conversion, ThatMayLoseGivesDataForSurrogatesThatStandAlone) {
   }
 }
 
-TEST(Conversion, ThatMayNotLoseGivesNothingForWhatTheEncodingLacks) {
+TEST(Conversion, LosslessReturnsNullForMissingCharacters) {
   EXPECT_EQ(probe::data(u"\u00E9", Encoding::kAscii, false), std::nullopt);
   EXPECT_EQ(probe::data(u"\u65E5", Encoding::kMacRoman, false), std::nullopt);
   EXPECT_EQ(probe::data(u"a\U0001F600", Encoding::kUtf16BigEndian, false, Part::kWithoutLastUnit), std::nullopt);
@@ -205,7 +205,7 @@ std::string urlPath(const std::string& path, Kind kind = Kind::kUnsaid) {
   return url ? url->path : "(none)";
 }
 
-TEST(FileUrl, OfAnExistingDirectoryEndsInASlashUnlessSaidToBeAFile) {
+TEST(FileUrl, OfADirectoryEndsInASlashUnlessCalledAFile) {
   const Folder folder;
   const std::string path = folder.makeFolder("d");
   EXPECT_EQ(urlText(path), "file://" + path + "/");
@@ -213,7 +213,7 @@ TEST(FileUrl, OfAnExistingDirectoryEndsInASlashUnlessSaidToBeAFile) {
   EXPECT_EQ(urlText(path, Kind::kDirectory), "file://" + path + "/");
 }
 
-TEST(FileUrl, OfAnExistingFileEndsInASlashOnlyWhenSaidToBeADirectory) {
+TEST(FileUrl, OfAFileEndsInASlashOnlyWhenCalledADirectory) {
   const Folder folder;
   const std::string path = folder.write("f", "content");
   EXPECT_EQ(urlText(path), "file://" + path);
@@ -221,7 +221,7 @@ TEST(FileUrl, OfAnExistingFileEndsInASlashOnlyWhenSaidToBeADirectory) {
   EXPECT_EQ(urlText(path, Kind::kDirectory), "file://" + path + "/");
 }
 
-TEST(FileUrl, OfNothingThatExistsFollowsThePathsSlash) {
+TEST(FileUrl, OfAMissingPathKeepsItsSlash) {
   EXPECT_EQ(urlText("/no/such/x"), "file:///no/such/x");
   EXPECT_EQ(urlText("/no/such/x/"), "file:///no/such/x/");
   EXPECT_EQ(urlText("/no/such/x/", Kind::kFile), "file:///no/such/x");
@@ -254,7 +254,7 @@ TEST(FileUrl, OfTheEmptyPathIsTheCurrentDirectory) {
   EXPECT_EQ(urlText(""), "file://" + folder.path() + "/");
 }
 
-TEST(FileUrl, OfARelativePathIsNoneWhenTheCurrentDirectoryIsGone) {
+TEST(FileUrl, OfARelativePathIsNullWithoutACurrentDirectory) {
   const Folder folder;
   const std::string gone = folder.makeFolder("gone");
   std::filesystem::current_path(gone);
@@ -264,7 +264,7 @@ TEST(FileUrl, OfARelativePathIsNoneWhenTheCurrentDirectoryIsGone) {
   EXPECT_EQ(urlText("/x"), "file:///x");
 }
 
-TEST(FileUrl, EscapesWhatUrlsReserve) {
+TEST(FileUrl, EscapesReservedCharacters) {
   EXPECT_EQ(urlText("/no/a b"), "file:///no/a%20b");
   EXPECT_EQ(urlText("/no/a#b"), "file:///no/a%23b");
   EXPECT_EQ(urlText("/no/a?b"), "file:///no/a%3Fb");
@@ -273,7 +273,7 @@ TEST(FileUrl, EscapesWhatUrlsReserve) {
   EXPECT_EQ(urlText("/no/\xC3\xA9\xE6\x97\xA5\xF0\x9F\x98\x80"), "file:///no/%C3%A9%E6%97%A5%F0%9F%98%80");
 }
 
-TEST(FileUrl, GivesEveryPathBack) {
+TEST(FileUrl, ReturnsEveryPath) {
   for (unsigned byte = 1; byte < 0x80; ++byte) {
     const std::string path = "/no/a" + std::string(1, static_cast<char>(byte)) + "b";
     EXPECT_EQ(urlPath(path), path);
@@ -292,7 +292,7 @@ TEST(FileUrl, FindsDirectoriesWhoseNamesAreNotAscii) {
   EXPECT_EQ(urlText(path).back(), '/');
 }
 
-TEST(FileUrl, OfAVeryLongPathGivesItBack) {
+TEST(FileUrl, ReturnsAVeryLongPath) {
   for (const std::size_t length : {std::size_t{65000}, std::size_t{70000}, std::size_t{9000000}}) {
     const std::string path = "/" + std::string(length, 'a') + " b/" + std::string(300, 'c');
     const std::optional<FileUrl> url = probe::fileUrl(path);
@@ -303,7 +303,7 @@ TEST(FileUrl, OfAVeryLongPathGivesItBack) {
   }
 }
 
-TEST(FileUrl, OfASurrogateThatStandsAloneIsNone) {
+TEST(FileUrl, IsNullForALoneSurrogate) {
   EXPECT_FALSE(probe::makesFileUrl(u"/\U0001F600", Part::kWithoutLastUnit));
   EXPECT_TRUE(probe::makesFileUrl(u"/\U0001F600", Part::kAll));
 }

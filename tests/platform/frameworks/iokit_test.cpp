@@ -114,20 +114,20 @@ TEST_F(Services, AreListedInTheDesktopsOrder) {
   EXPECT_THAT(vendors, ElementsAre(1, 2, 3));
 }
 
-TEST_F(Services, OfAnotherClassAreNone) {
+TEST_F(Services, AreNoneOfAnotherClass) {
   show({{.vendor = 1}});
   EXPECT_THAT(all(match("IOFramebuffer")), ElementsAre());
   EXPECT_THAT(all(match("")), ElementsAre());
 }
 
-TEST_F(Services, OfADesktopWithoutDisplaysAreNone) { EXPECT_THAT(all(match()), ElementsAre()); }
+TEST_F(Services, AreNoneWithoutDisplays) { EXPECT_THAT(all(match()), ElementsAre()); }
 
-TEST_F(Services, SixtyFourAreAllListed) {
+TEST_F(Services, AreAllListedWhenSixtyFour) {
   show(std::vector<DisplayService>(64));
   EXPECT_EQ(all(match()).size(), 64U);
 }
 
-TEST_F(Services, AnIteratorShowsTheMomentInWhichItWasMade) {
+TEST_F(Services, AreThoseOfTheIteratorsCreation) {
   show({{.vendor = 1}, {.vendor = 2}});
   const io_iterator_t iterator = match();
   const io_service_t first = IOIteratorNext(iterator);
@@ -140,14 +140,14 @@ TEST_F(Services, AnIteratorShowsTheMomentInWhichItWasMade) {
   EXPECT_THAT(all(match()), ElementsAre());
 }
 
-TEST(Matching, IsADictionaryOfTheCallers) {
+TEST(Matching, BelongsToTheCaller) {
   const auto matching = OwnedRef<CFMutableDictionaryRef>::adopt(IOServiceMatching("IODisplayConnect"));
   ASSERT_TRUE(matching);
   EXPECT_EQ(CFGetRetainCount(matching.get()), 1);
   EXPECT_EQ(CFDictionaryGetCount(matching.get()), 1);
 }
 
-TEST(Matching, OfNullOrOfWhatIsNoUtf8IsNull) {
+TEST(Matching, IsNullForNullAndInvalidUtf8) {
   EXPECT_EQ(IOServiceMatching(nullptr), nullptr);
   EXPECT_EQ(IOServiceMatching("\xFF"), nullptr);
 }
@@ -167,7 +167,7 @@ TEST_F(Services, ConsumeTheMatchingDictionaryInSuccessAndFailure) {
   EXPECT_EQ(CFGetRetainCount(matching.get()), 1);
 }
 
-TEST_F(Services, OfANullDictionaryFail) {
+TEST_F(Services, FailForANullDictionary) {
   io_iterator_t iterator = 0;
   EXPECT_EQ(IOServiceGetMatchingServices(kIOMasterPortDefault, nullptr, &iterator), KERN_FAILURE);
   EXPECT_EQ(iterator, 0U);
@@ -200,7 +200,7 @@ TEST_F(Services, StaleAndUnknownHandlesFail) {
   }
 }
 
-TEST_F(Services, AnIteratorIsNoServiceAndAServiceIsNoIterator) {
+TEST_F(Services, AreNotIteratorsNorTheReverse) {
   show({{.vendor = 1}});
   const io_iterator_t iterator = match();
   const io_service_t service = IOIteratorNext(iterator);
@@ -218,7 +218,7 @@ TEST_F(Services, OutliveTheirIterator) {
 
 // --- information dictionaries
 
-TEST_F(Services, TellTheirNumbers) {
+TEST_F(Services, GiveTheirNumbers) {
   const Dictionary info = infoOf({.vendor = 0x10AC, .product = 0xD0A1, .serial = 0xFFFFFFFF});
   EXPECT_EQ(number(info.get(), CFSTR("DisplayVendorID")), 0x10AC);
   EXPECT_EQ(number(info.get(), CFSTR("DisplayProductID")), 0xD0A1);
@@ -226,14 +226,14 @@ TEST_F(Services, TellTheirNumbers) {
   EXPECT_EQ(CFDictionaryGetCount(info.get()), 3);
 }
 
-TEST_F(Services, LeaveOutWhatTheyDoNotKnow) {
+TEST_F(Services, OmitAbsentValues) {
   EXPECT_EQ(CFDictionaryGetCount(infoOf({}).get()), 0);
   EXPECT_EQ(CFDictionaryGetCount(infoOf({.serial = 0}).get()), 1);
 }
 
-TEST_F(Services, WithoutInformationAnswerNull) { EXPECT_FALSE(infoOf({.has_info = false, .vendor = 1})); }
+TEST_F(Services, GiveNullWithoutInformation) { EXPECT_FALSE(infoOf({.has_info = false, .vendor = 1})); }
 
-TEST_F(Services, TellAllNamesUnlessAskedForThePreferredOne) {
+TEST_F(Services, GiveAllNamesOrThePreferredOne) {
   const auto german = support::userLanguage({{"LANG", "de_DE.UTF-8"}});
   const Names names = {{"en", "Screen"},
                        {"de", "Bildschirm"},
@@ -255,14 +255,12 @@ TEST_F(Services, MayHaveNoNamesOrAnEmptyOne) {
               ElementsAre(Pair("en", "")));
 }
 
-TEST_F(Services, DropNamesThatAreNoUtf8) {
+TEST_F(Services, OmitInvalidUtf8Names) {
   EXPECT_THAT(namesIn(infoOf({.product_names = Names{{"en", "\xFF"}, {"de", "Name"}}}).get()),
               ElementsAre(Pair("de", "Name")));
 }
 
-TEST_F(Services, GiveAnInformationDictionaryThatTheCallerOwns) {
-  EXPECT_EQ(CFGetRetainCount(infoOf({.vendor = 1}).get()), 1);
-}
+TEST_F(Services, GiveADictionaryThatTheCallerOwns) { EXPECT_EQ(CFGetRetainCount(infoOf({.vendor = 1}).get()), 1); }
 
 // --- the preferred name
 
@@ -301,7 +299,7 @@ TEST_F(PreferredName, IsEnglishElseTheFirstWithoutTheUsersLanguage) {
 
 // --- hooks
 
-TEST_F(Services, CanBeMadeToFail) {
+TEST_F(Services, ReturnFailureValues) {
   show({{.vendor = 1}});
   const io_iterator_t iterator = match();
   const io_service_t service = IOIteratorNext(iterator);
