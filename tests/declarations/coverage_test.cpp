@@ -1,5 +1,4 @@
-// Everything that platform/include declares occurs in the assertions of framework_declarations.cpp, so that a new
-// declaration cannot go unchecked.
+// Everything that platform/include declares is asserted in framework_declarations.cpp.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -36,7 +35,7 @@ void addMatches(const std::string& text, const std::regex& pattern, Names& names
   }
 }
 
-/// Takes out what `pattern` matches and hands back the matches' first groups.
+/// Removes the matches of `pattern` and returns their first groups.
 std::vector<std::string> takeOut(std::string& text, const std::regex& pattern) {
   std::vector<std::string> groups;
   for (std::sregex_iterator match(text.begin(), text.end(), pattern), end; match != end; ++match) {
@@ -92,7 +91,7 @@ bool mentions(const std::string& text, const std::string& name) {
   return std::regex_search(text, std::regex("\\b" + name + "\\b"));
 }
 
-TEST(NamesDeclaredInAHeader, AreItsMacrosTypesMembersEnumeratorsFunctionsVariablesAndMessages) {
+TEST(DeclaredNames, AreOfEveryKind) {
   const std::string header = R"(
 // A comment that names CommentedOut( is not read.
 #define CF_EXPORT extern
@@ -125,7 +124,7 @@ void* withoutExport(const void* block);
                                    "kVariable", "mainThing", "second", "third", "twice", "withoutExport"));
 }
 
-TEST(FrameworkDeclarations, AssertEveryNameThatPlatformIncludeDeclares) {
+TEST(FrameworkDeclarations, AssertEveryDeclaredName) {
   const std::string assertions = withoutComments(readFile(FRAMEWORK_DECLARATIONS));
   ASSERT_TRUE(mentions(assertions, "CFEqual"));
   Names names;

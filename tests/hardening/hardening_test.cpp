@@ -1,4 +1,4 @@
-// The built files are hardened; readelf and nm say what is true.
+// The built files are hardened, by readelf and nm.
 #include <gmock/gmock.h>
 
 #include <sstream>
@@ -17,7 +17,7 @@ using testing::IsEmpty;
 using testing::Not;
 using testing::StartsWith;
 
-/// One line of the table of segments: its kind, and "R", "W", "E" as far as they apply.
+/// One line of the segment table: its kind, and those of "R", "W" and "E" that apply.
 struct Segment {
   std::string kind;
   std::string access;
@@ -68,7 +68,7 @@ TEST_P(HardenedFile, HasNoExecutableStack) {
   EXPECT_THAT(stacks, testing::ElementsAre("RW"));
 }
 
-TEST_P(HardenedFile, HasNoSegmentThatIsWritableAndExecutable) {
+TEST_P(HardenedFile, HasNoWritableExecutableSegment) {
   const auto segments = segmentsOf(GetParam());
   ASSERT_THAT(segments, Not(IsEmpty()));
   for (const Segment& segment : segments) {
@@ -77,7 +77,7 @@ TEST_P(HardenedFile, HasNoSegmentThatIsWritableAndExecutable) {
   }
 }
 
-TEST_P(HardenedFile, HasNothingOfTheLoadersTablesWritableOnceItIsLoaded) {
+TEST_P(HardenedFile, HasReadOnlyLoaderTables) {
   std::vector<std::string> kinds;
   for (const Segment& segment : segmentsOf(GetParam())) {
     kinds.push_back(segment.kind);
@@ -86,12 +86,12 @@ TEST_P(HardenedFile, HasNothingOfTheLoadersTablesWritableOnceItIsLoaded) {
   EXPECT_THAT(runSuccessfully({"readelf", "--dynamic", "--wide", GetParam()}), HasSubstr("BIND_NOW"));
 }
 
-TEST_P(HardenedFile, IsLoadedAtAnyAddress) {
+TEST_P(HardenedFile, IsPositionIndependent) {
   const std::string header = runSuccessfully({"readelf", "--file-header", "--wide", GetParam()});
   EXPECT_THAT(header, HasSubstr("DYN ("));
 }
 
-TEST_P(HardenedFile, ChecksItsStacks) { EXPECT_THAT(undefinedSymbolsOf(GetParam()), Contains("__stack_chk_fail")); }
+TEST_P(HardenedFile, ChecksItsStack) { EXPECT_THAT(undefinedSymbolsOf(GetParam()), Contains("__stack_chk_fail")); }
 
 std::string nameOfFile(const testing::TestParamInfo<const char*>& info) {
   static constexpr const char* kNames[] = {"Plugin", "Platform", "Tool"};
@@ -102,7 +102,7 @@ INSTANTIATE_TEST_SUITE_P(Each, HardenedFile,
                          testing::Values(OSTREVIN_LIBRARY, OSTREVIN_PLATFORM_LIBRARY, OSTREVIN_HOST), nameOfFile);
 
 #ifndef OSTREVIN_SANITIZED  // sanitizers put their own checks around these functions
-TEST(Plugin, CopiesMemoryWithBoundsWhereTheCompilerKnowsThem) {
+TEST(HardenedPlugin, ChecksBoundsOfCopies) {
   EXPECT_THAT(undefinedSymbolsOf(OSTREVIN_LIBRARY), Contains(testing::AllOf(StartsWith("__"), EndsWith("_chk"))));
 }
 #endif

@@ -43,7 +43,7 @@ bool isAnotherOnesCall(GDBusMessage* message, gboolean incoming) {
 }  // namespace
 
 ColordCalls::ColordCalls() : seen_(g_async_queue_new(), g_async_queue_unref), connection_(connectToBus()) {
-  // What the filter drops is not answered: a monitor that sends anything is thrown off the bus.
+  // The filter drops messages without a reply: the bus disconnects a monitor that sends anything.
   const auto filter = +[](GDBusConnection*, GDBusMessage* message, gboolean incoming, gpointer seen) -> GDBusMessage* {
     if (!isAnotherOnesCall(message, incoming)) {
       return message;

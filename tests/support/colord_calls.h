@@ -1,4 +1,4 @@
-// ColordCalls: what processes ask of colord on the system bus, as the bus itself sees it pass.
+// ColordCalls: the calls of colord on the system bus, as the bus reports them.
 //
 // The bus is the one that DBUS_SYSTEM_BUS_ADDRESS names. It must run as the user of the test, who may then monitor it.
 #pragma once
@@ -18,7 +18,7 @@ class ColordCalls {
   ColordCalls(const ColordCalls&) = delete;
   ColordCalls& operator=(const ColordCalls&) = delete;
 
-  /// Returns once colord has been asked for something, answered or not. Throws std::runtime_error after 30 seconds.
+  /// Returns after a call of colord, with or without a reply. Throws std::runtime_error after 30 seconds.
   void waitForOne();
 
  private:

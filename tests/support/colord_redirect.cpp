@@ -1,4 +1,4 @@
-// Preloaded into a test's colord: gives it a directory of the test's instead of /var/lib/colord, and no plugins. Both
+// Preloaded into a test's colord: moves /var/lib/colord to the test's directory and hides the plugins. Both
 // paths are compiled into colord, which passes them to these four functions; each of them here changes the path and
 // calls the library's own.
 #include <dlfcn.h>

@@ -1,4 +1,4 @@
-// Makes EDIDs for tests: valid ones by default, of whatever monitor a test needs.
+// Makes EDIDs for tests, valid ones by default.
 #pragma once
 
 #include <cstdint>

@@ -8,7 +8,7 @@
 
 namespace support {
 
-/// Sets variables, or with no value takes them away, and puts them back at the end.
+/// Sets variables (nullopt: removes them) and restores them in the destructor.
 class EnvironmentVariables {
  public:
   using Values = std::map<std::string, std::optional<std::string>>;
@@ -40,7 +40,7 @@ class EnvironmentVariables {
   Values before_;
 };
 
-/// What says the user's language: these variables, and none of the others.
+/// Sets the user's language by these variables, and removes the others that could.
 inline EnvironmentVariables userLanguage(EnvironmentVariables::Values values) {
   for (const char* const name : {"LANGUAGE", "LC_ALL", "LC_MESSAGES", "LANG"}) {
     values.try_emplace(name, std::nullopt);

@@ -48,7 +48,7 @@ class IccMaker {
   IccMaker& description(std::string_view text);
   /// Adds a line to the tag table and nothing to the file.
   IccMaker& tableLine(std::string_view signature, std::uint32_t offset, std::uint32_t size);
-  /// What the header and the table say instead of the truth.
+  /// False values for the header and the table.
   IccMaker& declaredSize(std::uint32_t size);
   IccMaker& declaredTagCount(std::uint32_t count);
 

@@ -1,5 +1,4 @@
-// UTF-8 and UTF-16 as ICU reads them: the opinion that conversions are compared with. Programs that use this link
-// ICU::uc. Any thread may call.
+// UTF-8 and UTF-16 as ICU converts them: the oracle for conversions. Link ICU::uc. Any thread.
 #pragma once
 
 #include <unicode/ustring.h>
@@ -11,7 +10,7 @@
 
 namespace support {
 
-/// Nothing when the text is malformed.
+/// Nullopt for malformed text.
 inline std::optional<std::u16string> utf16ByIcu(std::string_view utf8) {
   std::u16string units(utf8.size(), u'\0');
   int32_t length = 0;
@@ -25,7 +24,7 @@ inline std::optional<std::u16string> utf16ByIcu(std::string_view utf8) {
   return units;
 }
 
-/// Nothing when the text is malformed.
+/// Nullopt for malformed text.
 inline std::optional<std::string> utf8ByIcu(std::u16string_view utf16) {
   std::string bytes(utf16.size() * 3, '\0');
   int32_t length = 0;

@@ -191,7 +191,7 @@ std::string PrivateColord::colormgr(const std::vector<std::string>& arguments) c
 }
 
 std::string PrivateColord::defaultProfileFile(const std::string& device_id) const {
-  // Of a device without profiles colormgr says so and fails; it lists the device's profiles just the same.
+  // colormgr fails for a device without profiles.
   const std::string device = colormgr({"find-device", device_id});
   if (fields(device, "Profile 1").empty()) {
     return "";

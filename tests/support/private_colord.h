@@ -1,14 +1,12 @@
-// A real colord of the test's own, on a real system bus of the test's own.
+// A private colord on a private system bus, both real.
 //
 // The bus is a dbus-daemon on a socket in a temporary directory, named to this process and its children by
-// DBUS_SYSTEM_BUS_ADDRESS. colord keeps its state in a directory of the test's instead of /var/lib/colord and loads no
-// plugins, which would start processes of their own to look for scanners; colord_redirect.cpp, preloaded into it, sees
-// to both. So tests run at the same time, need no privilege and do not touch the computer's own colord. Bus and colord
-// die with the test.
+// DBUS_SYSTEM_BUS_ADDRESS. colord_redirect.cpp, preloaded into colord, moves its state from /var/lib/colord to the
+// temporary directory and hides its plugins, which would start processes that look for scanners. So tests run in
+// parallel, need no privilege and do not touch the computer's colord. Bus and colord end with the test.
 //
-// There is no polkit on the bus. None is needed: colord lets root and the user that it runs as itself do everything
-// without asking, and it runs as the user of the test, root or not. So what polkit would deny to a user is not tested
-// here.
+// The bus has no polkit. colord permits everything to root and to the user that it runs as, which is the test's; so
+// what polkit denies to a user is not tested.
 //
 // A test creates the rig before anything in the process uses the system bus.
 #pragma once
@@ -29,8 +27,8 @@ namespace support {
 
 class PrivateColord {
  public:
-  /// Starts the bus and colord, and waits until colord answers. Throws std::runtime_error with what they printed as
-  /// soon as one of them ends, and after 30 seconds when colord does not answer.
+  /// Starts the bus and colord, and waits for colord's first reply. Throws std::runtime_error with their output when
+  /// one of them ends, and after 30 seconds without a reply.
   PrivateColord();
   ~PrivateColord();
   PrivateColord(const PrivateColord&) = delete;
@@ -41,17 +39,17 @@ class PrivateColord {
   /// A path of a copy, in the temporary directory, of one of colord's profiles ("AdobeRGB1998.icc").
   std::filesystem::path copyOfProfile(const std::string& colord_profile, const std::string& name) const;
 
-  /// Starts colord again after stop(), and waits until it answers.
+  /// Starts colord after stop(), and waits for its first reply.
   void start();
   void stop();
   void restart();
-  /// colord stays on the bus and answers nothing until resume().
+  /// colord stays on the bus without replying until resume().
   void suspend() { colord_->signal(SIGSTOP); }
   void resume() { colord_->signal(SIGCONT); }
-  /// The bus goes away, and everything that was on it loses its connection.
+  /// Ends the bus and with it every connection.
   void stopBus();
   void startBus();
-  /// The bus stays, and passes nothing on until resumeBus().
+  /// The bus forwards nothing until resumeBus().
   void suspendBus() { bus_->signal(SIGSTOP); }
   void resumeBus() { bus_->signal(SIGCONT); }
 
@@ -61,7 +59,7 @@ class PrivateColord {
                              const std::string& kind = "display");
   void deleteDevice(const std::string& object_path);
 
-  /// What colormgr prints with these arguments. Throws std::runtime_error with its messages when it fails.
+  /// colormgr's output with these arguments. Throws std::runtime_error with its messages when it fails.
   std::string colormgr(const std::vector<std::string>& arguments) const;
   /// The file of the device's default profile as colormgr reports it; "" when it has none.
   std::string defaultProfileFile(const std::string& device_id) const;

@@ -117,7 +117,7 @@ void writeAll(int fd, const std::string& text) {
   while (written < text.size()) {
     const ssize_t count = write(fd, text.data() + written, text.size() - written);
     if (count < 0) {
-      return;  // the program does not read its input; its output tells
+      return;  // the program does not read its input
     }
     written += static_cast<std::size_t>(count);
   }

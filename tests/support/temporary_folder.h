@@ -50,7 +50,7 @@ class TemporaryFolder {
 };
 
 /// Runs a check in a child process without root's rights, so that file permissions apply; returns its result. False,
-/// too, when the child cannot give up its rights or does not end in order.
+/// too, when the child cannot give up its rights or crashes.
 inline bool holdsUnprivileged(const std::function<bool()>& check) {
   constexpr unsigned kNobody = 65534;
   const pid_t child = fork();

@@ -193,7 +193,7 @@ bool XProxy::forwardFromServer(Connection& connection) {
   connection.from_server += static_cast<std::uint64_t>(count);
   most_bytes_from_server_ = std::max<std::uint64_t>(most_bytes_from_server_, connection.from_server);
   if (at_limit_ == AtLimit::kDeaf && connection.from_server >= limit_) {
-    shutdown(connection.client, SHUT_RD);  // before the client can answer to what it gets now
+    shutdown(connection.client, SHUT_RD);  // before the client can reply to these bytes
     connection.deaf = true;
   }
   return sendAll(connection.client, buffer.data(), static_cast<std::size_t>(count));

@@ -1,5 +1,5 @@
 // A socket between clients and an X server, through which a test makes the server cut a connection or hang anywhere,
-// and counts what clients ask.
+// and counts their requests.
 #pragma once
 
 #include <atomic>
@@ -34,7 +34,7 @@ class XProxy {
   /// Removes the limit, from connections that hang as well.
   void resume();
   std::uint64_t bytesFromClients() const { return bytes_from_clients_; }
-  /// The most bytes that one connection has got from the server.
+  /// The most bytes that one connection has received from the server.
   std::uint64_t mostBytesFromServer() const { return most_bytes_from_server_; }
   std::uint64_t connections() const { return connections_; }
 

@@ -82,7 +82,7 @@ class XServer {
 
  protected:
   XServer() = default;
-  /// Starts the program, which takes a display number of its own when `display` is empty.
+  /// Starts the program, which chooses a display number when `display` is empty.
   void start(std::vector<std::string> command, const std::string& display, const Environment& environment = {});
   xcb_connection_t* connection() const { return connection_.get(); }
   xcb_window_t root() const;
@@ -98,7 +98,7 @@ class XServer {
   TemporaryFolder directory_;
   std::string display_;
   std::unique_ptr<ChildProcess> process_;
-  std::unique_ptr<xcb_connection_t, Disconnect> connection_;  ///< keeps the server from starting anew without clients
+  std::unique_ptr<xcb_connection_t, Disconnect> connection_;  ///< a server without clients would reset itself
 };
 
 /// A real Xorg with sixteen outputs, DUMMY0 to DUMMY15, none of which needs hardware. DUMMY0 is on at first, 1024 x
@@ -113,7 +113,7 @@ class XorgServer final : public XServer {
   /// An empty display: any free one.
   explicit XorgServer(const std::string& display = {});
 
-  /// A display name that no other test uses, for a server that is to be killed, or started again at the same one.
+  /// A display name that no other test uses, for a server that is killed or restarted.
   static std::string reservedDisplay();
 
   /// Switches outputs on, of any size, or moves them; all in one change.

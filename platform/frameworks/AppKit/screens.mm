@@ -72,7 +72,7 @@ struct ScreenListContents {
 - (NSUInteger)countByEnumeratingWithState:(NSFastEnumerationState*)state objects:(id*)stackbuf count:(NSUInteger)len {
   (void)stackbuf;
   (void)len;
-  // A list never changes: nothing ever counts a change.
+  // A list never changes.
   static unsigned long unchanged = 0;
   if (state->state != 0) {
     return 0;
@@ -92,8 +92,8 @@ struct ScreenListContents {
 
 namespace {
 
-/// The list for the arrangement of this moment. A list that is out of date is given to the autorelease pool, so that a
-/// screen borrowed from it stays valid as long as anything else borrowed in the same pool.
+/// The list for the current arrangement. An outdated list is autoreleased, so that a screen borrowed from it stays
+/// valid in the caller's pool.
 PlatformScreenList* currentList() {
   static PlatformScreenList* list = nil;
   const auto arrangement = platform::desktop::current()->arrangement();

@@ -31,7 +31,7 @@ enum : CFTypeID {
 
 id object(CFTypeRef reference) { return static_cast<id>(const_cast<void*>(reference)); }
 
-/// Booleans are numbers to Foundation, in a class of their own.
+/// In Foundation, booleans are numbers of a separate class.
 bool isBoolean(id value) {
   static const Class boolean_class = [[NSNumber numberWithBool:YES] class];
   return [value isKindOfClass:boolean_class];

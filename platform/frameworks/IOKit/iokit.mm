@@ -45,7 +45,7 @@ bool matchesDisplays(NSDictionary* matching) {
 
 void setNumber(NSMutableDictionary* info, const char* key, std::optional<std::uint32_t> value) {
   if (value) {
-    // Signed, so that a reader who asks for 32 signed bits gets these bits.
+    // Signed, so that these bits are read as 32 signed bits.
     [info setObject:[NSNumber numberWithInt:static_cast<int>(*value)] forKey:text(key)];
   }
 }

@@ -161,7 +161,7 @@ void dispatch_async(dispatch_queue_t queue, dispatch_block_t block) noexcept {
   queue->blocks.push_back(Block_copy(block));
   ++unfinished;
   if (!queue->has_worker) {
-    // A system that is out of threads leaves the block in the queue, for the worker that a later call may start.
+    // Without a thread the block stays in the queue for the worker of a later call.
     queue->has_worker = startWorker(*queue);
   }
 }

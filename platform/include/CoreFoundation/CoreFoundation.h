@@ -1,4 +1,4 @@
-// CoreFoundation, as far as the plugin and its tests use it, for computers that are not Macs.
+// The part of CoreFoundation that the plugin and its tests use, for computers that are not Macs.
 //
 // Types are toll-free bridged to Foundation objects: a CFStringRef is an NSString*, a CFURLRef an NSURL*, and so on.
 // Any thread may call any function; objects follow Foundation's own rules. Functions named Create or Copy return a

@@ -1,3 +1,3 @@
-// Foundation's headers ask for this file under this name; the block run-time's own header is Block.h.
+// Foundation's headers include the block run-time under this name.
 #pragma once
 #include <Block.h>

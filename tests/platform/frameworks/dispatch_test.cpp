@@ -110,7 +110,7 @@ TEST(Queue, ReusesAnIdleThread) {
     });
     ASSERT_TRUE(drained(queue));
   }
-  // A worker that is not quite idle yet when the next queue begins has another one started beside it.
+  // A second worker is started when the first is not idle yet.
   EXPECT_LT(threads->size(), kQueues / 2);
 }
 

@@ -1,4 +1,4 @@
-// Where Foundation was made to behave as Apple's does, and that nothing else about it has changed.
+// Foundation behaves like Apple's where methods were replaced, and as before elsewhere.
 #include <gmock/gmock.h>
 #include <iconv.h>
 #include <sys/stat.h>

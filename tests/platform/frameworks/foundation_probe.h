@@ -1,4 +1,4 @@
-// What Foundation itself answers, for tests of how it was made to behave. Each function has an autorelease pool of its
+// Foundation's own results, for tests of its replaced methods. Each function has an autorelease pool of its
 // own.
 #pragma once
 
@@ -16,7 +16,7 @@ namespace probe {
 bool contains(const std::string& text, const std::string& part);
 
 enum class Search { kPlain, kOptions, kOptionsAndRange };
-/// The location that rangeOfString: and its longer forms give; nothing for NSNotFound.
+/// The location from rangeOfString: and its longer forms; nullopt for NSNotFound.
 std::optional<std::size_t> locationOf(const std::string& part, const std::string& text, Search search);
 
 /// What stringWithUTF8String: makes of the bytes before the first NUL, as UTF-16; nothing for nil.
@@ -25,7 +25,7 @@ std::optional<std::u16string> decoded(const std::string& utf8);
 /// Foundation makes no string whose surrogates do not come in pairs, but a part of a string may be one.
 enum class Part { kAll, kWithoutFirstUnit, kWithoutLastUnit };
 
-/// What UTF8String gives; nothing for null.
+/// UTF8String's result; nullopt for null.
 std::optional<std::string> encoded(const std::u16string& text, Part part = Part::kAll);
 
 enum class Encoding { kAscii, kMacRoman, kUtf8, kUtf16BigEndian };
@@ -42,9 +42,9 @@ struct FileUrl {
   std::string last_component;
 };
 
-/// fileURLWithPath: or, when the kind is said, fileURLWithPath:isDirectory:; nothing for nil.
+/// fileURLWithPath: or, with a kind, fileURLWithPath:isDirectory:; nullopt for nil.
 std::optional<FileUrl> fileUrl(const std::string& path, Kind kind = Kind::kUnsaid);
-/// Whether both give a URL for this part of a path.
+/// True when both return a URL for this part of a path.
 bool makesFileUrl(const std::u16string& path, Part part);
 
 // --- the system's version

@@ -13,7 +13,7 @@ enum { kIODisplayOnlyPreferredName = 0x00000200 };
 #define kDisplaySerialNumber "DisplaySerialNumber"
 #define kDisplayProductName "DisplayProductName"
 
-/// What is known of the display behind a service, or null; the caller releases.
+/// The information about a service's display, or null; the caller releases.
 CF_EXPORT CFDictionaryRef IODisplayCreateInfoDictionary(io_service_t framebuffer, IOOptionBits options);
 
 CF_EXTERN_C_END
