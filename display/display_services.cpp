@@ -28,14 +28,23 @@ CFStringRef firstName(CFDictionaryRef names, CFIndex count) {
   return checkedCast<CFStringRef>(values.front(), CFStringGetTypeID());
 }
 
+/// Kept for the life of the process: a name that is returned lives inside it.
+CFDictionaryRef leakedInfo(io_service_t service) {
+  return leakOnPurpose(IODisplayCreateInfoDictionary(service, kIODisplayOnlyPreferredName));
+}
+
+/// Deliberately not released. Null without a UUID.
+CFStringRef leakedKey(CFUUIDRef uuid) {
+  return uuid != nullptr ? leakOnPurpose(CFUUIDCreateString(kCFAllocatorDefault, uuid)) : nullptr;
+}
+
 /// The product names of the display in IOKit; null when IOKit has no such display or no names for it.
 CFDictionaryRef productNames(CGDirectDisplayID displayID) {
   const IoObject service = IoObject::adopt(device_iterator::IOServicePortFromCGDisplayID(displayID));
   if (!service) {
     return nullptr;
   }
-  // Kept for the life of the process: a name that is returned lives inside it.
-  const CFDictionaryRef info = leakOnPurpose(IODisplayCreateInfoDictionary(service.get(), kIODisplayOnlyPreferredName));
+  const CFDictionaryRef info = leakedInfo(service.get());
   return info != nullptr ? checkedValue<CFDictionaryRef>(info, CFSTR(kDisplayProductName), CFDictionaryGetTypeID())
                          : nullptr;
 }
@@ -71,8 +80,7 @@ CFStringRef __knownDisplayForUUID(CFUUIDRef uuid) {  // NOLINT(bugprone-reserved
     displayDict = CFDictionaryCreateMutable(kCFAllocatorDefault, 0, &kCFTypeDictionaryKeyCallBacks,
                                             &kCFTypeDictionaryValueCallBacks);
   }
-  // The key is deliberately not released.
-  const CFStringRef key = uuid != nullptr ? leakOnPurpose(CFUUIDCreateString(kCFAllocatorDefault, uuid)) : nullptr;
+  const CFStringRef key = leakedKey(uuid);
   if (key == nullptr) {
     return unknownName();
   }
