@@ -22,8 +22,8 @@ CFURLRef device_iterator::profile_path = nullptr;
 CFStringRef device_iterator::device_name = nullptr;
 std::vector<device_iterator::DeviceRecord>* device_iterator::devices_info = nullptr;
 
-internal::AnswerWait internal::answer_wait = [](const std::future<bool>& answer, std::chrono::seconds limit) {
-  return answer.wait_for(limit);
+internal::WalkWait internal::walk_wait = [](const std::future<bool>& result, std::chrono::seconds limit) {
+  return result.wait_for(limit);
 };
 
 namespace {
@@ -103,7 +103,7 @@ bool seek(CFUUIDRef uuid) {
 /// function and the block share the promise: a walk that goes on after the limit fulfils one that still exists.
 bool walkMatches(std::chrono::seconds limit) {
   const auto promise = std::make_shared<std::promise<bool>>();
-  const std::future<bool> answer = promise->get_future();
+  const std::future<bool> result = promise->get_future();
   // Kept for the life of the process: deliberately a queue per query, so that a hung walk holds up no later one.
   auto* const queue = dispatch_queue_create("SERIAL_QUEUE", nullptr);
   if (queue == nullptr) {
@@ -112,7 +112,7 @@ bool walkMatches(std::chrono::seconds limit) {
   dispatch_async(queue, ^{
     ColorSyncIterateDeviceProfiles(device_iterator::deviceListIterator, promise.get());
   });
-  return internal::answer_wait(answer, limit) == std::future_status::ready;
+  return internal::walk_wait(result, limit) == std::future_status::ready;
 }
 
 // --- the callback

@@ -50,10 +50,10 @@ std::span<const CGDirectDisplayID> activeDisplays();
 
 // --- waiting for ColorSync
 
-using AnswerWait = std::future_status (*)(const std::future<bool>& answer, std::chrono::seconds limit);
+using WalkWait = std::future_status (*)(const std::future<bool>& result, std::chrono::seconds limit);
 
 /// How a query waits for its walk: in real time, unless a test sets another wait before any query.
-extern AnswerWait answer_wait;
+extern WalkWait walk_wait;
 
 // --- names and references
 

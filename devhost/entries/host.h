@@ -8,8 +8,8 @@
 //     return devhost::Value();
 //   });
 //   plugin.call("SetListener", {listener});
-//   auto answer = plugin.call("GetName", {1});
-//   answer["name"].text();
+//   auto result = plugin.call("GetName", {1});
+//   result["name"].text();
 //
 // One thread at a time.
 #pragma once

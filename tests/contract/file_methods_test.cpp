@@ -25,9 +25,9 @@ class FileMethods : public MethodTest {
 };
 
 TEST_F(FileMethods, QV02ReadReplacesTheArgument) {
-  const auto answer = read(profileWith("<profile name=\"Größe\"/>"));
-  EXPECT_EQ(answer.result.integer(), kNoError);
-  EXPECT_EQ(answer["xmlString"].text(), "<profile name=\"Größe\"/>");
+  const auto result = read(profileWith("<profile name=\"Größe\"/>"));
+  EXPECT_EQ(result.result.integer(), kNoError);
+  EXPECT_EQ(result["xmlString"].text(), "<profile name=\"Größe\"/>");
 }
 
 TEST_F(FileMethods, QV02ReadKeepsNulsInTheDocument) {
@@ -36,15 +36,15 @@ TEST_F(FileMethods, QV02ReadKeepsNulsInTheDocument) {
 }
 
 TEST_F(FileMethods, QV02ReadAcceptsAnEmptyDocument) {
-  const auto answer = read(profileWith(""));
-  EXPECT_EQ(answer.result.integer(), kNoError);
-  EXPECT_EQ(answer["xmlString"].text(), "");
+  const auto result = read(profileWith(""));
+  EXPECT_EQ(result.result.integer(), kNoError);
+  EXPECT_EQ(result["xmlString"].text(), "");
 }
 
 TEST_F(FileMethods, QV02ReadWithoutTheTagStoresAnEmptyText) {
-  const auto answer = read(folder.write("without.icc", support::displayProfile("a")));
-  EXPECT_EQ(answer.result.integer(), kFailedToReadTag);
-  EXPECT_EQ(answer["xmlString"].text(), "");
+  const auto result = read(folder.write("without.icc", support::displayProfile("a")));
+  EXPECT_EQ(result.result.integer(), kFailedToReadTag);
+  EXPECT_EQ(result["xmlString"].text(), "");
 }
 
 TEST_F(FileMethods, ICCTagExistsFindsTheTagsOfTheFile) {

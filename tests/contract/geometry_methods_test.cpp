@@ -9,35 +9,35 @@ using contract::MethodTest;
 using contract::Script;
 using devhost::RawSlot;
 using devhost::Value;
-using platform::calls::Answer;
 using platform::calls::Call;
+using platform::calls::Fault;
 
 constexpr std::uint64_t kNotFound = 4099018739;
 
 using GeometryMethods = MethodTest;
 
 TEST_F(GeometryMethods, GetRectWritesTruncatedEdges) {
-  const auto answer = plugin.call("GetRect", {2});
-  EXPECT_EQ(answer["left"].integer(), -1440);
-  EXPECT_EQ(answer["top"].integer(), 0);
-  EXPECT_EQ(answer["right"].integer(), 0);
-  EXPECT_EQ(answer["bottom"].integer(), 900);
+  const auto result = plugin.call("GetRect", {2});
+  EXPECT_EQ(result["left"].integer(), -1440);
+  EXPECT_EQ(result["top"].integer(), 0);
+  EXPECT_EQ(result["right"].integer(), 0);
+  EXPECT_EQ(result["bottom"].integer(), 900);
 }
 
 TEST_F(GeometryMethods, GetRectWritesFourBytesPerEdge) {
   const RawSlot ones{0xFFFFFFFFFFFFFFFF};
-  const auto answer = plugin.call("GetRect", {3, ones, ones, ones, ones});
-  EXPECT_EQ(answer.slot("left"), 0xFFFFFFFF000005A0U);
-  EXPECT_EQ(answer.slot("right"), 0xFFFFFFFF00000D20U);
-  EXPECT_EQ(answer.slot("bottom"), 0xFFFFFFFF000003D4U);
+  const auto result = plugin.call("GetRect", {3, ones, ones, ones, ones});
+  EXPECT_EQ(result.slot("left"), 0xFFFFFFFF000005A0U);
+  EXPECT_EQ(result.slot("right"), 0xFFFFFFFF00000D20U);
+  EXPECT_EQ(result.slot("bottom"), 0xFFFFFFFF000003D4U);
 }
 
 TEST_F(GeometryMethods, GetCGRectWritesOriginAndSize) {
-  const auto answer = plugin.call("GetCGRect", {2});
-  EXPECT_EQ(answer["x"].real(), -1440.5);
-  EXPECT_EQ(answer["y"].real(), 0.0);
-  EXPECT_EQ(answer["width"].real(), 1440.0);
-  EXPECT_EQ(answer["height"].real(), 900.0);
+  const auto result = plugin.call("GetCGRect", {2});
+  EXPECT_EQ(result["x"].real(), -1440.5);
+  EXPECT_EQ(result["y"].real(), 0.0);
+  EXPECT_EQ(result["width"].real(), 1440.0);
+  EXPECT_EQ(result["height"].real(), 900.0);
 }
 
 TEST_F(GeometryMethods, GetIndexReturnsThePosition) {

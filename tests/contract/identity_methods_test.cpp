@@ -11,8 +11,8 @@ using testing::IsEmpty;
 using IdentityMethods = MethodTest;
 
 TEST_F(IdentityMethods, GetNameStoresTheProductName) {
-  const auto answer = plugin.call("GetName", {2});
-  EXPECT_EQ(answer["name"].text(), "Größe 27″");
+  const auto result = plugin.call("GetName", {2});
+  EXPECT_EQ(result["name"].text(), "Größe 27″");
 }
 
 TEST_F(IdentityMethods, GetNameStoresUNKNOWNForUnknownDisplay) {

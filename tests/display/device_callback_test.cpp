@@ -189,7 +189,7 @@ TEST_F(DeviceListIterator, DropsAMatchForAnEarlierQuery) {
     if (nth == 4) {
       device_iterator::inUUIDstr = other.get();
     }
-    return Answer{};
+    return Fault{};
   });
   expectNoMatch(made.get());
   EXPECT_EQ(device_iterator::inUUIDstr, other.get());

@@ -173,7 +173,7 @@ TEST_F(IOServicePort, IsNoneWhenACallFails) {
 
 TEST_F(IOServicePort, IsNoneWhenAnErrorComesWithTheServices) {
   platform::calls::setHook(Call::IOServiceGetMatchingServices,
-                           [](std::uint64_t) { return Answer{.late_error = KERN_FAILURE}; });
+                           [](std::uint64_t) { return Fault{.late_error = KERN_FAILURE}; });
   EXPECT_FALSE(FoundService(1));
   EXPECT_EQ(text(DisplayNameForID(1)), "UNKNOWN");
 }

@@ -79,7 +79,7 @@ TEST_F(LateWalk, IsDroppedBetweenAnotherMatchAndItsAnswer) {
       reached_match.happen();
       may_go_on.wait();
     }
-    return Answer{};
+    return Fault{};
   });
   stopHanging();
   waitInNoTime([&] { reached_match.wait(); });

@@ -8,7 +8,7 @@ using namespace display_tests;
 using DisplayServices::BuildInitialMonitorsSet;
 using DisplayServices::DisplaysChanged;
 using DisplayServices::monitors_set;
-using support::answerOnce;
+using support::faultOnce;
 using testing::SizeIs;
 using testing::UnorderedElementsAre;
 
@@ -66,29 +66,29 @@ TEST_F(MonitorsSet, StaysEmptyWhenListingFails) {
 }
 
 TEST_F(MonitorsSet, IgnoresAnErrorWithACount) {
-  answerOnce(Call::CGGetActiveDisplayList, 1, {.late_error = kCGErrorFailure});
+  faultOnce(Call::CGGetActiveDisplayList, 1, {.late_error = kCGErrorFailure});
   EXPECT_THAT(build(), SizeIs(3));
 }
 
 TEST_F(MonitorsSet, StaysEmptyAfterAnErrorWithAList) {
-  answerOnce(Call::CGGetActiveDisplayList, 2, {.late_error = kCGErrorFailure});
+  faultOnce(Call::CGGetActiveDisplayList, 2, {.late_error = kCGErrorFailure});
   EXPECT_THAT(build(), SizeIs(0));
 }
 
 TEST_F(MonitorsSet, ReadsNoFurtherThanItsBuffer) {
-  answerOnce(Call::CGGetActiveDisplayList, 2, {.number = 1000});
+  faultOnce(Call::CGGetActiveDisplayList, 2, {.number = 1000});
   EXPECT_THAT(build(), SizeIs(3));
 }
 
 TEST_F(MonitorsSet, HasOnlyListedDisplays) {
-  answerOnce(Call::CGGetActiveDisplayList, 2, {.number = 1});
+  faultOnce(Call::CGGetActiveDisplayList, 2, {.number = 1});
   EXPECT_THAT(build(), UnorderedElementsAre(makeUuid(1).get()));
-  answerOnce(Call::CGGetActiveDisplayList, 2, {.number = 0});
+  faultOnce(Call::CGGetActiveDisplayList, 2, {.number = 0});
   EXPECT_THAT(build(), SizeIs(0));
 }
 
 TEST_F(MonitorsSet, HasOnlyCountedDisplays) {
-  answerOnce(Call::CGGetActiveDisplayList, 1, {.number = 2});
+  faultOnce(Call::CGGetActiveDisplayList, 1, {.number = 2});
   EXPECT_THAT(build(), UnorderedElementsAre(makeUuid(1).get(), makeUuid(2).get()));
 }
 

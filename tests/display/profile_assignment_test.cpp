@@ -37,8 +37,7 @@ TEST_F(ProfileAssignment, SetsTheDefaultProfileOnly) {
               "/new.icc");
     return CFRetain(given);
   };
-  platform::calls::setHook(Call::ColorSyncDeviceSetCustomProfiles,
-                           [&](std::uint64_t) { return Answer{.edit = &look}; });
+  platform::calls::setHook(Call::ColorSyncDeviceSetCustomProfiles, [&](std::uint64_t) { return Fault{.edit = &look}; });
   const auto url = makeUrl("/new.icc");
   EXPECT_TRUE(SetProfileForDisplay(url.get(), 2));
   EXPECT_EQ(queriedPath(2), "/new.icc");

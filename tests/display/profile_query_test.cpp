@@ -99,7 +99,7 @@ TEST_F(ProfileQuery, WalksOnAQueueWithItsLabel) {
     std::array<char, 16> name{};  // a queue's thread is called after it
     pthread_getname_np(pthread_self(), name.data(), name.size());
     label = name.data();
-    return Answer{};
+    return Fault{};
   });
   EXPECT_EQ(queriedPath(1), "/profiles/1.icc");
   EXPECT_EQ(label, "SERIAL_QUEUE");

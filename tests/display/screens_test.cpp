@@ -8,8 +8,8 @@
 
 namespace {
 
-using platform::calls::Answer;
 using platform::calls::Call;
+using platform::calls::Fault;
 using platform::desktop::Script;
 using support::display;
 using support::screen;
@@ -143,20 +143,20 @@ TEST(DisplayIDForRect, Returns0WithoutADisplay) {
 
 TEST(DisplayIDForRect, Returns0AfterAnError) {
   const ScriptedSession session(twoDisplays());
-  platform::calls::setHook(Call::CGGetDisplaysWithRect, [](std::uint64_t) { return Answer{.fail = true}; });
+  platform::calls::setHook(Call::CGGetDisplaysWithRect, [](std::uint64_t) { return Fault{.fail = true}; });
   EXPECT_EQ(DisplayServices::DisplayIDForRect(CGRectMake(10, 10, 20, 20)), 0U);
 }
 
 TEST(DisplayIDForRect, Returns0AfterAnErrorWithAList) {
   const ScriptedSession session(twoDisplays());
   platform::calls::setHook(Call::CGGetDisplaysWithRect,
-                           [](std::uint64_t) { return Answer{.late_error = kCGErrorFailure}; });
+                           [](std::uint64_t) { return Fault{.late_error = kCGErrorFailure}; });
   EXPECT_EQ(DisplayServices::DisplayIDForRect(CGRectMake(10, 10, 20, 20)), 0U);
 }
 
 TEST(DisplayIDForRect, IgnoresTheCount) {
   const ScriptedSession session(twoDisplays());
-  platform::calls::setHook(Call::CGGetDisplaysWithRect, [](std::uint64_t) { return Answer{.number = 0}; });
+  platform::calls::setHook(Call::CGGetDisplaysWithRect, [](std::uint64_t) { return Fault{.number = 0}; });
   EXPECT_EQ(DisplayServices::DisplayIDForRect(CGRectMake(110, 10, 20, 20)), 2U);
 }
 

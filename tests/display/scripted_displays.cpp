@@ -20,17 +20,17 @@ Waits& waits() {
 }
 
 /// The wait as it is before any test replaces it.
-DisplayServices::internal::AnswerWait realWait() {
-  static const auto real = DisplayServices::internal::answer_wait;
+DisplayServices::internal::WalkWait realWait() {
+  static const auto real = DisplayServices::internal::walk_wait;
   return real;
 }
 
-std::future_status waitedInNoTime(const std::future<bool>& answer, std::chrono::seconds limit) {
+std::future_status waitedInNoTime(const std::future<bool>& result, std::chrono::seconds limit) {
   waits().limits.push_back(limit);
   if (waits().meanwhile) {
     waits().meanwhile();
   }
-  return answer.wait_for(std::chrono::seconds(0));
+  return result.wait_for(std::chrono::seconds(0));
 }
 
 }  // namespace
@@ -159,12 +159,12 @@ DisplayTest::~DisplayTest() {
 
 void DisplayTest::waitInNoTime(std::function<void()> meanwhile) {
   waits() = {{}, std::move(meanwhile)};
-  DisplayServices::internal::answer_wait = waitedInNoTime;
+  DisplayServices::internal::walk_wait = waitedInNoTime;
 }
 
 const std::vector<std::chrono::seconds>& DisplayTest::limits() { return waits().limits; }
 
-void DisplayTest::waitInRealTime() { DisplayServices::internal::answer_wait = realWait(); }
+void DisplayTest::waitInRealTime() { DisplayServices::internal::walk_wait = realWait(); }
 
 void DisplayTest::waitFor(unsigned Walks::*counter, unsigned number) {
   std::unique_lock lock(walks_->mutex);
@@ -178,7 +178,7 @@ void DisplayTest::waitForWalks(unsigned number) { waitFor(&Walks::over, number);
 
 void DisplayTest::fail(Call call, std::uint64_t nth) {
   dispatch_fails_ = dispatch_fails_ || call == Call::dispatch_async;
-  platform::calls::setHook(call, [nth](std::uint64_t this_one) { return Answer{nth == 0 || nth == this_one}; });
+  platform::calls::setHook(call, [nth](std::uint64_t this_one) { return Fault{nth == 0 || nth == this_one}; });
 }
 
 }  // namespace display_tests

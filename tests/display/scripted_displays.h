@@ -21,8 +21,8 @@
 
 namespace display_tests {
 
-using platform::calls::Answer;
 using platform::calls::Call;
+using platform::calls::Fault;
 using platform::desktop::DeviceProfile;
 using platform::desktop::Display;
 using platform::desktop::DisplayService;
@@ -66,7 +66,7 @@ class DisplayTest : public testing::Test {
 
   void edit(const std::function<void(Script&)>& change) { desktop_->change(change); }
 
-  /// From now on a query's wait takes no time: it runs `meanwhile`, then returns whether the answer is there, and
+  /// From now on a query's wait takes no time: it runs `meanwhile`, then returns whether the result is there, and
   /// records its limit in limits().
   void waitInNoTime(std::function<void()> meanwhile = {});
   /// From now on a query waits in real time, as it does without a test.

@@ -6,7 +6,7 @@
 #include <set>
 #include <string>
 
-#include "faults/answers.h"
+#include "faults/fault_values.h"
 #include "faults/matrix.h"
 #include "faults/plugin_library.h"
 
@@ -60,7 +60,7 @@ Names frameworkSymbols() {
 
 bool isTried(const std::string& symbol) {
   const auto call = platform::calls::find(symbol);
-  return call && !faults::answersOf(*call).empty();
+  return call && !faults::faultsOf(*call).empty();
 }
 
 TEST(FaultCoverage, EveryFrameworkSymbolIsTriedOrCannotFail) {
@@ -81,7 +81,7 @@ TEST(FaultCoverage, NoListHasASymbolThatThePluginLacks) {
   for (std::size_t i = 0; i < platform::calls::kCallCount; ++i) {
     const auto call = static_cast<Call>(i);
     const std::string name = platform::calls::name(call);
-    if (faults::answersOf(call).empty()) {
+    if (faults::faultsOf(call).empty()) {
       EXPECT_EQ(symbols.count(name), 0U) << name;
     } else if (name.starts_with("NSScreen_")) {
       EXPECT_THAT(selectors, Contains(name.substr(9)));
@@ -112,7 +112,7 @@ const Names kMessagesOfOthers = {"ISOCountryCodes",
 
 Names triedMessages() {
   Names messages;
-  for (const auto& message : faults::messageAnswers()) {
+  for (const auto& message : faults::messageFaults()) {
     messages.insert(message.selector);
   }
   for (const char* const screens : {"screens", "mainScreen", "frame", "backingScaleFactor"}) {
@@ -134,7 +134,7 @@ TEST(FaultCoverage, MethodsSendTriedMessagesOnly) {
   Scene scene;
   scene.load();
   for (const faults::Question& question : faults::questions()) {
-    EXPECT_EQ(scene.run(question.ask).answer, question.right) << question.name;
+    EXPECT_EQ(scene.run(question.ask).result, question.right) << question.name;
   }
   Names known = triedMessages();
   known.insert(kSafeMessages.begin(), kSafeMessages.end());
@@ -154,8 +154,8 @@ TEST(FaultCoverage, EveryHostEntryIsTried) {
   }
   const Names looked_up(scene.host.entries().lookups().begin(), scene.host.entries().lookups().end());
   Names walked;
-  for (const auto& answer : faults::hostAnswers()) {
-    walked.insert(answer.entry);
+  for (const auto& fault : faults::hostFaults()) {
+    walked.insert(fault.entry);
   }
   walked.insert("RegisterPluginVersion");  // deliberately not tested for: a host without it is not supported
   EXPECT_EQ(looked_up, walked);
@@ -168,8 +168,8 @@ TEST(FaultCoverage, EveryHostCallMemberHasATriedEntry) {
     slots += symbol.starts_with("_ZN4host5slots") && symbol.ends_with("7addressE") ? 1 : 0;
   }
   Names walked;
-  for (const auto& answer : faults::hostAnswers()) {
-    walked.insert(answer.entry);
+  for (const auto& fault : faults::hostFaults()) {
+    walked.insert(fault.entry);
   }
   constexpr std::size_t kGlobalMethods = 1;  // "LenB", which is found through an entry
   EXPECT_EQ(slots, walked.size() + kGlobalMethods);
@@ -192,18 +192,18 @@ TEST(FaultCoverage, EveryMethodIsAsked) {
 TEST(FaultCoverage, EveryExpectationIsTried) {
   Names tried;
   for (std::size_t i = 0; i < platform::calls::kCallCount; ++i) {
-    if (!faults::answersOf(static_cast<Call>(i)).empty()) {
+    if (!faults::faultsOf(static_cast<Call>(i)).empty()) {
       tried.insert(platform::calls::name(static_cast<Call>(i)));
     }
   }
   for (const auto& edit : faults::dictionaryEdits()) {
     tried.insert(edit.what);
   }
-  for (const auto& message : faults::messageAnswers()) {
+  for (const auto& message : faults::messageFaults()) {
     tried.insert(message.selector);
   }
-  for (const auto& answer : faults::hostAnswers()) {
-    tried.insert(answer.entry);
+  for (const auto& fault : faults::hostFaults()) {
+    tried.insert(fault.entry);
   }
   EXPECT_THAT(faults::expectedSubjects(), IsSubsetOf(tried));
 }

@@ -5,7 +5,7 @@
 #include <string_view>
 #include <utility>
 
-#include "faults/answers.h"
+#include "faults/fault_values.h"
 
 namespace faults {
 namespace {

@@ -32,9 +32,9 @@ const Names kNoObjectOfUse = {"failure", "a string",     "a number", "a boolean"
 
 struct Row {
   std::string what;
-  Names answers;                             ///< the answers of the row; empty for all
+  Names faults;                              ///< the faults of the row; empty for all
   Names fail;                                ///< questions that get their failure value
-  std::map<std::string, std::string> get{};  ///< questions that get this answer; all others get the right one
+  std::map<std::string, std::string> get{};  ///< questions that get this result; all others get the right one
 };
 
 /// The first row that fits holds.
@@ -264,13 +264,13 @@ bool has(const Names& names, const std::string& name) {
   return std::find(names.begin(), names.end(), name) != names.end();
 }
 
-const Row& rowFor(const std::string& what, const std::string& answer) {
+const Row& rowFor(const std::string& what, const std::string& fault) {
   for (const Row& row : table()) {
-    if (row.what == what && (row.answers.empty() || has(row.answers, answer))) {
+    if (row.what == what && (row.faults.empty() || has(row.faults, fault))) {
       return row;
     }
   }
-  throw std::runtime_error("expectations.cpp has no row for " + what + ": " + answer);
+  throw std::runtime_error("expectations.cpp has no row for " + what + ": " + fault);
 }
 
 std::set<std::string> pieces(const std::string& text) {
@@ -298,8 +298,8 @@ const std::set<std::string>& commonPieces() {
 
 }  // namespace
 
-bool asksForMuchMemory(const std::string& what, const std::string& answer) {
-  return what == "CGGetActiveDisplayList" && answer == "4294967295";  // 16 GB
+bool asksForMuchMemory(const std::string& what, const std::string& fault) {
+  return what == "CGGetActiveDisplayList" && fault == "4294967295";  // 16 GB
 }
 
 std::string failureValue(const Question& question) {
@@ -326,8 +326,8 @@ std::string failureValue(const Question& question) {
   return value != values.end() ? value->second : question.right;
 }
 
-std::string expected(const std::string& what, const std::string& answer, const Question& question) {
-  const Row& row = rowFor(what, answer);
+std::string expected(const std::string& what, const std::string& fault, const Question& question) {
+  const Row& row = rowFor(what, fault);
   const auto special = row.get.find(question.name);
   if (special != row.get.end()) {
     return special->second;
@@ -335,8 +335,8 @@ std::string expected(const std::string& what, const std::string& answer, const Q
   return has(row.fail, question.name) ? failureValue(question) : question.right;
 }
 
-bool mayComeOnce(const std::string& got, const std::string& what, const std::string& answer, const Question& question) {
-  const std::string always = expected(what, answer, question);
+bool mayComeOnce(const std::string& got, const std::string& what, const std::string& fault, const Question& question) {
+  const std::string always = expected(what, fault, question);
   if (got == question.right || got == failureValue(question) || got == always) {
     return true;
   }

@@ -1,8 +1,8 @@
-// Every framework call, dictionary and message with every answer that is tried, times every method.
+// Every framework call, dictionary and message with every fault that is tried, times every method.
 #include <algorithm>
 #include <map>
 
-#include "faults/answers.h"
+#include "faults/fault_values.h"
 #include "faults/matrix.h"
 #include "faults/plugin_library.h"
 
@@ -16,21 +16,21 @@ void PrintTo(Call call, std::ostream* out) { *out << name(call); }
 namespace {
 
 using faults::DictionaryEdit;
-using faults::MessageAnswer;
-using faults::NamedAnswer;
+using faults::MessageFault;
+using faults::NamedFault;
 using faults::Question;
 using faults::Scene;
-using platform::calls::Answer;
 using platform::calls::Call;
+using platform::calls::Fault;
 using platform::calls::kCallCount;
 using std::chrono::milliseconds;
 using std::chrono::seconds;
 
-/// The calls that the plugin makes are those with answers, which coverage_test.cpp checks.
+/// The calls that the plugin makes are those with faults, which coverage_test.cpp checks.
 std::vector<Call> walkedCalls() {
   std::vector<Call> calls;
   for (std::size_t i = 0; i < kCallCount; ++i) {
-    if (!faults::answersOf(static_cast<Call>(i)).empty()) {
+    if (!faults::faultsOf(static_cast<Call>(i)).empty()) {
       calls.push_back(static_cast<Call>(i));
     }
   }
@@ -52,16 +52,16 @@ const auto kNameOfCall = [](const auto& info) { return std::string(platform::cal
 class FaultAtEveryCall : public FrameworkCall {};
 
 TEST_P(FaultAtEveryCall, GivesDocumentedAnswers) {
-  for (const NamedAnswer& named : faults::answersOf(call)) {
+  for (const NamedFault& named : faults::faultsOf(call)) {
     SCOPED_TRACE(name + ": " + named.name);
     Scene scene;
     scene.load();
-    const auto set = [&] { platform::calls::setHook(call, [&](std::uint64_t) { return named.answer; }); };
+    const auto set = [&] { platform::calls::setHook(call, [&](std::uint64_t) { return named.fault; }); };
     for (const Question& question : faults::questions()) {
-      const std::string answer = faults::expected(name, named.name, question);
+      const std::string result = faults::expected(name, named.name, question);
       const bool may_fail = faults::asksForMuchMemory(name, named.name);
       tryFault(scene, question, set, platform::calls::removeAllHooks,
-               testing::AnyOf(answer, may_fail ? faults::failureValue(question) : answer));
+               testing::AnyOf(result, may_fail ? faults::failureValue(question) : result));
     }
     expectNoFaults(scene);
   }
@@ -94,14 +94,14 @@ class FaultAtOneCall : public FrameworkCall {};
 
 TEST_P(FaultAtOneCall, GivesAllowedAnswers) {
   const auto counts = callsPerQuestion(call);
-  for (const NamedAnswer& named : faults::answersOf(call)) {
+  for (const NamedFault& named : faults::faultsOf(call)) {
     for (std::uint64_t chosen = 1; chosen <= most(counts); ++chosen) {
       SCOPED_TRACE(name + " number " + std::to_string(chosen) + ": " + named.name);
       Scene scene;
       scene.load();
       scene.run(faults::questions().front().ask);  // the host object
       const auto set = [&] {
-        platform::calls::setHook(call, [&](std::uint64_t nth) { return nth == chosen ? named.answer : Answer{}; });
+        platform::calls::setHook(call, [&](std::uint64_t nth) { return nth == chosen ? named.fault : Fault{}; });
       };
       for (const Question& question : faults::questions()) {
         if (counts.at(question.name) >= chosen) {
@@ -150,7 +150,7 @@ std::uint32_t displayOf(const Question& question) {
   return question.name == "GetIndex" || question.name == "GetScale" || question.name == "GetCGRect" ? 2 : 1;
 }
 
-/// The right answer, the one for an unknown display and, for questions about all displays, the one for the displays
+/// The right result, the one for an unknown display and, for questions about all displays, the one for the displays
 /// that are left.
 bool mayComeWhenADisplayGoes(const std::string& got, const Question& question) {
   static const std::map<std::string, std::vector<std::string>> more = {
@@ -190,7 +190,7 @@ TEST_P(DisplayGoneAtOneCall, GivesAllowedAnswers) {
             if (nth == chosen) {
               change(after);
             }
-            return Answer{};
+            return Fault{};
           });
         };
         const auto restore = [&] {
@@ -230,7 +230,7 @@ TEST_P(FaultInDictionary, GivesDocumentedAnswers) {
     Scene scene;
     scene.load();
     const auto set = [&] {
-      platform::calls::setHook(edit.call, [&](std::uint64_t) { return Answer{.edit = &edit.edit}; });
+      platform::calls::setHook(edit.call, [&](std::uint64_t) { return Fault{.edit = &edit.edit}; });
     };
     for (const Question& question : faults::questions()) {
       tryFault(scene, question, set, platform::calls::removeAllHooks,
@@ -245,21 +245,21 @@ INSTANTIATE_TEST_SUITE_P(All, FaultInDictionary, testing::ValuesIn(editedThings(
 
 // --- messages to Foundation's objects
 
-class FaultInMessage : public faults::MatrixTest, public testing::WithParamInterface<MessageAnswer> {};
+class FaultInMessage : public faults::MatrixTest, public testing::WithParamInterface<MessageFault> {};
 
 TEST_P(FaultInMessage, GivesDocumentedAnswers) {
-  const MessageAnswer& message = GetParam();
+  const MessageFault& message = GetParam();
   Scene scene;
   scene.load();
-  const auto set = [&] { faults::answerMessage(message.selector, message.result); };
+  const auto set = [&] { faults::replaceMessageResult(message.selector, message.result); };
   for (const Question& question : faults::questions()) {
-    tryFault(scene, question, set, faults::answerNoMessage,
+    tryFault(scene, question, set, faults::restoreMessageResults,
              testing::Eq(faults::expected(message.selector, message.name, question)));
   }
   expectNoFaults(scene);
 }
 
-INSTANTIATE_TEST_SUITE_P(All, FaultInMessage, testing::ValuesIn(faults::messageAnswers()), [](const auto& info) {
+INSTANTIATE_TEST_SUITE_P(All, FaultInMessage, testing::ValuesIn(faults::messageFaults()), [](const auto& info) {
   return faults::testName(info.param.selector + " " + info.param.name);
 });
 
@@ -274,11 +274,11 @@ TEST_P(HungColorSync, EndsTheQueryAtItsLimit) {
   scene.load(Scene::Wait::kInRealTime);
   scene.session.desktop->change([](platform::desktop::Script& script) { script.device_walk.hang = true; });
   const faults::Outcome outcome = scene.run(question.ask);
-  EXPECT_EQ(outcome.answer, faults::failureValue(question));
+  EXPECT_EQ(outcome.result, faults::failureValue(question));
   EXPECT_GE(outcome.time, question.limit);
   EXPECT_LT(outcome.time, question.limit + kSlack);
   scene.session.desktop->change([](platform::desktop::Script& script) { script.device_walk.hang = false; });
-  EXPECT_EQ(scene.run(question.ask_afterwards).answer, question.right_afterwards);
+  EXPECT_EQ(scene.run(question.ask_afterwards).result, question.right_afterwards);
 }
 
 /// The questions that reach ColorSync's queue when nothing else is wrong.

@@ -49,10 +49,10 @@ void MatrixTest::tryFault(Scene& scene, const Question& question, const std::fun
   set();
   const Outcome disturbed = scene.run(question.ask);
   remove();
-  EXPECT_THAT(disturbed.answer, allowed);
+  EXPECT_THAT(disturbed.result, allowed);
   expectInTime(disturbed, question);
   const Outcome undisturbed = scene.run(question.ask_afterwards);
-  EXPECT_EQ(undisturbed.answer, question.right_afterwards) << "afterwards";
+  EXPECT_EQ(undisturbed.result, question.right_afterwards) << "afterwards";
   expectInTime(undisturbed, question);
 }
 
@@ -60,7 +60,7 @@ void MatrixTest::tryHost(Scene& scene, const Question& question, const std::stri
   SCOPED_TRACE(question.name);
   ++combinations_;
   const Outcome outcome = scene.run(question.ask);
-  EXPECT_EQ(outcome.answer, expected);
+  EXPECT_EQ(outcome.result, expected);
   expectInTime(outcome, question);
 }
 

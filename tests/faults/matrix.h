@@ -1,4 +1,4 @@
-// How a fault is tried, disturbed once and then undisturbed, and the documented answers.
+// How a fault is tried, disturbed once and then undisturbed, and the documented results.
 #pragma once
 
 #include <gmock/gmock.h>
@@ -19,7 +19,7 @@ class MatrixTest : public testing::Test {
  protected:
   ~MatrixTest() override;
 
-  /// Asks the question with the fault, then removes the fault and asks again. The first answer must be one that
+  /// Asks the question with the fault, then removes the fault and asks again. The first result must be one that
   /// `allowed` allows; the second must be right. Neither may be late.
   void tryFault(Scene& scene, const Question& question, const std::function<void()>& set,
                 const std::function<void()>& remove, const testing::Matcher<std::string>& allowed);
@@ -37,19 +37,19 @@ std::string testName(const std::string& text);
 
 // --- expectations
 
-/// The question's answer while `what` (a framework call, a key of a dictionary, a message, an entry of the host)
-/// returns `answer`: the right answer unless the table in expectations.cpp has another.
-std::string expected(const std::string& what, const std::string& answer, const Question& question);
+/// The question's result while `what` (a framework call, a key of a dictionary, a message, an entry of the host)
+/// has the fault `fault`: the right result unless the table in expectations.cpp has another.
+std::string expected(const std::string& what, const std::string& fault, const Question& question);
 
-/// Whether the answer makes the plugin request so much memory that it may fail; the question then fails.
-bool asksForMuchMemory(const std::string& what, const std::string& answer);
+/// Whether the fault makes the plugin request so much memory that it may fail; the question then fails.
+bool asksForMuchMemory(const std::string& what, const std::string& fault);
 
-/// The question's answer when it fails altogether.
+/// The question's result when it fails altogether.
 std::string failureValue(const Question& question);
 
-/// Whether `got` may be the answer when only one of several calls returned `answer`: the right answer, the failure
-/// value, the answer when all calls did or, for lists and names, one made of the pieces of these.
-bool mayComeOnce(const std::string& got, const std::string& what, const std::string& answer, const Question& question);
+/// Whether `got` may be the result when only one of several calls had the fault: the right result, the failure
+/// value, the result when all calls had it or, for lists and names, one made of the pieces of these.
+bool mayComeOnce(const std::string& got, const std::string& what, const std::string& fault, const Question& question);
 
 /// The names in the table's first column, so that a test finds unused rows.
 std::set<std::string> expectedSubjects();

@@ -1,4 +1,4 @@
-#include "faults/answers.h"
+#include "faults/fault_values.h"
 
 #import <Foundation/Foundation.h>
 

@@ -89,7 +89,7 @@ std::atomic<std::uintptr_t> watched_end{0};
 struct State {
   std::mutex mutex;
   std::set<std::string> sent;
-  std::string answered;  ///< selector; empty for none
+  std::string replaced;  ///< selector; empty for none
   const void* result = nullptr;
 };
 
@@ -98,7 +98,7 @@ State& state() {
   return *kept;
 }
 
-/// Replaces the method of an answered message. It ignores arguments, so it serves any method that returns a pointer.
+/// In place of a message's method. It ignores arguments, so it serves any method that returns a pointer.
 std::atomic<const void*> current_result{nullptr};
 const void* returnResult() { return current_result.load(); }
 
@@ -107,7 +107,7 @@ bool notes(SEL selector) {
   const std::lock_guard lock(state().mutex);
   const std::string name = sel_getName(selector);
   state().sent.insert(name);
-  if (name != state().answered) {
+  if (name != state().replaced) {
     return false;
   }
   current_result = state().result;
@@ -145,13 +145,13 @@ std::set<std::string> messagesSent() {
   return state().sent;
 }
 
-void answerMessage(const std::string& selector, const void* result) {
+void replaceMessageResult(const std::string& selector, const void* result) {
   const std::lock_guard lock(state().mutex);
-  state().answered = selector;
+  state().replaced = selector;
   state().result = result;
 }
 
-void answerNoMessage() { answerMessage("", nullptr); }
+void restoreMessageResults() { replaceMessageResult("", nullptr); }
 
 }  // namespace faults
 

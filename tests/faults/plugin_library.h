@@ -25,7 +25,7 @@ void watchMessagesOf(const void* address_in_library);
 /// Every selector that the watched libraries have sent since the process began.
 std::set<std::string> messagesSent();
 /// Every message of this selector returns `result` and is not delivered.
-void answerMessage(const std::string& selector, const void* result);
-void answerNoMessage();
+void replaceMessageResult(const std::string& selector, const void* result);
+void restoreMessageResults();
 
 }  // namespace faults

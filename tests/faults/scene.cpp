@@ -24,27 +24,27 @@ using std::chrono::seconds;
 
 std::vector<seconds> limits_asked_for;
 
-/// Ends when there is an answer, or when no walk is left that could give one.
-std::future_status waitUntilNoWalkIsLeft(const std::future<bool>& answer, seconds limit) {
+/// Ends when there is a result, or when no walk is left that could give one.
+std::future_status waitUntilNoWalkIsLeft(const std::future<bool>& result, seconds limit) {
   limits_asked_for.push_back(limit);
   constexpr std::chrono::microseconds kStep{200};
   while (platform::unfinishedBlocks() > 0) {
-    if (answer.wait_for(kStep) == std::future_status::ready) {
+    if (result.wait_for(kStep) == std::future_status::ready) {
       return std::future_status::ready;
     }
   }
-  return answer.wait_for(seconds(0));
+  return result.wait_for(seconds(0));
 }
 
 /// The variable is not exported: its offset comes from the library's symbol table.
 void replaceWait(const devhost::Plugin& plugin) {
-  static const std::uintptr_t offset = ownSymbols(OSTREVIN_LIBRARY).at("_ZN15DisplayServices8internal11answer_waitE");
+  static const std::uintptr_t offset = ownSymbols(OSTREVIN_LIBRARY).at("_ZN15DisplayServices8internal9walk_waitE");
   Dl_info info{};
   if (dladdr(plugin.symbol("REALPluginMain"), &info) == 0) {
     throw std::runtime_error("the plugin's load address is unknown");
   }
   auto* const base = static_cast<char*>(info.dli_fbase);
-  *reinterpret_cast<DisplayServices::internal::AnswerWait*>(base + offset) = waitUntilNoWalkIsLeft;
+  *reinterpret_cast<DisplayServices::internal::WalkWait*>(base + offset) = waitUntilNoWalkIsLeft;
 }
 
 /// A wide-gamut display profile with a document of the plugin's own.
@@ -129,7 +129,7 @@ Scene::Scene() : session(fiveDisplays()) {
                  });
 }
 
-Scene::~Scene() { answerNoMessage(); }
+Scene::~Scene() { restoreMessageResults(); }
 
 void Scene::load(Wait wait) {
   plugin_.emplace(support::loadFreshPlugin(host));
@@ -158,11 +158,11 @@ Outcome Scene::run(const std::function<std::string(Scene&)>& question) {
   limits_asked_for.clear();
   const auto begin = std::chrono::steady_clock::now();
   try {
-    outcome.answer = withoutFolder(question(*this));
+    outcome.result = withoutFolder(question(*this));
   } catch (const std::exception& error) {
-    outcome.answer = std::string("threw ") + error.what();
+    outcome.result = std::string("threw ") + error.what();
   } catch (...) {
-    outcome.answer = "threw";
+    outcome.result = "threw";
   }
   outcome.time = std::chrono::duration_cast<milliseconds>(std::chrono::steady_clock::now() - begin);
   outcome.limits = limits_asked_for;
@@ -192,7 +192,7 @@ std::function<std::string(Scene&)> method(const char* name, Values arguments = {
   return [=](Scene& scene) { return describe(scene.plugin().call(name, arguments)); };
 }
 
-/// A method, with its events as the answer.
+/// A method, with its events as the result.
 std::function<std::string(Scene&)> events(const char* name, Values arguments = {}) {
   return [=](Scene& scene) {
     scene.plugin().call(name, arguments);

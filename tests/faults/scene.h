@@ -13,15 +13,15 @@
 
 namespace faults {
 
-/// A method's answer, and its waits.
+/// What a method returned, and its waits.
 struct Outcome {
-  std::string answer;  ///< as text; "threw ..." when an exception came out of it
+  std::string result;  ///< as text; "threw ..." when an exception came out of it
   std::chrono::milliseconds time{0};
   std::vector<std::chrono::seconds> limits;  ///< the limit of each wait for ColorSync
 };
 
-/// Except in real time, a query waits for ColorSync until no walk is left that could answer, not until its limit, which
-/// is recorded.
+/// Except in real time, a query waits for ColorSync until no walk is left that could give a result, not until its
+/// limit, which is recorded.
 class Scene {
  public:
   Scene();
@@ -60,14 +60,14 @@ class Scene {
 /// The desktop's description. Displays 1 to 3 have names; displays 4 and 5 have empty ones, which ColorSync replaces.
 platform::desktop::Script fiveDisplays();
 
-/// The folder of the profiles "a.icc", "b.icc" and "c.icc". In answers it stands as "DIR".
+/// The folder of the profiles "a.icc", "b.icc" and "c.icc". In results it stands as "DIR".
 const std::string& profileFolder();
 
 /// Put to the plugin once disturbed and once more afterwards.
 struct Question {
   std::string name;
   std::function<std::string(Scene&)> ask;
-  std::string right;  ///< the answer when nothing is wrong
+  std::string right;  ///< the result when nothing is wrong
   /// Put afterwards; the same, unless the plugin caches.
   std::function<std::string(Scene&)> ask_afterwards;
   std::string right_afterwards;

@@ -14,15 +14,15 @@
 
 extern "C" {
 
-std::uint64_t gHostAnswer = 1;
+std::uint64_t gHostResult = 1;
 double gHostDouble = 1.5;
 
-void* gEntryFour = nullptr;     ///< Takes up to four integers or pointers, returns gHostAnswer.
+void* gEntryFour = nullptr;     ///< Takes up to four integers or pointers, returns gHostResult.
 void* gEntryDouble = nullptr;   ///< Returns gHostDouble.
 void* gEntryElement = nullptr;  ///< Returns gEntryFour.
 
 __attribute__((noinline)) std::uint64_t entryFour(std::uint64_t, std::uint64_t, std::uint64_t, std::uint64_t) {
-  return gHostAnswer;
+  return gHostResult;
 }
 __attribute__((noinline)) double entryDouble() { return gHostDouble; }
 __attribute__((noinline)) void* entryElement(void*) { return gEntryFour; }

@@ -177,10 +177,10 @@ TEST(LoadFrameworkMethod, PassesANullModule) {
   EXPECT_EQ(REALLoadFrameworkMethod("Beep()"), nullptr) << "the host lacks the entry";
   host.offer("REALLoadGlobalMethod", &recordCall);
   gRecorded.integers[0] = 1;
-  gAnswer = 0x7182'8384'8586'8788;
+  gResult = 0x7182'8384'8586'8788;
   const char* const declaration = "Beep()";
-  EXPECT_EQ(REALLoadFrameworkMethod(declaration), reinterpret_cast<void*>(gAnswer));
-  EXPECT_EQ(REALLoadFrameworkMethod(declaration), reinterpret_cast<void*>(gAnswer));
+  EXPECT_EQ(REALLoadFrameworkMethod(declaration), reinterpret_cast<void*>(gResult));
+  EXPECT_EQ(REALLoadFrameworkMethod(declaration), reinterpret_cast<void*>(gResult));
   EXPECT_THAT(host.asked(), ElementsAre("REALLoadGlobalMethod", "REALLoadGlobalMethod"));
   EXPECT_EQ(gRecorded.count, 2);
   EXPECT_EQ(gRecorded.integers[0], 0U);
@@ -192,7 +192,7 @@ TEST(LoadGlobalMethod, PassesANullModuleForAnyModule) {
   forget<slots::REALLoadFrameworkMethod>();
   host.offer("REALLoadGlobalMethod", &recordCall);
   gRecorded.integers[0] = 1;
-  gAnswer = 0x1234;
+  gResult = 0x1234;
   EXPECT_EQ(REALLoadGlobalMethod(sample<void*>(1), "Beep()"), reinterpret_cast<void*>(0x1234));
   EXPECT_EQ(gRecorded.integers[0], 0U);
   REALLoadFrameworkMethod("Beep()");
@@ -205,7 +205,7 @@ std::uint8_t gHostByte = 0;
 
 bool getByte(REALobjectStruct* /*object*/, const char* /*name*/, std::uint8_t* value) {
   *value = gHostByte;
-  return gAnswer != 0;
+  return gResult != 0;
 }
 
 TEST(GetPropValueBoolean, StoresTheHostsByteAsTrueOrFalse) {
@@ -213,12 +213,12 @@ TEST(GetPropValueBoolean, StoresTheHostsByteAsTrueOrFalse) {
   forget<slots::REALGetPropValueBoolean>();
   host.offer("REALGetPropValueBool", &getByte);
   for (const int byte : {0, 1, 2, 0x80, 0xFF}) {
-    gAnswer = byte % 2 == 0 ? 1 : 0;  // the byte is stored even when the host reports failure
+    gResult = byte % 2 == 0 ? 1 : 0;  // the byte is stored even when the host reports failure
     gHostByte = static_cast<std::uint8_t>(byte);
     std::uint8_t found = 0xAA;
     static_assert(sizeof(bool) == 1);
     EXPECT_EQ(REALGetPropValueBoolean(sample<REALobjectStruct*>(1), "Name", reinterpret_cast<bool*>(&found)),
-              gAnswer != 0);
+              gResult != 0);
     EXPECT_EQ(found, byte != 0 ? 1 : 0);
   }
 }
@@ -230,7 +230,7 @@ TEST(GetPropValueBoolean, StoresFalseWhenTheHostWritesNothing) {
   EXPECT_FALSE(REALGetPropValueBoolean(sample<REALobjectStruct*>(1), "Name", &value));
   EXPECT_TRUE(value) << "stays as it was without the entry";
   host.offer("REALGetPropValueBool", &recordCall);
-  gAnswer = 0x2;
+  gResult = 0x2;
   EXPECT_TRUE(REALGetPropValueBoolean(sample<REALobjectStruct*>(1), "Name", &value));
   EXPECT_FALSE(value);
 }
@@ -373,7 +373,7 @@ TEST(Overloads, LockPictureDescriptionOfTwoPointersReachesTheEntryForNativeTypes
   using Slot = slots::REALLockPictureDescriptionWithNativeType;
   expectReaches<Slot>(
       [&] {
-        gAnswer = 0x100;
+        gResult = 0x100;
         EXPECT_EQ(REALLockPictureDescription(picture, description), 0x100);
       },
       {expectedOf(picture), expectedOf(description)});
@@ -381,7 +381,7 @@ TEST(Overloads, LockPictureDescriptionOfTwoPointersReachesTheEntryForNativeTypes
   expectReaches<Slot>([&] { REALLockPictureDescription(0, 0); }, {expectedOf(0LL), expectedOf(0LL)});
   expectReaches<slots::REALLockPictureDescription>(
       [&] {
-        gAnswer = 0x100;
+        gResult = 0x100;
         EXPECT_FALSE(REALLockPictureDescription(picture, description, 3));
       },
       {expectedOf(picture), expectedOf(description), expectedOf(3)});

@@ -73,7 +73,7 @@ void checkGet(Call call) {
   if constexpr (std::is_integral_v<T>) {  // more bits than the type has; a Boolean is true when its low byte is not 0
     gProcedure = reinterpret_cast<void*>(&recordCall);
     for (const std::uint64_t raw : {0xA1A2A3A4A5A6A7A8ULL, 0x100ULL, 0x1'0000'0002ULL}) {
-      gAnswer = raw;
+      gResult = raw;
       T out = sample<T>(5);
       call(&out);
       const bool is_bool = std::is_same_v<T, bool>;

@@ -182,7 +182,7 @@ std::uint64_t narrowed(Result result, std::uint64_t raw) {
   return 0;
 }
 
-double answerAsDouble() { return std::bit_cast<double>(gAnswer); }
+double answerAsDouble() { return std::bit_cast<double>(gResult); }
 
 TEST_P(HostCallMembers, FallBackAndLookUpAtEachCallWithoutTheEntry) {
   forEach([](const Member& member, RecordingHost& host) {
@@ -255,7 +255,7 @@ TEST_P(HostCallMembers, NarrowTheResultByTheirRule) {
     }
     for (const std::uint64_t raw : {0ULL, 0x100ULL, 0x1'0000'0000ULL, 0x02ULL, ~0ULL}) {
       SCOPED_TRACE("the host returns " + std::to_string(raw));
-      gAnswer = raw;
+      gResult = raw;
       expectAnswer(member, member.call(), narrowed(member.result, raw));
     }
   });

@@ -5,13 +5,13 @@ RecordingHost* current = nullptr;
 }  // namespace
 
 RecordedCall gRecorded;
-std::uint64_t gAnswer = 0;
+std::uint64_t gResult = 0;
 
 RecordingHost::RecordingHost() : previous_(gResolver) {
   current = this;
   gResolver = &resolve;
   gRecorded = {};
-  gAnswer = 0;
+  gResult = 0;
 }
 
 RecordingHost::~RecordingHost() {
@@ -31,5 +31,5 @@ std::uint64_t recordCall(std::uint64_t i0, std::uint64_t i1, std::uint64_t i2, s
   ++gRecorded.count;
   gRecorded.integers = {i0, i1, i2, i3, i4, i5};
   gRecorded.floats = {f0, f1, f2, f3, f4, f5, f6, f7};
-  return gAnswer;
+  return gResult;
 }

@@ -46,7 +46,7 @@ struct RecordedCall {
 };
 extern RecordedCall gRecorded;
 /// What recordCall() returns, all 64 bits.
-extern std::uint64_t gAnswer;
+extern std::uint64_t gResult;
 
 /// An entry that can be called with any mix of arguments: integers and floating-point numbers travel in registers of
 /// their own, counted apart, so that this signature sees them all.

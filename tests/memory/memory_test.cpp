@@ -107,7 +107,7 @@ TEST_F(Memory, DisplayIDForRectWritesOneDisplayOfTwo) {
 }
 
 TEST_F(Memory, GetIndexWritesNoMoreDisplaysThanItCounted) {
-  support::answerOnce(platform::calls::Call::CGGetActiveDisplayList, 1, {.number = 1});
+  support::faultOnce(platform::calls::Call::CGGetActiveDisplayList, 1, {.number = 1});
   EXPECT_EQ(Display::GetIndex(1), 0U);
   ASSERT_NE(requests.guard, nullptr);
   EXPECT_TRUE(guardIsIntact());

@@ -12,12 +12,12 @@
 
 namespace {
 
-using platform::calls::Answer;
 using platform::calls::Call;
+using platform::calls::Fault;
 using platform::desktop::Rect;
 using platform::desktop::Script;
-using support::answerOnce;
 using support::display;
+using support::faultOnce;
 using support::ScriptedSession;
 
 constexpr std::int32_t kLeast = std::numeric_limits<std::int32_t>::min();
@@ -168,7 +168,7 @@ TEST(GetIndex, HasNoLimitOnTheNumberOfDisplays) {
 
 TEST(GetIndex, IgnoresAnErrorWithACount) {
   const ScriptedSession session(displays(3));
-  answerOnce(Call::CGGetActiveDisplayList, 1, {.late_error = kCGErrorFailure});
+  faultOnce(Call::CGGetActiveDisplayList, 1, {.late_error = kCGErrorFailure});
   EXPECT_EQ(Display::GetIndex(101), 1U);
 }
 
@@ -182,7 +182,7 @@ __attribute__((noinline)) void fillStack() {
 
 TEST(GetIndex, ReturnsNotFoundAfterOneCallWithoutACount) {
   const ScriptedSession session(displays(3));
-  answerOnce(Call::CGGetActiveDisplayList, 1, {.fail = true});  // which leaves the count untouched
+  faultOnce(Call::CGGetActiveDisplayList, 1, {.fail = true});  // which leaves the count untouched
   const auto before = platform::calls::count(Call::CGGetActiveDisplayList);
   fillStack();
   EXPECT_EQ(Display::GetIndex(100), kNotFound);
@@ -191,13 +191,13 @@ TEST(GetIndex, ReturnsNotFoundAfterOneCallWithoutACount) {
 
 TEST(GetIndex, ReturnsNotFoundWhenListingFails) {
   const ScriptedSession session(displays(3));
-  answerOnce(Call::CGGetActiveDisplayList, 2, {.fail = true});
+  faultOnce(Call::CGGetActiveDisplayList, 2, {.fail = true});
   EXPECT_EQ(Display::GetIndex(101), kNotFound);
 }
 
 TEST(GetIndex, ReturnsNotFoundAfterAnErrorWithAList) {
   const ScriptedSession session(displays(3));
-  answerOnce(Call::CGGetActiveDisplayList, 2, {.late_error = kCGErrorFailure});
+  faultOnce(Call::CGGetActiveDisplayList, 2, {.late_error = kCGErrorFailure});
   EXPECT_EQ(Display::GetIndex(101), kNotFound);
 }
 
@@ -207,7 +207,7 @@ void changeBetweenTheQuestions(const ScriptedSession& session, std::uint32_t cou
     if (nth == 2) {
       session.desktop->change([&](Script& script) { script = displays(count); });
     }
-    return Answer{};
+    return Fault{};
   });
 }
 
@@ -231,9 +231,9 @@ TEST(GetIndex, ReturnsNotFoundForADisplayThatAppearsBetweenCalls) {
 
 TEST(GetIndex, ReadsNoFurtherThanItsBuffer) {
   const ScriptedSession session(displays(3));
-  answerOnce(Call::CGGetActiveDisplayList, 2, {.number = 1000000});
+  faultOnce(Call::CGGetActiveDisplayList, 2, {.number = 1000000});
   EXPECT_EQ(Display::GetIndex(102), 2U);
-  answerOnce(Call::CGGetActiveDisplayList, 2, {.number = 1000000});
+  faultOnce(Call::CGGetActiveDisplayList, 2, {.number = 1000000});
   EXPECT_EQ(Display::GetIndex(999), kNotFound);
 }
 

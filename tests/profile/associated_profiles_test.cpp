@@ -124,7 +124,7 @@ TEST_F(DisplayList, FillsTheInstalledProfilesWithoutUuid) {
 TEST_F(DisplayList, IsUnchangedWithoutUuidText) {
   setAssociated({associated(1, "/a", true, true)});
   const auto before = ListProfilesForDisplay(1);
-  support::answerOnce(platform::calls::Call::CFUUIDCreateString, 1, {.fail = true});
+  support::faultOnce(platform::calls::Call::CFUUIDCreateString, 1, {.fail = true});
   EXPECT_EQ(ListProfilesForDisplay(2), before);
 }
 

@@ -14,8 +14,8 @@
 
 namespace {
 
-using platform::calls::Answer;
 using platform::calls::Call;
+using platform::calls::Fault;
 using ProfileServices::ICCTagExists;
 using ProfileServices::QV02Read;
 using support::IccMaker;
@@ -216,7 +216,7 @@ TEST(Qv02Read, CopiesTheTagTwiceAndUsesTheSecondCopy) {
   const auto before = platform::calls::count(Call::ColorSyncProfileCopyTag);
   EXPECT_EQ(qv02(path).code, kQVINoError);
   EXPECT_EQ(platform::calls::count(Call::ColorSyncProfileCopyTag), before + 2);
-  platform::calls::setHook(Call::ColorSyncProfileCopyTag, [](std::uint64_t nth) { return Answer{nth == 2}; });
+  platform::calls::setHook(Call::ColorSyncProfileCopyTag, [](std::uint64_t nth) { return Fault{nth == 2}; });
   const Read read = qv02(path);
   platform::calls::removeAllHooks();
   EXPECT_EQ(read.code, kQVIFailedToReadTag);

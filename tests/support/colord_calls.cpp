@@ -27,13 +27,13 @@ std::shared_ptr<GDBusConnection> connectToBus() {
 
 bool becomeMonitor(GDBusConnection* connection) {
   const char* const rules[] = {kRule, nullptr};
-  GVariant* const answer = g_dbus_connection_call_sync(
+  GVariant* const result = g_dbus_connection_call_sync(
       connection, "org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus.Monitoring", "BecomeMonitor",
       g_variant_new("(^asu)", rules, 0U), nullptr, G_DBUS_CALL_FLAGS_NONE, -1, nullptr, nullptr);
-  if (answer != nullptr) {
-    g_variant_unref(answer);
+  if (result != nullptr) {
+    g_variant_unref(result);
   }
-  return answer != nullptr;
+  return result != nullptr;
 }
 
 bool isAnotherOnesCall(GDBusMessage* message, gboolean incoming) {

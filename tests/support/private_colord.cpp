@@ -118,13 +118,13 @@ void PrivateColord::connect() {
 }
 
 bool PrivateColord::colordHasName() const {
-  const Variant answer(g_dbus_connection_call_sync(connection_.get(), "org.freedesktop.DBus", "/org/freedesktop/DBus",
+  const Variant result(g_dbus_connection_call_sync(connection_.get(), "org.freedesktop.DBus", "/org/freedesktop/DBus",
                                                    "org.freedesktop.DBus", "NameHasOwner",
                                                    g_variant_new("(s)", kColordName), G_VARIANT_TYPE("(b)"),
                                                    G_DBUS_CALL_FLAGS_NONE, kCallTimeoutMs, nullptr, nullptr));
   gboolean has = FALSE;
-  if (answer) {
-    g_variant_get(answer.get(), "(b)", &has);
+  if (result) {
+    g_variant_get(result.get(), "(b)", &has);
   }
   return has != FALSE;
 }
@@ -162,24 +162,24 @@ std::string PrivateColord::registerDevice(const std::string& id, const std::map<
     g_variant_builder_add(&properties, "{ss}", key.c_str(), value.c_str());
   }
   GError* error = nullptr;
-  const Variant answer(
+  const Variant result(
       g_dbus_connection_call_sync(connection_.get(), kColordName, kColordPath, kColordName, "CreateDevice",
                                   g_variant_new("(ssa{ss})", id.c_str(), "normal", &properties), G_VARIANT_TYPE("(o)"),
                                   G_DBUS_CALL_FLAGS_NONE, kCallTimeoutMs, nullptr, &error));
-  if (!answer) {
+  if (!result) {
     throw std::runtime_error("CreateDevice: " + takeMessage(error));
   }
   const char* path = nullptr;
-  g_variant_get(answer.get(), "(&o)", &path);
+  g_variant_get(result.get(), "(&o)", &path);
   return path;
 }
 
 void PrivateColord::deleteDevice(const std::string& object_path) {
   GError* error = nullptr;
-  const Variant answer(g_dbus_connection_call_sync(connection_.get(), kColordName, kColordPath, kColordName,
+  const Variant result(g_dbus_connection_call_sync(connection_.get(), kColordName, kColordPath, kColordName,
                                                    "DeleteDevice", g_variant_new("(o)", object_path.c_str()), nullptr,
                                                    G_DBUS_CALL_FLAGS_NONE, kCallTimeoutMs, nullptr, &error));
-  if (!answer) {
+  if (!result) {
     throw std::runtime_error("DeleteDevice: " + takeMessage(error));
   }
 }

@@ -31,10 +31,10 @@ class ScriptedSession {
   const std::shared_ptr<platform::desktop::ScriptedDesktop> desktop;
 };
 
-/// Gives the nth call (from 1) this answer and leaves the others alone.
-inline void answerOnce(platform::calls::Call call, std::uint64_t nth, const platform::calls::Answer& answer) {
-  platform::calls::setHook(
-      call, [=](std::uint64_t this_one) { return this_one == nth ? answer : platform::calls::Answer{}; });
+/// Gives the nth call (from 1) this result and leaves the others alone.
+inline void faultOnce(platform::calls::Call call, std::uint64_t nth, const platform::calls::Fault& result) {
+  platform::calls::setHook(call,
+                           [=](std::uint64_t this_one) { return this_one == nth ? result : platform::calls::Fault{}; });
 }
 
 /// A desktop without displays whose installed profiles are those of one folder.

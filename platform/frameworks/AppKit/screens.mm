@@ -5,8 +5,8 @@
 #include <vector>
 
 #include "desktop/current.h"
-#include "frameworks/hooks/answers.h"
 #include "frameworks/hooks/calls.h"
+#include "frameworks/hooks/injected_objects.h"
 
 using platform::calls::Call;
 using platform::desktop::Arrangement;
@@ -109,13 +109,13 @@ PlatformScreenList* currentList() {
 @implementation NSScreen
 
 + (NSArray*)screens {
-  const auto answer = platform::borrowedAnswer<NSArray*>(platform::calls::answer(Call::NSScreen_screens));
-  return answer ? *answer : currentList();
+  const auto fault = platform::borrowedFault<NSArray*>(platform::calls::fault(Call::NSScreen_screens));
+  return fault ? *fault : currentList();
 }
 
 + (NSScreen*)mainScreen {
-  const auto answer = platform::borrowedAnswer<NSScreen*>(platform::calls::answer(Call::NSScreen_mainScreen));
-  return answer ? *answer : [currentList() main];
+  const auto fault = platform::borrowedFault<NSScreen*>(platform::calls::fault(Call::NSScreen_mainScreen));
+  return fault ? *fault : [currentList() main];
 }
 
 - (instancetype)initWithScreen:(const Screen&)screen {
@@ -128,13 +128,13 @@ PlatformScreenList* currentList() {
 }
 
 - (NSRect)frame {
-  const platform::calls::Answer answer = platform::calls::answer(Call::NSScreen_frame);
-  return answer.fail || answer.rect ? rectOf(answer.rect.value_or(platform::desktop::Rect{})) : _frame;
+  const platform::calls::Fault fault = platform::calls::fault(Call::NSScreen_frame);
+  return fault.fail || fault.rect ? rectOf(fault.rect.value_or(platform::desktop::Rect{})) : _frame;
 }
 
 - (CGFloat)backingScaleFactor {
-  const platform::calls::Answer answer = platform::calls::answer(Call::NSScreen_backingScaleFactor);
-  return answer.fail || answer.real ? answer.real.value_or(0) : _backingScaleFactor;
+  const platform::calls::Fault fault = platform::calls::fault(Call::NSScreen_backingScaleFactor);
+  return fault.fail || fault.real ? fault.real.value_or(0) : _backingScaleFactor;
 }
 
 @end

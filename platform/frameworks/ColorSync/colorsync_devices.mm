@@ -11,8 +11,8 @@
 #include "frameworks/CoreFoundation/uuids.h"
 #include "frameworks/Foundation/autorelease_pool.h"
 #include "frameworks/Foundation/utf8_objects.h"
-#include "frameworks/hooks/answers.h"
 #include "frameworks/hooks/calls.h"
+#include "frameworks/hooks/injected_objects.h"
 
 using platform::ScopedPool;
 using platform::calls::Call;
@@ -73,15 +73,15 @@ std::optional<std::string> customProfilePath(NSDictionary* profiles) {
 extern "C" {
 
 void ColorSyncIterateDeviceProfiles(ColorSyncDeviceProfileIterateCallback callBack, void* userInfo) {
-  const calls::Answer answer = calls::answer(Call::ColorSyncIterateDeviceProfiles);
-  if (answer.fail || callBack == nullptr) {
+  const calls::Fault fault = calls::fault(Call::ColorSyncIterateDeviceProfiles);
+  if (fault.fail || callBack == nullptr) {
     return;
   }
   platform::desktop::current()->visitDeviceProfiles([=](const DeviceProfile& profile) {
     const ScopedPool pool;
     // The entry and what is in it go away after the callback, unless the callback took references.
     NSMutableDictionary* const entry = newEntry(profile);
-    const bool go_on = platform::showEntry(answer.edit, (CFDictionaryRef)entry,
+    const bool go_on = platform::showEntry(fault.edit, (CFDictionaryRef)entry,
                                            [=](CFDictionaryRef shown) { return callBack(shown, userInfo); });
     [entry release];
     return go_on;
@@ -89,9 +89,9 @@ void ColorSyncIterateDeviceProfiles(ColorSyncDeviceProfileIterateCallback callBa
 }
 
 bool ColorSyncDeviceSetCustomProfiles(CFStringRef deviceClass, CFUUIDRef deviceID, CFDictionaryRef profileInfo) {
-  const calls::Answer answer = calls::answer(Call::ColorSyncDeviceSetCustomProfiles);
-  if (answer.fail || answer.number) {
-    return answer.number.value_or(0) != 0;
+  const calls::Fault fault = calls::fault(Call::ColorSyncDeviceSetCustomProfiles);
+  if (fault.fail || fault.number) {
+    return fault.number.value_or(0) != 0;
   }
   if (deviceClass == nullptr || deviceID == nullptr || profileInfo == nullptr) {
     return false;
@@ -100,15 +100,15 @@ bool ColorSyncDeviceSetCustomProfiles(CFStringRef deviceClass, CFUUIDRef deviceI
   if (![(NSString*)deviceClass isEqual:(NSString*)kColorSyncDisplayDeviceClass] || !platform::isUuid((id)deviceID)) {
     return false;
   }
-  return platform::showEntry(answer.edit, profileInfo, [=](CFDictionaryRef given) {
+  return platform::showEntry(fault.edit, profileInfo, [=](CFDictionaryRef given) {
     const std::optional<std::string> path = customProfilePath((NSDictionary*)given);
     return path && platform::desktop::current()->setDeviceProfile(platform::bytesOf(deviceID), *path);
   });
 }
 
 CFUUIDRef CGDisplayCreateUUIDFromDisplayID(uint32_t displayID) {
-  if (const auto answer = platform::retainedAnswer<CFUUIDRef>(calls::answer(Call::CGDisplayCreateUUIDFromDisplayID))) {
-    return *answer;
+  if (const auto fault = platform::retainedFault<CFUUIDRef>(calls::fault(Call::CGDisplayCreateUUIDFromDisplayID))) {
+    return *fault;
   }
   const auto arrangement = platform::desktop::current()->arrangement();
   for (const Display& display : arrangement->displays) {
@@ -120,9 +120,9 @@ CFUUIDRef CGDisplayCreateUUIDFromDisplayID(uint32_t displayID) {
 }
 
 uint32_t CGDisplayGetDisplayIDFromUUID(CFUUIDRef uuid) {
-  const calls::Answer answer = calls::answer(Call::CGDisplayGetDisplayIDFromUUID);
-  if (answer.fail || answer.number) {
-    return static_cast<uint32_t>(answer.number.value_or(0));
+  const calls::Fault fault = calls::fault(Call::CGDisplayGetDisplayIDFromUUID);
+  if (fault.fail || fault.number) {
+    return static_cast<uint32_t>(fault.number.value_or(0));
   }
   if (uuid == nullptr) {
     return 0;

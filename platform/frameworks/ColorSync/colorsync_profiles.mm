@@ -20,8 +20,8 @@
 #include "frameworks/ColorSync/profile_entry.h"
 #include "frameworks/Foundation/autorelease_pool.h"
 #include "frameworks/Foundation/utf8_objects.h"
-#include "frameworks/hooks/answers.h"
 #include "frameworks/hooks/calls.h"
+#include "frameworks/hooks/injected_objects.h"
 
 using platform::ScopedPool;
 using platform::calls::Call;
@@ -161,21 +161,21 @@ extern "C" {
 // NOLINTNEXTLINE(clang-analyzer-osx.coreFoundation.CFError): the result is Apple's
 void ColorSyncIterateInstalledProfiles(ColorSyncProfileIterateCallback callBack, uint32_t*, void* userInfo,
                                        CFErrorRef*) {
-  const calls::Answer answer = calls::answer(Call::ColorSyncIterateInstalledProfiles);
-  if (answer.fail || callBack == nullptr) {
+  const calls::Fault fault = calls::fault(Call::ColorSyncIterateInstalledProfiles);
+  if (fault.fail || callBack == nullptr) {
     return;
   }
   EntryWalk entries;
   platform::desktop::current()->visitInstalledProfiles([&](const InstalledProfile& profile) {
     return entries.show(profile, [&](CFDictionaryRef entry) {
-      return platform::showEntry(answer.edit, entry, [=](CFDictionaryRef shown) { return callBack(shown, userInfo); });
+      return platform::showEntry(fault.edit, entry, [=](CFDictionaryRef shown) { return callBack(shown, userInfo); });
     });
   });
 }
 
 ColorSyncProfileRef ColorSyncProfileCreateWithURL(CFURLRef url, CFErrorRef*) {
-  const auto answer = calls::answer(Call::ColorSyncProfileCreateWithURL);
-  if (const auto object = platform::retainedAnswer<ColorSyncProfileRef>(answer)) {
+  const auto fault = calls::fault(Call::ColorSyncProfileCreateWithURL);
+  if (const auto object = platform::retainedFault<ColorSyncProfileRef>(fault)) {
     return *object;
   }
   if (url == nullptr) {
@@ -189,7 +189,7 @@ ColorSyncProfileRef ColorSyncProfileCreateWithURL(CFURLRef url, CFErrorRef*) {
 }
 
 CFDataRef ColorSyncProfileCopyTag(ColorSyncProfileRef profile, CFStringRef signature) {
-  if (const auto object = platform::retainedAnswer<CFDataRef>(calls::answer(Call::ColorSyncProfileCopyTag))) {
+  if (const auto object = platform::retainedFault<CFDataRef>(calls::fault(Call::ColorSyncProfileCopyTag))) {
     return *object;
   }
   if (profile == nullptr || signature == nullptr) {

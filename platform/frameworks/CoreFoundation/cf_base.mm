@@ -96,9 +96,9 @@ CFIndex CFGetRetainCount(CFTypeRef reference) {
 }
 
 Boolean CFEqual(CFTypeRef first, CFTypeRef second) {
-  const calls::Answer answer = calls::answer(Call::CFEqual);
-  if (answer.fail || answer.number) {
-    return answer.number.value_or(0) != 0;
+  const calls::Fault fault = calls::fault(Call::CFEqual);
+  if (fault.fail || fault.number) {
+    return fault.number.value_or(0) != 0;
   }
   requireObject(first, "CFEqual");
   requireObject(second, "CFEqual");

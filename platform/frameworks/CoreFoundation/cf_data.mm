@@ -4,8 +4,8 @@
 #import <Foundation/Foundation.h>
 
 #include "frameworks/Foundation/autorelease_pool.h"
-#include "frameworks/hooks/answers.h"
 #include "frameworks/hooks/calls.h"
+#include "frameworks/hooks/injected_objects.h"
 
 using platform::requireObject;
 using platform::ScopedPool;
@@ -24,9 +24,9 @@ CFDataRef CFDataCreate(CFAllocatorRef, const UInt8* bytes, CFIndex length) {
 }
 
 CFIndex CFDataGetLength(CFDataRef data) {
-  const calls::Answer answer = calls::answer(Call::CFDataGetLength);
-  if (answer.fail || answer.number) {
-    return answer.number.value_or(0);
+  const calls::Fault fault = calls::fault(Call::CFDataGetLength);
+  if (fault.fail || fault.number) {
+    return fault.number.value_or(0);
   }
   requireObject(data, "CFDataGetLength");
   return static_cast<CFIndex>([(NSData*)data length]);

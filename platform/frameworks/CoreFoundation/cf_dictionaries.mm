@@ -4,8 +4,8 @@
 #import <Foundation/Foundation.h>
 
 #include "frameworks/Foundation/autorelease_pool.h"
-#include "frameworks/hooks/answers.h"
 #include "frameworks/hooks/calls.h"
+#include "frameworks/hooks/injected_objects.h"
 
 using platform::requireObject;
 using platform::ScopedPool;
@@ -47,8 +47,8 @@ const CFDictionaryValueCallBacks kCFTypeDictionaryValueCallBacks = {0, retainObj
 CFDictionaryRef CFDictionaryCreate(CFAllocatorRef, const void** keys, const void** values, CFIndex numValues,
                                    const CFDictionaryKeyCallBacks* keyCallBacks,
                                    const CFDictionaryValueCallBacks* valueCallBacks) {
-  if (const auto answer = platform::retainedAnswer<CFDictionaryRef>(calls::answer(Call::CFDictionaryCreate))) {
-    return *answer;
+  if (const auto fault = platform::retainedFault<CFDictionaryRef>(calls::fault(Call::CFDictionaryCreate))) {
+    return *fault;
   }
   requireObjectCallBacks(keyCallBacks, valueCallBacks, "CFDictionaryCreate");
   if (numValues < 0) {
@@ -69,9 +69,9 @@ CFDictionaryRef CFDictionaryCreate(CFAllocatorRef, const void** keys, const void
 CFMutableDictionaryRef CFDictionaryCreateMutable(CFAllocatorRef, CFIndex capacity,
                                                  const CFDictionaryKeyCallBacks* keyCallBacks,
                                                  const CFDictionaryValueCallBacks* valueCallBacks) {
-  if (const auto answer =
-          platform::retainedAnswer<CFMutableDictionaryRef>(calls::answer(Call::CFDictionaryCreateMutable))) {
-    return *answer;
+  if (const auto fault =
+          platform::retainedFault<CFMutableDictionaryRef>(calls::fault(Call::CFDictionaryCreateMutable))) {
+    return *fault;
   }
   requireObjectCallBacks(keyCallBacks, valueCallBacks, "CFDictionaryCreateMutable");
   if (capacity < 0) {
@@ -93,17 +93,17 @@ void CFDictionarySetValue(CFMutableDictionaryRef dictionary, const void* key, co
 }
 
 CFIndex CFDictionaryGetCount(CFDictionaryRef dictionary) {
-  const calls::Answer answer = calls::answer(Call::CFDictionaryGetCount);
-  if (answer.fail || answer.number) {
-    return answer.number.value_or(0);
+  const calls::Fault fault = calls::fault(Call::CFDictionaryGetCount);
+  if (fault.fail || fault.number) {
+    return fault.number.value_or(0);
   }
   requireObject(dictionary, "CFDictionaryGetCount");
   return static_cast<CFIndex>([(NSDictionary*)dictionary count]);
 }
 
 const void* CFDictionaryGetValue(CFDictionaryRef dictionary, const void* key) {
-  if (const auto answer = platform::borrowedAnswer<const void*>(calls::answer(Call::CFDictionaryGetValue))) {
-    return *answer;
+  if (const auto fault = platform::borrowedFault<const void*>(calls::fault(Call::CFDictionaryGetValue))) {
+    return *fault;
   }
   requireObject(dictionary, "CFDictionaryGetValue");
   requireObject(key, "CFDictionaryGetValue");
@@ -111,12 +111,12 @@ const void* CFDictionaryGetValue(CFDictionaryRef dictionary, const void* key) {
 }
 
 Boolean CFDictionaryGetValueIfPresent(CFDictionaryRef dictionary, const void* key, const void** value) {
-  const calls::Answer answer = calls::answer(Call::CFDictionaryGetValueIfPresent);
-  if (answer.fail) {
+  const calls::Fault fault = calls::fault(Call::CFDictionaryGetValueIfPresent);
+  if (fault.fail) {
     return false;
   }
-  if (answer.number || answer.object != nullptr) {  // with a number: present, and null
-    *value = answer.object;
+  if (fault.number || fault.object != nullptr) {  // with a number: present, and null
+    *value = fault.object;
     return true;
   }
   requireObject(dictionary, "CFDictionaryGetValueIfPresent");
@@ -129,8 +129,8 @@ Boolean CFDictionaryGetValueIfPresent(CFDictionaryRef dictionary, const void* ke
 }
 
 void CFDictionaryGetKeysAndValues(CFDictionaryRef dictionary, const void** keys, const void** values) {
-  const calls::Answer answer = calls::answer(Call::CFDictionaryGetKeysAndValues);
-  if (answer.fail) {
+  const calls::Fault fault = calls::fault(Call::CFDictionaryGetKeysAndValues);
+  if (fault.fail) {
     return;
   }
   requireObject(dictionary, "CFDictionaryGetKeysAndValues");
@@ -142,7 +142,7 @@ void CFDictionaryGetKeysAndValues(CFDictionaryRef dictionary, const void** keys,
       keys[i] = key;
     }
     if (values != nullptr) {
-      values[i] = answer.object != nullptr ? answer.object : [(NSDictionary*)dictionary objectForKey:key];
+      values[i] = fault.object != nullptr ? fault.object : [(NSDictionary*)dictionary objectForKey:key];
     }
   }
 }

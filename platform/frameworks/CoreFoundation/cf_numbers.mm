@@ -7,8 +7,8 @@
 #include <cstdint>
 
 #include "frameworks/Foundation/autorelease_pool.h"
-#include "frameworks/hooks/answers.h"
 #include "frameworks/hooks/calls.h"
+#include "frameworks/hooks/injected_objects.h"
 
 using platform::requireObject;
 using platform::ScopedPool;
@@ -70,13 +70,13 @@ CFNumberRef CFNumberCreate(CFAllocatorRef, CFNumberType type, const void* value)
 }
 
 Boolean CFNumberGetValue(CFNumberRef number, CFNumberType type, void* value) {
-  const calls::Answer answer = calls::answer(Call::CFNumberGetValue);
-  if (answer.fail) {
+  const calls::Fault fault = calls::fault(Call::CFNumberGetValue);
+  if (fault.fail) {
     return false;
   }
   requireObject(number, "CFNumberGetValue");
   requireObject(value, "CFNumberGetValue");
-  const Bits bits = answer.number ? Bits{*answer.number, true} : bitsOf((NSNumber*)number);
+  const Bits bits = fault.number ? Bits{*fault.number, true} : bitsOf((NSNumber*)number);
   switch (type) {
     case kCFNumberSInt32Type: {
       const auto cut = static_cast<std::int32_t>(bits.value);

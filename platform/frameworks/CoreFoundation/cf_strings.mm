@@ -10,8 +10,8 @@
 #include <unordered_map>
 
 #include "frameworks/Foundation/autorelease_pool.h"
-#include "frameworks/hooks/answers.h"
 #include "frameworks/hooks/calls.h"
+#include "frameworks/hooks/injected_objects.h"
 
 using platform::requireObject;
 using platform::ScopedPool;
@@ -65,9 +65,9 @@ CFStringRef CFStringCreateWithBytes(CFAllocatorRef, const UInt8* bytes, CFIndex 
 }
 
 CFIndex CFStringGetLength(CFStringRef string) {
-  const calls::Answer answer = calls::answer(Call::CFStringGetLength);
-  if (answer.fail || answer.number) {
-    return answer.number.value_or(0);
+  const calls::Fault fault = calls::fault(Call::CFStringGetLength);
+  if (fault.fail || fault.number) {
+    return fault.number.value_or(0);
   }
   requireObject(string, "CFStringGetLength");
   return static_cast<CFIndex>([(NSString*)string length]);
@@ -75,10 +75,6 @@ CFIndex CFStringGetLength(CFStringRef string) {
 
 CFIndex CFStringGetMaximumSizeForEncoding(CFIndex length, CFStringEncoding encoding) {
   constexpr CFIndex kNotFound = -1;
-  const calls::Answer answer = calls::answer(Call::CFStringGetMaximumSizeForEncoding);
-  if (answer.fail || answer.number) {
-    return answer.number.value_or(kNotFound);
-  }
   if (encoding != kCFStringEncodingUTF8 || length < 0 ||
       length > std::numeric_limits<CFIndex>::max() / kUtf8BytesPerUnit) {
     return kNotFound;
@@ -87,9 +83,6 @@ CFIndex CFStringGetMaximumSizeForEncoding(CFIndex length, CFStringEncoding encod
 }
 
 Boolean CFStringGetCString(CFStringRef string, char* buffer, CFIndex bufferSize, CFStringEncoding encoding) {
-  if (calls::shouldFail(Call::CFStringGetCString)) {
-    return false;
-  }
   requireObject(string, "CFStringGetCString");
   if (buffer == nullptr || bufferSize <= 0 || encoding != kCFStringEncodingUTF8) {
     return false;

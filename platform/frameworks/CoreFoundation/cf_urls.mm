@@ -5,13 +5,10 @@
 
 #include "frameworks/Foundation/autorelease_pool.h"
 #include "frameworks/Foundation/utf8_objects.h"
-#include "frameworks/hooks/answers.h"
 #include "frameworks/hooks/calls.h"
 
 using platform::requireObject;
 using platform::ScopedPool;
-using platform::calls::Call;
-namespace calls = platform::calls;
 
 extern "C" {
 
@@ -27,9 +24,6 @@ CFURLRef CFURLCreateWithFileSystemPath(CFAllocatorRef, CFStringRef filePath, CFU
 }
 
 CFStringRef CFURLCopyFileSystemPath(CFURLRef url, CFURLPathStyle pathStyle) {
-  if (const auto answer = platform::retainedAnswer<CFStringRef>(calls::answer(Call::CFURLCopyFileSystemPath))) {
-    return *answer;
-  }
   requireObject(url, "CFURLCopyFileSystemPath");
   if (pathStyle != kCFURLPOSIXPathStyle) {
     return nullptr;

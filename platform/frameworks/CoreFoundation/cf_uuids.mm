@@ -12,8 +12,8 @@
 #include "desktop/model/uuid.h"
 #include "frameworks/CoreFoundation/uuids.h"
 #include "frameworks/Foundation/autorelease_pool.h"
-#include "frameworks/hooks/answers.h"
 #include "frameworks/hooks/calls.h"
+#include "frameworks/hooks/injected_objects.h"
 
 using platform::requireObject;
 using platform::ScopedPool;
@@ -143,8 +143,8 @@ CFUUIDBytes CFUUIDGetUUIDBytes(CFUUIDRef uuid) {
 }
 
 CFStringRef CFUUIDCreateString(CFAllocatorRef, CFUUIDRef uuid) {
-  if (const auto answer = platform::retainedAnswer<CFStringRef>(calls::answer(Call::CFUUIDCreateString))) {
-    return *answer;
+  if (const auto fault = platform::retainedFault<CFStringRef>(calls::fault(Call::CFUUIDCreateString))) {
+    return *fault;
   }
   requireObject(uuid, "CFUUIDCreateString");
   const ScopedPool pool;

@@ -5,8 +5,8 @@
 
 #include "desktop/icc/icc_gamut.h"
 #include "frameworks/ColorSync/color_profile.h"
-#include "frameworks/hooks/answers.h"
 #include "frameworks/hooks/calls.h"
+#include "frameworks/hooks/injected_objects.h"
 
 using platform::calls::Call;
 namespace calls = platform::calls;
@@ -38,8 +38,8 @@ namespace calls = platform::calls;
 extern "C" {
 
 CGColorSpaceRef CGColorSpaceCreateWithPlatformColorSpace(const void* ref) {
-  const auto answer = calls::answer(Call::CGColorSpaceCreateWithPlatformColorSpace);
-  if (const auto object = platform::retainedAnswer<CGColorSpaceRef>(answer)) {
+  const auto fault = calls::fault(Call::CGColorSpaceCreateWithPlatformColorSpace);
+  if (const auto object = platform::retainedFault<CGColorSpaceRef>(fault)) {
     return *object;
   }
   if (ref == nullptr) {
@@ -54,9 +54,9 @@ CGColorSpaceRef CGColorSpaceCreateWithPlatformColorSpace(const void* ref) {
 }
 
 bool CGColorSpaceIsWideGamutRGB(CGColorSpaceRef space) {
-  const calls::Answer answer = calls::answer(Call::CGColorSpaceIsWideGamutRGB);
-  if (answer.fail || answer.number || space == nullptr) {
-    return answer.number.value_or(0) != 0;
+  const calls::Fault fault = calls::fault(Call::CGColorSpaceIsWideGamutRGB);
+  if (fault.fail || fault.number || space == nullptr) {
+    return fault.number.value_or(0) != 0;
   }
   auto* const made = (PlatformColorSpace*)space;
   return [made isKindOfClass:[PlatformColorSpace class]] && [made isWideGamutRGB];

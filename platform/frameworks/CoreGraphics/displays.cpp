@@ -7,8 +7,8 @@
 #include "desktop/current.h"
 #include "frameworks/hooks/calls.h"
 
-using platform::calls::Answer;
 using platform::calls::Call;
+using platform::calls::Fault;
 using platform::desktop::Arrangement;
 using platform::desktop::Display;
 using platform::desktop::Rect;
@@ -44,9 +44,9 @@ bool meets(const CGRect& rect, const Rect& bounds) {
 
 /// Writes the numbers of the displays that `wanted` picks, as both list calls do.
 template <typename Wanted>
-CGError list(const Answer& answer, uint32_t capacity, CGDirectDisplayID* numbers, uint32_t* count, Wanted wanted) {
-  if (answer.fail || answer.error) {
-    return answer.error ? static_cast<CGError>(*answer.error) : kCGErrorFailure;
+CGError list(const Fault& fault, uint32_t capacity, CGDirectDisplayID* numbers, uint32_t* count, Wanted wanted) {
+  if (fault.fail || fault.error) {
+    return fault.error ? static_cast<CGError>(*fault.error) : kCGErrorFailure;
   }
   if (count == nullptr) {
     return kCGErrorIllegalArgument;
@@ -65,17 +65,17 @@ CGError list(const Answer& answer, uint32_t capacity, CGDirectDisplayID* numbers
     }
     ++found;
   }
-  *count = answer.number ? static_cast<uint32_t>(*answer.number) : found;
-  return static_cast<CGError>(answer.late_error.value_or(kCGErrorSuccess));
+  *count = fault.number ? static_cast<uint32_t>(*fault.number) : found;
+  return static_cast<CGError>(fault.late_error.value_or(kCGErrorSuccess));
 }
 
 /// CoreGraphics' vendor, model and serial number of an unknown display.
 constexpr uint32_t kNoNumber = 0xFFFFFFFF;
 
 uint32_t number(Call call, CGDirectDisplayID display, uint32_t Display::*member) {
-  const Answer answer = platform::calls::answer(call);
-  if (answer.fail || answer.number) {
-    return answer.number ? static_cast<uint32_t>(*answer.number) : kNoNumber;
+  const Fault fault = platform::calls::fault(call);
+  if (fault.fail || fault.number) {
+    return fault.number ? static_cast<uint32_t>(*fault.number) : kNoNumber;
   }
   const auto now = arrangement();
   const Display* const found = find(*now, display);
@@ -87,20 +87,20 @@ uint32_t number(Call call, CGDirectDisplayID display, uint32_t Display::*member)
 extern "C" {
 
 CGError CGGetActiveDisplayList(uint32_t maxDisplays, CGDirectDisplayID* activeDisplays, uint32_t* displayCount) {
-  return list(platform::calls::answer(Call::CGGetActiveDisplayList), maxDisplays, activeDisplays, displayCount,
+  return list(platform::calls::fault(Call::CGGetActiveDisplayList), maxDisplays, activeDisplays, displayCount,
               [](const Display&) { return true; });
 }
 
 CGError CGGetDisplaysWithRect(CGRect rect, uint32_t maxDisplays, CGDirectDisplayID* displays,
                               uint32_t* matchingDisplayCount) {
-  return list(platform::calls::answer(Call::CGGetDisplaysWithRect), maxDisplays, displays, matchingDisplayCount,
+  return list(platform::calls::fault(Call::CGGetDisplaysWithRect), maxDisplays, displays, matchingDisplayCount,
               [&](const Display& display) { return meets(rect, display.bounds); });
 }
 
 CGRect CGDisplayBounds(CGDirectDisplayID display) {
-  const Answer answer = platform::calls::answer(Call::CGDisplayBounds);
-  if (answer.fail || answer.rect) {
-    return rectOf(answer.rect.value_or(Rect{}));
+  const Fault fault = platform::calls::fault(Call::CGDisplayBounds);
+  if (fault.fail || fault.rect) {
+    return rectOf(fault.rect.value_or(Rect{}));
   }
   const auto now = arrangement();
   const Display* const found = find(*now, display);

@@ -16,8 +16,8 @@
 #include "frameworks/Foundation/autorelease_pool.h"
 #include "frameworks/Foundation/utf8_objects.h"
 #include "frameworks/IOKit/io_handles.h"
-#include "frameworks/hooks/answers.h"
 #include "frameworks/hooks/calls.h"
+#include "frameworks/hooks/injected_objects.h"
 
 using platform::IoHandles;
 using platform::ScopedPool;
@@ -97,8 +97,8 @@ extern "C" {
 const mach_port_t kIOMasterPortDefault = 0;
 
 CFMutableDictionaryRef IOServiceMatching(const char* name) {
-  if (const auto answer = platform::retainedAnswer<CFMutableDictionaryRef>(calls::answer(Call::IOServiceMatching))) {
-    return *answer;
+  if (const auto fault = platform::retainedFault<CFMutableDictionaryRef>(calls::fault(Call::IOServiceMatching))) {
+    return *fault;
   }
   if (name == nullptr) {
     return nullptr;
@@ -114,44 +114,44 @@ CFMutableDictionaryRef IOServiceMatching(const char* name) {
 }
 
 kern_return_t IOServiceGetMatchingServices(mach_port_t, CFDictionaryRef matching, io_iterator_t* existing) {
-  const calls::Answer answer = calls::answer(Call::IOServiceGetMatchingServices);
+  const calls::Fault fault = calls::fault(Call::IOServiceGetMatchingServices);
   if (matching == nullptr) {
     return KERN_FAILURE;
   }
   const ScopedPool pool;
   [(NSDictionary*)matching autorelease];  // consumed, also when the call fails
-  if (answer.fail || answer.error || existing == nullptr) {
-    return answer.error.value_or(KERN_FAILURE);
+  if (fault.fail || fault.error || existing == nullptr) {
+    return fault.error.value_or(KERN_FAILURE);
   }
-  if (answer.number) {
-    *existing = static_cast<io_iterator_t>(*answer.number);
+  if (fault.number) {
+    *existing = static_cast<io_iterator_t>(*fault.number);
     return KERN_SUCCESS;
   }
   const auto arrangement = platform::desktop::current()->arrangement();
   const std::size_t count = matchesDisplays((NSDictionary*)matching) ? arrangement->services.size() : 0;
   *existing = handles().makeIterator(arrangement, count);
-  return answer.late_error.value_or(KERN_SUCCESS);
+  return fault.late_error.value_or(KERN_SUCCESS);
 }
 
 io_object_t IOIteratorNext(io_iterator_t iterator) {
-  const calls::Answer answer = calls::answer(Call::IOIteratorNext);
-  if (answer.fail || answer.number) {
-    return static_cast<io_object_t>(answer.number.value_or(0));
+  const calls::Fault fault = calls::fault(Call::IOIteratorNext);
+  if (fault.fail || fault.number) {
+    return static_cast<io_object_t>(fault.number.value_or(0));
   }
   return handles().next(iterator);
 }
 
 kern_return_t IOObjectRelease(io_object_t object) {
-  const calls::Answer answer = calls::answer(Call::IOObjectRelease);
-  if (answer.fail || answer.error) {
-    return answer.error.value_or(KERN_FAILURE);
+  const calls::Fault fault = calls::fault(Call::IOObjectRelease);
+  if (fault.fail || fault.error) {
+    return fault.error.value_or(KERN_FAILURE);
   }
   return handles().release(object) ? KERN_SUCCESS : KERN_FAILURE;
 }
 
 CFDictionaryRef IODisplayCreateInfoDictionary(io_service_t framebuffer, IOOptionBits options) {
-  const calls::Answer answer = calls::answer(Call::IODisplayCreateInfoDictionary);
-  if (const auto object = platform::retainedAnswer<CFDictionaryRef>(answer)) {
+  const calls::Fault fault = calls::fault(Call::IODisplayCreateInfoDictionary);
+  if (const auto object = platform::retainedFault<CFDictionaryRef>(fault)) {
     return *object;
   }
   const std::shared_ptr<const DisplayService> service = handles().service(framebuffer);
@@ -160,10 +160,10 @@ CFDictionaryRef IODisplayCreateInfoDictionary(io_service_t framebuffer, IOOption
   }
   const ScopedPool pool;
   const auto info = reinterpret_cast<CFDictionaryRef>(copyInfo(*service, (options & kIODisplayOnlyPreferredName) != 0));
-  if (answer.edit == nullptr) {
+  if (fault.edit == nullptr) {
     return info;
   }
-  const auto edited = static_cast<CFDictionaryRef>((*answer.edit)(info));
+  const auto edited = static_cast<CFDictionaryRef>((*fault.edit)(info));
   CFRelease(info);
   return edited;
 }

@@ -39,7 +39,7 @@ namespace detail {
 std::array<std::atomic<std::uint64_t>, kCallCount> counts{};
 std::atomic<bool> any_hook{false};
 
-Answer askHook(Call call) {
+Fault askHook(Call call) {
   std::shared_ptr<const Hook> hook;
   std::uint64_t nth = 0;
   {
@@ -48,7 +48,7 @@ Answer askHook(Call call) {
     hook = slot.hook;
     nth = ++slot.calls;
   }
-  return hook ? (*hook)(nth) : Answer{};
+  return hook ? (*hook)(nth) : Fault{};
 }
 
 }  // namespace detail

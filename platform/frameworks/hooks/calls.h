@@ -32,7 +32,7 @@ inline constexpr std::size_t kCallCount = static_cast<std::size_t>(Call::kCount)
 using Edit = std::function<const void*(const void* dictionary)>;
 
 /// What a hook changes about one call. Members that do not apply to the call are ignored.
-struct Answer {
+struct Fault {
   bool fail = false;  ///< the call does nothing and returns its failure value: null, an error code, false
   /// What the call reports instead of the truth: a count, a length, a handle, a display's number, a Boolean.
   std::optional<std::int64_t> number{};
@@ -46,7 +46,7 @@ struct Answer {
 
 /// `nth` is 1 for the first call after the hook was set. A hook runs on the calling thread, before the call does its
 /// work; it may change the desktop, and must not set hooks.
-using Hook = std::function<Answer(std::uint64_t nth)>;
+using Hook = std::function<Fault(std::uint64_t nth)>;
 
 /// Sets, or with an empty function removes, the hook of one call. Not while calls are being made on other threads.
 PLATFORM_API void setHook(Call call, Hook hook);
@@ -59,11 +59,11 @@ PLATFORM_API std::optional<Call> find(std::string_view name);
 namespace detail {
 extern std::array<std::atomic<std::uint64_t>, kCallCount> counts;
 extern std::atomic<bool> any_hook;
-Answer askHook(Call call);
+Fault askHook(Call call);
 }  // namespace detail
 
 /// Counts the call and returns what its hook changes.
-inline Answer answer(Call call) {
+inline Fault fault(Call call) {
   detail::counts[static_cast<std::size_t>(call)].fetch_add(1, std::memory_order_relaxed);
   if (!detail::any_hook.load(std::memory_order_acquire)) [[likely]] {
     return {};
@@ -72,7 +72,7 @@ inline Answer answer(Call call) {
 }
 
 /// Counts the call.
-inline bool shouldFail(Call call) { return answer(call).fail; }
+inline bool shouldFail(Call call) { return fault(call).fail; }
 
 }  // namespace platform::calls
 

@@ -14,8 +14,8 @@
 
 namespace {
 
-using platform::calls::Answer;
 using platform::calls::Call;
+using platform::calls::Fault;
 using platform::desktop::DeviceProfile;
 using platform::desktop::Script;
 using platform::desktop::Uuid;
@@ -123,7 +123,7 @@ TEST(IterateDeviceProfiles, ReleasesAnEntryAfterItsCallback) {
 TEST(IterateDeviceProfiles, VisitsNothingOnFailureOrWithoutACallback) {
   const ScriptedSession session(scriptOf({fullEntry()}));
   ColorSyncIterateDeviceProfiles(nullptr, nullptr);
-  platform::calls::setHook(Call::ColorSyncIterateDeviceProfiles, [](std::uint64_t) { return Answer{.fail = true}; });
+  platform::calls::setHook(Call::ColorSyncIterateDeviceProfiles, [](std::uint64_t) { return Fault{.fail = true}; });
   int visits = 0;
   iterate([&](CFDictionaryRef) { return ++visits > 0; });
   EXPECT_EQ(visits, 0);
@@ -188,7 +188,7 @@ TEST_F(SetCustomProfiles, ReturnsFalseForNull) {
 }
 
 TEST_F(SetCustomProfiles, ReturnsFalseOnFailure) {
-  platform::calls::setHook(Call::ColorSyncDeviceSetCustomProfiles, [](std::uint64_t) { return Answer{.fail = true}; });
+  platform::calls::setHook(Call::ColorSyncDeviceSetCustomProfiles, [](std::uint64_t) { return Fault{.fail = true}; });
   EXPECT_FALSE(ColorSyncDeviceSetCustomProfiles(kColorSyncDisplayDeviceClass, device_.get(), profiles_.get()));
   platform::calls::removeAllHooks();
   session_.desktop->change([](Script& script) { script.accepts_profiles = false; });
@@ -223,7 +223,7 @@ TEST(DisplayUuid, IsNullOnFailure) {
   const ScriptedSession session(scriptOfDisplays());
   const auto uuid = uuidRef(9);
   for (const Call call : {Call::CGDisplayCreateUUIDFromDisplayID, Call::CGDisplayGetDisplayIDFromUUID}) {
-    platform::calls::setHook(call, [](std::uint64_t) { return Answer{.fail = true}; });
+    platform::calls::setHook(call, [](std::uint64_t) { return Fault{.fail = true}; });
   }
   EXPECT_EQ(CGDisplayCreateUUIDFromDisplayID(9), nullptr);
   EXPECT_EQ(CGDisplayGetDisplayIDFromUUID(uuid.get()), 0U);

@@ -20,8 +20,8 @@
 
 namespace {
 
-using platform::calls::Answer;
 using platform::calls::Call;
+using platform::calls::Fault;
 using platform::desktop::InstalledProfile;
 using support::IccMaker;
 using support::TemporaryFolder;
@@ -142,7 +142,7 @@ TEST(IterateInstalledProfiles, EndsWhenTheCallbackReturnsFalse) {
 TEST(IterateInstalledProfiles, ShowsNothingWhenItFailsOrHasNoCallback) {
   const auto session = sessionWith({entry("a", "b", "/1")});
   ColorSyncIterateInstalledProfiles(nullptr, nullptr, nullptr, nullptr);
-  platform::calls::setHook(Call::ColorSyncIterateInstalledProfiles, [](std::uint64_t) { return Answer{true}; });
+  platform::calls::setHook(Call::ColorSyncIterateInstalledProfiles, [](std::uint64_t) { return Fault{true}; });
   EXPECT_THAT(entries(), IsEmpty());
 }
 
@@ -283,9 +283,9 @@ TEST(ProfileCalls, ReturnNullWhenTheyFail) {
   const TemporaryFolder folder;
   const std::string path = folder.write("a.icc", support::displayProfile("a"));
   const auto profile = opened(path);
-  platform::calls::setHook(Call::ColorSyncProfileCopyTag, [](std::uint64_t) { return Answer{true}; });
+  platform::calls::setHook(Call::ColorSyncProfileCopyTag, [](std::uint64_t) { return Fault{true}; });
   EXPECT_EQ(tagOf(profile.get(), "desc"), std::nullopt);
-  platform::calls::setHook(Call::ColorSyncProfileCreateWithURL, [](std::uint64_t) { return Answer{true}; });
+  platform::calls::setHook(Call::ColorSyncProfileCreateWithURL, [](std::uint64_t) { return Fault{true}; });
   EXPECT_FALSE(opened(path));
   platform::calls::removeAllHooks();
 }
@@ -330,9 +330,9 @@ TEST(ColorSpaceCalls, ReturnNullAndFalseWhenTheyFail) {
   const auto profile = opened("/usr/share/color/icc/colord/ProPhotoRGB.icc");
   const Owned<CGColorSpaceRef> space(CGColorSpaceCreateWithPlatformColorSpace(profile.get()));
   EXPECT_TRUE(CGColorSpaceIsWideGamutRGB(space.get()));
-  platform::calls::setHook(Call::CGColorSpaceIsWideGamutRGB, [](std::uint64_t) { return Answer{true}; });
+  platform::calls::setHook(Call::CGColorSpaceIsWideGamutRGB, [](std::uint64_t) { return Fault{true}; });
   EXPECT_FALSE(CGColorSpaceIsWideGamutRGB(space.get()));
-  platform::calls::setHook(Call::CGColorSpaceCreateWithPlatformColorSpace, [](std::uint64_t) { return Answer{true}; });
+  platform::calls::setHook(Call::CGColorSpaceCreateWithPlatformColorSpace, [](std::uint64_t) { return Fault{true}; });
   EXPECT_EQ(CGColorSpaceCreateWithPlatformColorSpace(profile.get()), nullptr);
   platform::calls::removeAllHooks();
 }

@@ -20,8 +20,8 @@
 
 namespace {
 
-using platform::calls::Answer;
 using platform::calls::Call;
+using platform::calls::Fault;
 
 constexpr std::chrono::seconds kDeadline(20);
 
@@ -208,7 +208,7 @@ TEST(Async, ReturnsBeforeTheBlockHasRun) {
 TEST(QueueCreate, AcceptsNoLabel) { EXPECT_TRUE(drained(dispatch_queue_create(nullptr, nullptr))); }
 
 TEST(QueueCreate, ReturnsNullOnFailure) {
-  platform::calls::setHook(Call::dispatch_queue_create, [](std::uint64_t) { return Answer{.fail = true}; });
+  platform::calls::setHook(Call::dispatch_queue_create, [](std::uint64_t) { return Fault{.fail = true}; });
   EXPECT_EQ(dispatch_queue_create("NONE", nullptr), nullptr);
   platform::calls::removeAllHooks();
   EXPECT_NE(dispatch_queue_create("ONE", nullptr), nullptr);
@@ -217,7 +217,7 @@ TEST(QueueCreate, ReturnsNullOnFailure) {
 TEST(Async, NeverRunsTheBlockOnFailure) {
   auto* const queue = dispatch_queue_create("DROPPED", nullptr);
   __block bool ran = false;
-  platform::calls::setHook(Call::dispatch_async, [](std::uint64_t) { return Answer{.fail = true}; });
+  platform::calls::setHook(Call::dispatch_async, [](std::uint64_t) { return Fault{.fail = true}; });
   dispatch_async(queue, ^{
     ran = true;
   });

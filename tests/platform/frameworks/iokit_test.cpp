@@ -18,8 +18,8 @@
 
 namespace {
 
-using platform::calls::Answer;
 using platform::calls::Call;
+using platform::calls::Fault;
 using platform::desktop::DisplayService;
 using platform::desktop::Script;
 using platform::desktop::ScriptedDesktop;
@@ -96,7 +96,7 @@ class Services : public testing::Test {
   }
 
   static void fail(Call call) {
-    platform::calls::setHook(call, [](std::uint64_t) { return Answer{.fail = true}; });
+    platform::calls::setHook(call, [](std::uint64_t) { return Fault{.fail = true}; });
   }
 
   std::shared_ptr<ScriptedDesktop> desktop_ = std::make_shared<ScriptedDesktop>();

@@ -1,4 +1,4 @@
-#include "faults/answers.h"
+#include "faults/fault_values.h"
 
 #include <cstdint>
 #include <limits>
@@ -7,70 +7,70 @@
 namespace faults {
 namespace {
 
-using platform::calls::Answer;
 using platform::calls::Call;
+using platform::calls::Fault;
 using platform::desktop::Rect;
-using Answers = std::vector<NamedAnswer>;
+using Faults = std::vector<NamedFault>;
 
 constexpr double kNan = std::numeric_limits<double>::quiet_NaN();
 constexpr double kInfinity = std::numeric_limits<double>::infinity();
 
-const NamedAnswer kFailure = {"failure", {.fail = true}};
+const NamedFault kFailure = {"failure", {.fail = true}};
 
-Answers operator+(Answers first, const Answers& second) {
+Faults operator+(Faults first, const Faults& second) {
   first.insert(first.end(), second.begin(), second.end());
   return first;
 }
 
-NamedAnswer object(const std::string& name, CFTypeRef value) { return {name, {.object = value}}; }
+NamedFault object(const std::string& name, CFTypeRef value) { return {name, {.object = value}}; }
 
 /// Null; for calls whose result is always of its declared type.
-Answers null() { return {kFailure}; }
+Faults null() { return {kFailure}; }
 
 /// Null, and an object of every type: for calls that return values of a dictionary.
-Answers anyObject() {
-  Answers answers = null();
+Faults anyObject() {
+  Faults faults = null();
   for (const NamedObject& sample : sampleObjects()) {
-    answers.push_back(object(sample.name, sample.object));
+    faults.push_back(object(sample.name, sample.object));
   }
-  return answers;
+  return faults;
 }
 
-Answers oddStrings() {
+Faults oddStrings() {
   return {object("an empty string", emptyString()), object("a string without UTF-8", brokenString())};
 }
 
-Answers strings() { return null() + Answers{object("another string", sampleObject("a string"))} + oddStrings(); }
+Faults strings() { return null() + Faults{object("another string", sampleObject("a string"))} + oddStrings(); }
 
 /// Without an immutable dictionary: nothing could tell that it cannot be changed.
-Answers mutableDictionaries() { return null() + Answers{object("a used dictionary", mutableDictionary())}; }
+Faults mutableDictionaries() { return null() + Faults{object("a used dictionary", mutableDictionary())}; }
 
-Answers dictionaries() {
-  return null() + Answers{object("another dictionary", sampleObject("a dictionary")),
-                          object("an empty dictionary", emptyDictionary())};
+Faults dictionaries() {
+  return null() + Faults{object("another dictionary", sampleObject("a dictionary")),
+                         object("an empty dictionary", emptyDictionary())};
 }
 
-Answers numbers(const std::vector<std::int64_t>& values) {
-  Answers answers = {kFailure};
+Faults numbers(const std::vector<std::int64_t>& values) {
+  Faults faults = {kFailure};
   for (const std::int64_t value : values) {
-    answers.push_back({std::to_string(value), {.number = value}});
+    faults.push_back({std::to_string(value), {.number = value}});
   }
-  return answers;
+  return faults;
 }
 
 /// An error code with nothing written; 0 is success with nothing written.
-Answers codes() {
-  Answers answers = {kFailure};
+Faults codes() {
+  Faults faults = {kFailure};
   for (const std::int32_t code : {-1, 1, 1001, std::numeric_limits<std::int32_t>::min(), 0}) {
-    answers.push_back({"code " + std::to_string(code), {.error = code}});
+    faults.push_back({"code " + std::to_string(code), {.error = code}});
   }
-  return answers;
+  return faults;
 }
 
 /// An error code although everything was written.
-const NamedAnswer kLateError = {"late code 1001", {.late_error = 1001}};
+const NamedFault kLateError = {"late code 1001", {.late_error = 1001}};
 
-Answers rects() {
+Faults rects() {
   return {kFailure,
           {"no place", {.rect = Rect{kNan, kNan, kNan, kNan}}},
           {"everywhere", {.rect = Rect{-kInfinity, -kInfinity, kInfinity, kInfinity}}},
@@ -78,29 +78,29 @@ Answers rects() {
           {"inside out", {.rect = Rect{10, 10, -5, -5}}}};
 }
 
-Answers scales() {
-  Answers answers = {kFailure};
+Faults scales() {
+  Faults faults = {kFailure};
   for (const double scale : {0.5, -1.0, kNan, kInfinity}) {
-    answers.push_back({"scale " + std::to_string(scale), {.real = scale}});
+    faults.push_back({"scale " + std::to_string(scale), {.real = scale}});
   }
-  return answers;
+  return faults;
 }
 
-Answers handles() { return numbers({1, 0xDEAD, 0xFFFFFFFF}); }
+Faults handles() { return numbers({1, 0xDEAD, 0xFFFFFFFF}); }
 
 /// With counts that need too much memory, or do not fit.
-Answers displayCounts() { return codes() + Answers{kLateError} + numbers({0, 1, 65536, UINT32_MAX}); }
+Faults displayCounts() { return codes() + Faults{kLateError} + numbers({0, 1, 65536, UINT32_MAX}); }
 
 constexpr std::int64_t kMost = std::numeric_limits<std::int64_t>::max();
 constexpr std::int64_t kLeast = std::numeric_limits<std::int64_t>::min();
 constexpr std::int64_t kTooMuch = std::int64_t{1} << 45;
 
 /// Lengths and counts that are too small or absurd. One that is a little too large would point behind the memory.
-Answers sizes() { return numbers({0, -1, kLeast}); }
-Answers absurdSizes() { return numbers({0, -1, kLeast, kTooMuch, kMost}); }
+Faults sizes() { return numbers({0, -1, kLeast}); }
+Faults absurdSizes() { return numbers({0, -1, kLeast, kTooMuch, kMost}); }
 
-const std::map<Call, Answers>& table() {
-  static const std::map<Call, Answers> answers = {
+const std::map<Call, Faults>& table() {
+  static const std::map<Call, Faults> faults = {
       {Call::CFEqual, numbers({1})},
       {Call::CFStringGetLength, absurdSizes()},
       {Call::CFDataGetBytePtr, {kFailure}},
@@ -127,37 +127,37 @@ const std::map<Call, Answers>& table() {
       {Call::ColorSyncIterateInstalledProfiles, {kFailure}},
       {Call::ColorSyncProfileCreateWithURL, null()},
       {Call::ColorSyncProfileCopyTag,
-       null() + Answers{object("other data", sampleObject("data")), object("no data", emptyData()),
-                        object("little data", shortData())}},
-      {Call::CGDisplayCreateUUIDFromDisplayID, null() + Answers{object("another UUID", sampleObject("a UUID"))}},
+       null() + Faults{object("other data", sampleObject("data")), object("no data", emptyData()),
+                       object("little data", shortData())}},
+      {Call::CGDisplayCreateUUIDFromDisplayID, null() + Faults{object("another UUID", sampleObject("a UUID"))}},
       {Call::CGDisplayGetDisplayIDFromUUID, numbers({2, 77, UINT32_MAX})},
-      {Call::NSScreen_screens, null() + Answers{object("an empty list", emptyArray())}},
+      {Call::NSScreen_screens, null() + Faults{object("an empty list", emptyArray())}},
       {Call::NSScreen_mainScreen, null()},
       {Call::NSScreen_frame, rects()},
       {Call::NSScreen_backingScaleFactor, scales()},
       {Call::IOServiceMatching, dictionaries()},
-      {Call::IOServiceGetMatchingServices, codes() + Answers{kLateError} + handles()},
+      {Call::IOServiceGetMatchingServices, codes() + Faults{kLateError} + handles()},
       {Call::IOIteratorNext, handles()},
       {Call::IOObjectRelease, codes()},
       {Call::IODisplayCreateInfoDictionary, dictionaries()},
       {Call::dispatch_queue_create, {kFailure}},
       {Call::dispatch_async, {kFailure}},
   };
-  return answers;
+  return faults;
 }
 
 }  // namespace
 
-const std::vector<NamedAnswer>& answersOf(Call call) {
-  static const Answers kNone;
+const std::vector<NamedFault>& faultsOf(Call call) {
+  static const Faults kNone;
   const auto listed = table().find(call);
   return listed != table().end() ? listed->second : kNone;
 }
 
 // --- messages
 
-const std::vector<MessageAnswer>& messageAnswers() {
-  static const std::vector<MessageAnswer> answers = {
+const std::vector<MessageFault>& messageFaults() {
+  static const std::vector<MessageFault> faults = {
       {"UTF8String", "null", nullptr},
       {"UTF8String", "an empty text", ""},
       {"UTF8String", "invalid UTF-8", "\xFF\xFE\xC0"},
@@ -170,7 +170,7 @@ const std::vector<MessageAnswer>& messageAnswers() {
       {"fileURLWithPath:", "null", nullptr},
       {"fileURLWithPath:", "another URL", sampleObject("a URL")},
   };
-  return answers;
+  return faults;
 }
 
 // --- the host
@@ -198,19 +198,19 @@ void* returnAddressOf() {
   return reinterpret_cast<void*>(kFunction);
 }
 
-HostAnswer missing(const char* entry) {
+HostFault missing(const char* entry) {
   return {entry, "missing", [=](devhost::Host& host) { host.entries().remove(entry); }};
 }
 
 template <typename Function>
-HostAnswer returning(const char* entry, const char* name, Function* function) {
+HostFault returning(const char* entry, const char* name, Function* function) {
   return {entry, name, [=](devhost::Host& host) { host.entries().set(entry, function); }};
 }
 
 }  // namespace
 
-const std::vector<HostAnswer>& hostAnswers() {
-  static const std::vector<HostAnswer> answers = {
+const std::vector<HostFault>& hostFaults() {
+  static const std::vector<HostFault> faults = {
       missing("PluginRegisterModule"),
       returning("PluginRegisterModule", "doing nothing", doNothing),
       missing("REALBuildStringWithEncoding"),
@@ -236,7 +236,7 @@ const std::vector<HostAnswer>& hostAnswers() {
       returning("PluginStringArrayInsertProc", "null", returnNull),
       returning("PluginStringArrayInsertProc", "doing nothing", returnAddressOf<doNothing>),
   };
-  return answers;
+  return faults;
 }
 
 }  // namespace faults

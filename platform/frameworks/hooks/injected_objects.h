@@ -1,4 +1,4 @@
-// How a framework call uses its hook's answer: an object instead of its own, an edited dictionary.
+// How a framework call uses what its hook injects: an object instead of its own, an edited dictionary.
 // Any thread.
 #pragma once
 
@@ -12,23 +12,23 @@ namespace platform {
 
 /// What the call returns at once; nullopt when it does its work. For calls that return a borrowed object.
 template <typename Ref>
-std::optional<Ref> borrowedAnswer(const calls::Answer& answer) {
-  if (answer.fail) {
+std::optional<Ref> borrowedFault(const calls::Fault& fault) {
+  if (fault.fail) {
     return Ref{};
   }
-  if (answer.object != nullptr) {
-    return (Ref) const_cast<void*>(answer.object);
+  if (fault.object != nullptr) {
+    return (Ref) const_cast<void*>(fault.object);
   }
   return std::nullopt;
 }
 
 /// The same for calls whose result the caller releases.
 template <typename Ref>
-std::optional<Ref> retainedAnswer(const calls::Answer& answer) {
-  if (!answer.fail && answer.object != nullptr) {
-    CFRetain(answer.object);
+std::optional<Ref> retainedFault(const calls::Fault& fault) {
+  if (!fault.fail && fault.object != nullptr) {
+    CFRetain(fault.object);
   }
-  return borrowedAnswer<Ref>(answer);
+  return borrowedFault<Ref>(fault);
 }
 
 /// Passes the entry, or what the hook makes of it, to `look` and returns its result.

@@ -15,13 +15,13 @@ namespace faults {
 
 // --- framework calls
 
-struct NamedAnswer {
+struct NamedFault {
   std::string name;  ///< such as "null", "a number", "code -1"
-  platform::calls::Answer answer;
+  platform::calls::Fault fault;
 };
 
-/// Every answer that is tried of the call; at least one.
-const std::vector<NamedAnswer>& answersOf(platform::calls::Call call);
+/// Every fault that is tried of the call; at least one.
+const std::vector<NamedFault>& faultsOf(platform::calls::Call call);
 
 // --- dictionaries
 
@@ -39,33 +39,33 @@ const std::vector<DictionaryEdit>& dictionaryEdits();
 
 // --- messages to Foundation's objects
 
-struct MessageAnswer {
+struct MessageFault {
   std::string selector;
   std::string name;  ///< such as "null"
   const void* result;
 };
 
-inline std::ostream& operator<<(std::ostream& out, const MessageAnswer& answer) {
-  return out << answer.selector << ": " << answer.name;
+inline std::ostream& operator<<(std::ostream& out, const MessageFault& fault) {
+  return out << fault.selector << ": " << fault.name;
 }
 
-const std::vector<MessageAnswer>& messageAnswers();
+const std::vector<MessageFault>& messageFaults();
 
 // --- entries of the host
 
-struct HostAnswer {
+struct HostFault {
   std::string entry;
   std::string name;  ///< such as "missing" or "null"
   /// Changes the host's table. Before the plugin is loaded: it looks an entry up once.
   std::function<void(devhost::Host&)> apply;
 };
 
-inline std::ostream& operator<<(std::ostream& out, const HostAnswer& answer) {
-  return out << answer.entry << ": " << answer.name;
+inline std::ostream& operator<<(std::ostream& out, const HostFault& fault) {
+  return out << fault.entry << ": " << fault.name;
 }
 
 /// For every entry that the plugin looks up.
-const std::vector<HostAnswer>& hostAnswers();
+const std::vector<HostFault>& hostFaults();
 
 // --- objects of every type; they live for the life of the process
 
