@@ -15,7 +15,7 @@ using internal::IoObject;
 using internal::leakOnPurpose;
 using internal::unknownName;
 
-/// The first product name, whatever its language: IOKit was asked for the preferred language only. Null when it is not
+/// The first product name, in any language: IOKit was asked for the preferred language only. Null when it is not
 /// a string, and when there are more names than languages.
 CFStringRef firstName(CFDictionaryRef names, CFIndex count) {
   constexpr CFIndex kMostNames = 10'000;

@@ -33,7 +33,7 @@ OSTREVIN_API CFStringRef DisplayNameForID(CGDirectDisplayID displayID);
 /// false when `url` is null or the display has no UUID. The file is not checked here.
 OSTREVIN_API bool SetProfileForDisplay(CFURLRef url, CGDirectDisplayID displayID);
 
-/// The same for the UUID of a display, which is consumed: it is released whatever the result.
+/// The same for the UUID of a display, which is consumed: it is released in every case.
 OSTREVIN_API bool SetProfileForDisplay64(CFURLRef url, CFUUIDRef uuid);
 
 }  // namespace DisplayServices

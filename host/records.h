@@ -27,7 +27,7 @@ struct HFSUniStr255;
 /// The version of the host's interface that the records and the host calls follow.
 inline constexpr std::int64_t kHostInterfaceVersion = 13;
 
-/// Any function, whatever its parameters; the declaration beside it lists them.
+/// A function with any parameters; the declaration beside it lists them.
 using REALfunction = void (*)();
 
 /// One method: what the host calls, and how the host's language declares it.
@@ -90,7 +90,7 @@ static_assert(sizeof(REALcontrolDefinition) == 112);
 
 namespace host {
 
-/// `instance` plus `offset` bytes, for any instance: the sum is computed as a number, so null is no special case.
+/// `instance` plus `offset` bytes, for any instance: the sum is computed as a number, so null needs no check.
 inline void* addOffset(void* instance, std::int64_t offset) {
   // NOLINTNEXTLINE(performance-no-int-to-ptr): arithmetic on a null pointer is not defined.
   return reinterpret_cast<void*>(reinterpret_cast<std::uintptr_t>(instance) + static_cast<std::uintptr_t>(offset));

@@ -80,7 +80,7 @@ TEST_F(Strings, BelongToThePool) {
   CFStringRef made = nullptr;
   {
     const platform::ScopedPool pool;
-    made = string("a string that outlives its pool only because somebody retains it");
+    made = string("a string that outlives its pool only because it is retained");
     CFRetain(made);
     EXPECT_EQ(CFGetRetainCount(made), 2);
   }

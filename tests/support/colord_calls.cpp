@@ -10,7 +10,7 @@ namespace support {
 namespace {
 
 constexpr std::chrono::seconds kLimit{30};
-/// Whoever is called by a path below this one is colord, by whichever name.
+/// An object whose path begins with this one belongs to colord, under any bus name.
 constexpr const char* kRule = "type='method_call',path_namespace='/org/freedesktop/ColorManager'";
 
 std::shared_ptr<GDBusConnection> connectToBus() {
