@@ -58,12 +58,8 @@ class OpcodeReader {
   explicit OpcodeReader(Bytes bytes) : bytes_(bytes) {}
 
   bool atEnd() const { return bytes_.empty(); }
-  std::uint8_t byte() {
-    const auto result = number<std::uint8_t>(bytes_, 0, kWhat);
-    skip(1);
-    return result;
-  }
-  /// A number in groups of seven bits, the lowest first (ULEB128, or SLEB128 without its sign).
+  std::uint8_t byte() { return fixed<std::uint8_t>(); }
+  /// A number in groups of seven bits, the lowest first (ULEB128).
   std::uint64_t leb128() {
     std::uint64_t result = 0;
     for (unsigned shift = 0;; shift += 7) {
@@ -77,11 +73,35 @@ class OpcodeReader {
       }
     }
   }
+  /// The same with a sign (SLEB128), in two's complement.
+  std::uint64_t signedLeb128() {
+    std::uint64_t result = 0;
+    for (unsigned shift = 0;;) {
+      const std::uint8_t group = byte();
+      if (shift >= 64) {
+        throw MachoError("an opcode's number is too long");
+      }
+      result |= static_cast<std::uint64_t>(group & 0x7F) << shift;
+      shift += 7;
+      if ((group & 0x80) == 0) {
+        return shift < 64 && (group & 0x40) != 0 ? result | ~std::uint64_t{0} << shift : result;
+      }
+    }
+  }
   std::string_view text() {
     const std::string_view result = macho::text(bytes_, 0, kWhat);
     skip(result.size() + 1);
     return result;
   }
+  /// A number of a fixed size, little-endian.
+  template <typename Number>
+  Number fixed() {
+    const auto result = number<Number>(bytes_, 0, kWhat);
+    skip(sizeof(Number));
+    return result;
+  }
+  /// What is not read yet.
+  Bytes rest() const { return bytes_; }
   void skip(std::uint64_t count) { bytes_ = from(bytes_, count, kWhat); }
 
  private:

@@ -17,7 +17,8 @@ struct Check {
   std::vector<std::string> problems;
 };
 
-/// What holds for the library and the program: the oldest system, and how the code is protected.
+/// What holds for the library and the program: the oldest system, how the code is protected, and
+/// that exceptions can be unwound.
 std::vector<Check> checkFile(const Image& image);
 
 /// What holds for the library besides: its name and versions, the libraries that it links, its exports, and that

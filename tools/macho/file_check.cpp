@@ -1,8 +1,12 @@
 #include <fnmatch.h>
 
 #include <algorithm>
+#include <map>
+#include <set>
+#include <sstream>
 
 #include "tools/macho/checks.h"
+#include "tools/macho/unwind.h"
 
 namespace macho {
 namespace {
@@ -85,6 +89,74 @@ Check checkProtection(const Image& image) {
   return check;
 }
 
+/// The functions of the symbol table, by address.
+std::map<std::uint64_t, std::string> functionsOf(const Image& image) {
+  std::map<std::uint64_t, std::string> functions;
+  for (const Symbol& symbol : image.symbols()) {
+    const bool is_function = std::any_of(image.segments().begin(), image.segments().end(), [&](const Segment& segment) {
+      return segment.executable && symbol.address - segment.address < segment.size;
+    });
+    if (is_function) {
+      functions.emplace(symbol.address, symbol.name);
+    }
+  }
+  return functions;
+}
+
+std::string nameOrAddress(const std::map<std::uint64_t, std::string>& functions, std::uint64_t address) {
+  const auto found = functions.find(address);
+  if (found != functions.end()) {
+    return found->second;
+  }
+  std::ostringstream text;
+  text << "at 0x" << std::hex << address;
+  return text.str();
+}
+
+/// An exception that reaches a function without its frame description ends the process.
+void checkFrameDescriptions(const Image& image, std::vector<std::string>& problems) {
+  const std::map<std::uint64_t, std::string> functions = functionsOf(image);
+  const std::vector<UnwindEntry> entries = unwindEntries(image);
+  if (entries.empty()) {
+    problems.emplace_back("has no unwind table");
+  }
+  std::set<std::uint64_t> described;
+  for (const FrameDescription& description : frameDescriptions(image)) {
+    described.insert(description.begin);
+  }
+  std::set<std::uint64_t> begins;
+  for (const UnwindEntry& entry : entries) {
+    begins.insert(entry.begin);
+    if (!usesFrameDescription(image, entry)) {
+      continue;
+    }
+    std::set<std::uint64_t> needed{entry.begin};
+    for (auto at = functions.lower_bound(entry.begin); at != functions.end() && at->first < entry.end; ++at) {
+      needed.insert(at->first);
+    }
+    for (const std::uint64_t function : needed) {
+      if (described.count(function) == 0) {
+        problems.push_back("no frame description begins at the function " + nameOrAddress(functions, function));
+      }
+    }
+  }
+  for (const std::uint64_t begin : described) {
+    if (functions.count(begin) == 0 && begins.count(begin) == 0) {
+      problems.push_back("a frame description begins outside the functions, " + nameOrAddress(functions, begin));
+    }
+  }
+}
+
+Check checkUnwinding(const Image& image) {
+  Check check{"every function that needs a frame description has one, and every description a function", {}};
+  try {
+    checkFrameDescriptions(image, check.problems);
+  } catch (const MachoError& error) {
+    check.problems.emplace_back(error.what());
+  }
+  return check;
+}
+
 Check checkIdentity(const Image& image) {
   Check check{"install name is " + std::string(kInstallName) + ", both versions " + kVersion, {}};
   const auto& found = image.identity();
@@ -123,14 +195,14 @@ Check checkExports(const Image& image, const std::vector<std::string>& patterns)
   Check check{"exports what exports.txt lists", {}};
   for (const std::string& pattern : patterns) {
     if (std::none_of(image.exports().begin(), image.exports().end(),
-                     [&](const std::string& name) { return matches("_" + pattern, name); })) {
+                     [&](const Export& symbol) { return matches("_" + pattern, symbol.name); })) {
       check.problems.push_back("does not export " + pattern);
     }
   }
-  for (const std::string& name : image.exports()) {
+  for (const Export& symbol : image.exports()) {
     if (std::none_of(patterns.begin(), patterns.end(),
-                     [&](const std::string& pattern) { return matches("_" + pattern, name); })) {
-      check.problems.push_back("also exports " + name);
+                     [&](const std::string& pattern) { return matches("_" + pattern, symbol.name); })) {
+      check.problems.push_back("also exports " + symbol.name);
     }
   }
   return check;
@@ -149,7 +221,7 @@ Check checkCounting(const Image& image) {
 }  // namespace
 
 std::vector<Check> checkFile(const Image& image) {
-  return {checkOldestSystem(image), checkOldSystems(image), checkProtection(image)};
+  return {checkOldestSystem(image), checkOldSystems(image), checkProtection(image), checkUnwinding(image)};
 }
 
 std::vector<Check> checkLibrary(const Image& image, const std::vector<std::string>& exported) {

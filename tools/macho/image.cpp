@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <set>
+#include <utility>
 
 namespace macho {
 namespace {
@@ -41,9 +42,20 @@ enum LoadCommand : std::uint32_t {
 
 constexpr std::uint32_t kPlatformMacos = 1;
 
+constexpr std::uint32_t kProtectionRead = 1;
 constexpr std::uint32_t kProtectionWrite = 2;
 constexpr std::uint32_t kProtectionExecute = 4;
 constexpr std::uint32_t kSegmentReadOnlyAfterFixups = 0x10;
+
+constexpr std::uint64_t kSegmentCommandSize = 72;
+constexpr std::uint64_t kSectionSize = 80;
+constexpr std::uint32_t kSectionTypeMask = 0xFF;
+constexpr std::uint8_t kZeroFilled = 0x1;
+constexpr std::uint8_t kLargeZeroFilled = 0xC;
+constexpr std::uint8_t kThreadLocalZeroFilled = 0x12;
+
+constexpr std::uint64_t kExportFromElsewhere = 0x08;
+constexpr std::uint64_t kExportByFunction = 0x10;
 
 constexpr std::uint8_t kSymbolDebugMask = 0xE0;
 constexpr std::uint8_t kSymbolTypeMask = 0x0E;
@@ -120,12 +132,29 @@ bool Image::allowsStackExecution() const { return (flags_ & kFlagAllowStackExecu
 void Image::readLoadCommands() {
   const auto count = number<std::uint32_t>(bytes_, 16, "the header");
   std::uint64_t offset = kHeaderSize;
+  std::vector<std::pair<std::uint32_t, Bytes>> commands;
   for (std::uint32_t index = 0; index < count; ++index) {
     const auto kind = number<std::uint32_t>(bytes_, offset, "a load command");
     const auto size = number<std::uint32_t>(bytes_, offset + 4, "a load command");
-    const Bytes command = slice(bytes_, offset, std::max<std::uint32_t>(size, 8), "a load command");
+    commands.emplace_back(kind, slice(bytes_, offset, std::max<std::uint32_t>(size, 8), "a load command"));
+    offset += commands.back().second.size();
+  }
+  for (const auto& [kind, command] : commands) {
     readLoadCommand(kind, command);
-    offset += command.size();
+  }
+  for (const auto& [kind, command] : commands) {
+    readFixups(kind, command);  // needs the segments and the exports
+  }
+}
+
+void Image::readFixups(std::uint32_t kind, Bytes command) {
+  if (kind == kDyldInfo || kind == kDyldInfoOnly) {
+    readRebaseOpcodes(partOf(bytes_, command, 8, "the rebase table"));
+    readBindOpcodes(partOf(bytes_, command, 16, "the bind table"), BindTable::regular);
+    readBindOpcodes(partOf(bytes_, command, 32, "the table of lazy binds"), BindTable::lazy);
+    readBindOpcodes(partOf(bytes_, command, 24, "the table of weak binds"), BindTable::weak);
+  } else if (kind == kDyldChainedFixups) {
+    readChainedFixups(partOf(bytes_, command, 8, "the chained fixups"));
   }
 }
 
@@ -137,11 +166,7 @@ void Image::readLoadCommand(std::uint32_t kind, Bytes command) {
       return readSymbols(command);
     case kDyldInfo:
     case kDyldInfoOnly:
-      readRebaseOpcodes(partOf(bytes_, command, 8, "the rebase table"));
-      readBindOpcodes(partOf(bytes_, command, 16, "the bind table"));
       return readExports(partOf(bytes_, command, 40, "the table of exports"));
-    case kDyldChainedFixups:
-      return readChainedFixups(partOf(bytes_, command, 8, "the chained fixups"));
     case kDyldExportsTrie:
       return readExports(partOf(bytes_, command, 8, "the table of exports"));
     case kBuildVersion:
@@ -177,11 +202,34 @@ void Image::readSegment(Bytes command) {
   const auto most_protection = number<std::uint32_t>(command, 56, what);
   const auto protection = number<std::uint32_t>(command, 60, what);
   const auto flags = number<std::uint32_t>(command, 68, what);
+  segment.readable = (protection & kProtectionRead) != 0;
   segment.writable = (protection & kProtectionWrite) != 0 && (flags & kSegmentReadOnlyAfterFixups) == 0;
   segment.executable = (protection & kProtectionExecute) != 0;
   segment.writable_code = isWritableCode(protection) || isWritableCode(most_protection);
   slice(bytes_, segment.file_offset, segment.file_size, what);
   segments_.push_back(std::move(segment));
+  readSections(command);
+}
+
+void Image::readSections(Bytes command) {
+  const char* what = "a section";
+  const auto count = number<std::uint32_t>(command, 64, what);
+  const Bytes entries = slice(command, kSegmentCommandSize, count * kSectionSize, what);
+  const Segment& segment = segments_.back();
+  for (std::uint32_t index = 0; index < count; ++index) {
+    const Bytes entry = entries.subspan(index * kSectionSize, kSectionSize);
+    const Bytes name = entry.first(16);
+    Section section;
+    section.name.assign(name.begin(), std::find(name.begin(), name.end(), std::uint8_t{0}));
+    section.address = number<std::uint64_t>(entry, 32, what);
+    section.size = number<std::uint64_t>(entry, 40, what);
+    section.type = static_cast<std::uint8_t>(number<std::uint32_t>(entry, 64, what) & kSectionTypeMask);
+    if (section.address < segment.address || section.address - segment.address > segment.size ||
+        section.size > segment.size - (section.address - segment.address)) {
+      throw MachoError("the section " + section.name + " lies outside its segment");
+    }
+    sections_.push_back(std::move(section));
+  }
 }
 
 void Image::readSymbols(Bytes command) {
@@ -227,7 +275,10 @@ void Image::readExports(Bytes trie) {
     OpcodeReader reader(from(trie, node.offset, what));
     const std::uint64_t description = reader.leb128();
     if (description > 0) {
-      exports_.push_back(node.name);
+      OpcodeReader operands = reader;
+      const std::uint64_t flags = operands.leb128();
+      const bool is_elsewhere = (flags & (kExportFromElsewhere | kExportByFunction)) != 0;
+      exports_.push_back({node.name, is_elsewhere ? 0 : baseAddress() + operands.leb128(), is_elsewhere});
     }
     reader.skip(description);
     for (unsigned children = reader.byte(); children > 0; --children) {
@@ -242,10 +293,28 @@ void Image::readExports(Bytes trie) {
   }
 }
 
-void Image::addFixup(std::uint64_t address, Pointer pointer) {
-  if (!fixups_.emplace(address, pointer).second || fixups_.size() > bytes_.size() / sizeof(std::uint64_t)) {
-    throw MachoError("fixups overlap");
-  }
+std::uint64_t Image::baseAddress() const {
+  const auto holds_header = [](const Segment& segment) { return segment.file_offset == 0 && segment.file_size > 0; };
+  const auto found = std::find_if(segments_.begin(), segments_.end(), holds_header);
+  return found == segments_.end() ? 0 : found->address;
+}
+
+const Section* Image::findSection(std::string_view name) const {
+  const auto found =
+      std::find_if(sections_.begin(), sections_.end(), [&](const Section& section) { return section.name == name; });
+  return found == sections_.end() ? nullptr : &*found;
+}
+
+const Export* Image::findExport(std::string_view name) const {
+  const auto found =
+      std::find_if(exports_.begin(), exports_.end(), [&](const Export& symbol) { return symbol.name == name; });
+  return found == exports_.end() ? nullptr : &*found;
+}
+
+Bytes Image::contentsOf(const Section& section) const {
+  const bool is_empty = section.size == 0 || section.type == kZeroFilled || section.type == kLargeZeroFilled ||
+                        section.type == kThreadLocalZeroFilled;
+  return is_empty ? Bytes() : bytesAt(section.address, section.size);
 }
 
 const Segment& Image::segmentAt(std::uint64_t address) const {
@@ -275,6 +344,11 @@ Pointer Image::pointerAt(std::uint64_t address) const {
 std::string_view Image::textAt(std::uint64_t address) const {
   const Segment& segment = segmentAt(address);
   return text(slice(bytes_, segment.file_offset, segment.file_size, "a segment"), address - segment.address, "a text");
+}
+
+bool isMacho(Bytes file) {
+  const std::uint32_t magic = file.size() < sizeof magic ? 0 : number<std::uint32_t>(file, 0, "the header");
+  return magic == kMagic64 || magic == kFatMagicBigEndian;
 }
 
 std::vector<Image> imagesIn(Bytes file) {

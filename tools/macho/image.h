@@ -1,5 +1,5 @@
 // Reads a macOS library or program file (Mach-O, 64 bits, little-endian): what it is built for, what it links, exports
-// and imports, its segments and symbols, and what its pointers point to once the system has loaded it.
+// and imports, its segments, sections and symbols, and what its pointers point to once the system has loaded it.
 //
 // The file is not trusted: what lies outside it, repeats or is not understood raises MachoError. Memory grows with the
 // file's size only.
@@ -23,9 +23,18 @@ struct Segment {
   std::uint64_t size = 0;
   std::uint64_t file_offset = 0;
   std::uint64_t file_size = 0;
+  bool readable = false;
   bool writable = false;  ///< While the image runs: not set for data that becomes read-only once it is loaded.
   bool executable = false;
   bool writable_code = false;  ///< Both writable and executable, at first or at most.
+};
+
+/// A part of a segment with one purpose, such as __text or __eh_frame.
+struct Section {
+  std::string name;
+  std::uint64_t address = 0;
+  std::uint64_t size = 0;
+  std::uint8_t type = 0;  ///< As in the file: S_REGULAR and so on.
 };
 
 /// The oldest system that a file is built for.
@@ -47,6 +56,13 @@ struct Symbol {
   std::uint64_t address = 0;
 };
 
+/// A symbol that other images find in this one.
+struct Export {
+  std::string name;
+  std::uint64_t address = 0;
+  bool is_elsewhere = false;  ///< Passed on from another library, or found by a function: has no address here.
+};
+
 /// A symbol that another library has to define; the image loads without it when it is weak.
 struct Import {
   std::string_view name;
@@ -61,8 +77,15 @@ struct Pointer {
     import,  ///< A symbol of another library.
   };
   Kind kind = Kind::plain;
-  std::uint64_t value = 0;  ///< The number, or the address relative to where the image is loaded.
+  std::uint64_t value =
+      0;  ///< The number, the address relative to where the image is loaded, or what is added to the symbol's.
+  std::string_view symbol = {};  ///< Of an import.
+  std::int64_t library = 0;      ///< Of an import: 1 for the first library, kAnyLibrary, or another special number.
+  bool is_weak = false;          ///< Of an import: null when no library has it.
 };
+
+/// In the place of a library's number: whichever library has the symbol.
+inline constexpr std::int64_t kAnyLibrary = -2;
 
 /// One architecture of a file. Borrows the bytes that it was made from, as names of symbols do.
 class Image {
@@ -79,11 +102,23 @@ class Image {
   /// The image's own name and versions; nothing for a program.
   const std::optional<Library>& identity() const { return identity_; }
   const std::vector<Library>& libraries() const { return libraries_; }
-  const std::vector<std::string>& exports() const { return exports_; }
+  const std::vector<Export>& exports() const { return exports_; }
   const std::vector<Import>& imports() const { return imports_; }
   const std::vector<Segment>& segments() const { return segments_; }
+  const std::vector<Section>& sections() const { return sections_; }
   const std::vector<Symbol>& symbols() const { return symbols_; }
 
+  /// The pointers that the loader changes, by their addresses.
+  const std::map<std::uint64_t, Pointer>& fixups() const { return fixups_; }
+
+  /// The address of the header, which the offsets of exports and of the unwind table count from.
+  std::uint64_t baseAddress() const;
+  /// The section of this name, or null.
+  const Section* findSection(std::string_view name) const;
+  /// The exported symbol of this name, or null.
+  const Export* findExport(std::string_view name) const;
+  /// The bytes of a section in the file: none for one that is filled with zeros.
+  Bytes contentsOf(const Section& section) const;
   /// The segment that holds `address`.
   const Segment& segmentAt(std::uint64_t address) const;
   /// `size` bytes of the file's contents at `address`.
@@ -95,16 +130,27 @@ class Image {
   std::string_view textAt(std::uint64_t address) const;
 
  private:
+  /// The tables of LC_DYLD_INFO that bind pointers to symbols.
+  enum class BindTable {
+    regular,
+    lazy,  ///< Function pointers that lead to a helper until the first call.
+    weak,  ///< Symbols that several images define, of which one is used.
+  };
+
   void readLoadCommands();
   void readLoadCommand(std::uint32_t kind, Bytes command);
+  void readFixups(std::uint32_t kind, Bytes command);
   void readSegment(Bytes command);
+  void readSections(Bytes command);
   void readSymbols(Bytes command);
   void readExports(Bytes trie);
   void readRebaseOpcodes(Bytes opcodes);
-  void readBindOpcodes(Bytes opcodes);
+  void readBindOpcodes(Bytes opcodes, BindTable table);
   void readChainedFixups(Bytes fixups);
-  void readChain(std::uint64_t address, std::uint16_t format);
-  void addFixup(std::uint64_t address, Pointer pointer);
+  void readChain(std::uint64_t address, std::uint16_t format, const std::vector<Pointer>& imports);
+  void addFixup(std::uint64_t address, const Pointer& pointer);
+  void addBinding(std::uint64_t address, const Pointer& pointer, BindTable table);
+  Pointer coalesced(const Pointer& pointer) const;
 
   Bytes bytes_;
   std::string architecture_;
@@ -113,12 +159,16 @@ class Image {
   std::optional<OldestSystem> oldest_system_;
   std::optional<Library> identity_;
   std::vector<Library> libraries_;
-  std::vector<std::string> exports_;
+  std::vector<Export> exports_;
   std::vector<Import> imports_;
   std::vector<Segment> segments_;
+  std::vector<Section> sections_;
   std::vector<Symbol> symbols_;
   std::map<std::uint64_t, Pointer> fixups_;  ///< By the address of the pointer.
 };
+
+/// Whether a file that begins with these bytes is of this kind, thin or universal.
+bool isMacho(Bytes file);
 
 /// The architectures in a file: several in a universal one, else one. The images borrow `file`.
 std::vector<Image> imagesIn(Bytes file);

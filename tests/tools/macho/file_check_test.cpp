@@ -22,6 +22,24 @@ FileBytes frameworkCommand(const std::string& name) {
   return libraryCommand("/System/Library/Frameworks/" + name + ".framework/Versions/A/" + name);
 }
 
+constexpr std::uint32_t kFramePointer = 0x01000000;
+constexpr std::uint32_t kDwarf = 0x04000000;
+constexpr std::uint32_t kDwarfForArm64 = 0x03000000;
+
+/// Three functions of 16 bytes each, the last two of them with frame descriptions.
+void addFunctions(SyntheticImage& synthetic, std::uint32_t dwarf, std::vector<FrameSection::Function> described) {
+  synthetic.sections.clear();
+  const auto begin = static_cast<std::uint32_t>(synthetic.addSection("__text", FileBytes(48)));
+  synthetic.symbols = {{"_one", begin}, {"_two", begin + 16}, {"_three", begin + 32}};
+  const UnwindTable table{.lines = {{begin, kFramePointer}, {begin + 16, dwarf}}, .end = begin + 48};
+  synthetic.addSection("__unwind_info", table.build());
+  for (FrameSection::Function& function : described) {
+    function.begin += begin;
+  }
+  const FrameSection frames{.address = synthetic.nextSection(), .functions = described};
+  synthetic.addSection("__eh_frame", frames.build());
+}
+
 /// A library of which nothing is wrong.
 SyntheticImage library() {
   SyntheticImage synthetic;
@@ -38,6 +56,7 @@ SyntheticImage library() {
                         libraryCommand("/usr/lib/libobjc.A.dylib")};
   synthetic.imports = {{"___stack_chk_fail"}};
   synthetic.exports = {"_REALPluginMain", "_listOfSomething"};
+  addFunctions(synthetic, kDwarfForArm64, {{16, 16}, {32, 16}});
   return synthetic;
 }
 
@@ -62,6 +81,7 @@ TEST(FileCheck, FindsNothingWrongWithExpectedLibrary) {
   intel.cpu = kX86_64;
   intel.commands[0] = loadCommand(kOldestMacos, {0xA0D00, 0xC0000});
   intel.imports.push_back({"__availability_version_check", true});
+  addFunctions(intel, kDwarf, {{16, 16}, {32, 16}});
   EXPECT_THAT(problemsWith(intel), IsEmpty());
 }
 
@@ -112,6 +132,19 @@ const Fault kFaults[] = {
     {"ExecutableStack", [](auto& image) { image.flags = 0x20000; }, "the stack is executable"},
     {"ProgramAtFixedAddress", [](auto& image) { image.file_type = 2; }, "the program is loaded at a fixed address"},
     {"NoStackProtector", [](auto& image) { image.imports.clear(); }, "was compiled without the stack protector"},
+    {"NoUnwindTable", [](auto& image) { image.sections.clear(); }, "has no unwind table"},
+    {"FunctionWithoutFrameDescription",
+     [](auto& image) {
+       addFunctions(image, kDwarfForArm64, {{16, 16}});
+     },
+     "no frame description begins at the function _three"},
+    {"FrameDescriptionInsideFunction",
+     [](auto& image) {
+       addFunctions(image, kDwarfForArm64, {{16, 16}, {32, 16}, {4, 8}});
+     },
+     "a frame description begins outside the functions, at 0x1004"},
+    {"TruncatedUnwindTable", [](auto& image) { image.sections[1].contents.resize(40); },
+     "the unwind table lies outside the file"},
     {"NoInstallName", [](auto& image) { image.commands.erase(image.commands.begin() + 1); }, "has no install name"},
     {"OtherInstallName",
      [](auto& image) { image.commands[1] = libraryCommand("Ostrevin.dylib", kIdentity, kVersion, kVersion); },

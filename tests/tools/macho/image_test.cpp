@@ -15,9 +15,7 @@ using testing::IsEmpty;
 using testing::UnorderedElementsAre;
 
 constexpr std::uint64_t kData = SyntheticImage::kDataAddress;
-/// Where the first segment, the load command after the two segments, and the file's contents begin.
-constexpr std::size_t kFirstCommand = 32;
-constexpr std::size_t kThirdCommand = kFirstCommand + 2 * 72;
+/// Where the file's contents begin.
 constexpr std::size_t kContents = SyntheticImage::kTextAddress;
 
 /// Three words of data: a number, a pointer to the text "one", a pointer to the text "two".
@@ -52,7 +50,8 @@ TEST_P(ImageTest, ResolvesPointersToTheirTargets) {
 
 TEST_P(ImageTest, ListsExportsAndImports) {
   const Image image(file_);
-  EXPECT_THAT(image.exports(), UnorderedElementsAre("_record", "_other"));
+  EXPECT_THAT(image.exports(), UnorderedElementsAre(testing::Field(&macho::Export::name, "_record"),
+                                                    testing::Field(&macho::Export::name, "_other")));
   ASSERT_EQ(image.imports().size(), 2U);
   EXPECT_EQ(image.imports()[0].name, "_needed");
   EXPECT_FALSE(image.imports()[0].is_weak);
@@ -136,31 +135,6 @@ TEST(Image, RefusesOtherFiles) {
   const FileBytes elf{0x7F, 'E', 'L', 'F', 2, 1, 1, 0};
   EXPECT_THROW(Image{elf}, MachoError);
   EXPECT_THROW(macho::imagesIn(FileBytes{}), MachoError);
-}
-
-/// The image with an appended table of `bytes`, to which the load command's offset and size at `field` lead.
-FileBytes withTable(const FileBytes& bytes, std::size_t field) {
-  FileBytes file = twoPointers(Fixups::opcodes).build();
-  const std::uint32_t place[] = {static_cast<std::uint32_t>(file.size()), static_cast<std::uint32_t>(bytes.size())};
-  std::copy_n(reinterpret_cast<const std::uint8_t*>(place), sizeof place,
-              file.begin() + static_cast<std::ptrdiff_t>(kThirdCommand + field));
-  file.insert(file.end(), bytes.begin(), bytes.end());
-  return file;
-}
-
-TEST(Image, RefusesExportsThatGoInACircle) {
-  const FileBytes circle{0, 1, 'a', 0, 0};  // the root leads to itself
-  EXPECT_THROW(Image{withTable(circle, 40)}, MachoError);
-}
-
-TEST(Image, RefusesEndlessFixups) {
-  const FileBytes rebase{0x21, 0, 0x60, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0x7F};            // 2^42 pointers
-  const FileBytes bind{0x71, 0, 0xC0, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0x7F, 0};           // the same
-  const FileBytes in_place{0x71, 0,    0xC0, 0x7F, 0xF8, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF,  // 127 times, stepping by 0
-                           0xFF, 0xFF, 0xFF, 0x01};
-  EXPECT_THROW(Image{withTable(rebase, 8)}, MachoError);
-  EXPECT_THROW(Image{withTable(bind, 16)}, MachoError);
-  EXPECT_THROW(Image{withTable(in_place, 16)}, MachoError);
 }
 
 TEST(ImagesIn, ListsArchitecturesOfUniversalFileInOrder) {

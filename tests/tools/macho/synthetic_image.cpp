@@ -28,23 +28,16 @@ struct SegmentPlace {
   std::uint32_t most_protection, protection, flags;
 };
 
-void putSegment(FileBytes& bytes, const std::string& name, const SegmentPlace& place) {
+void putSegment(FileBytes& bytes, const std::string& name, const SegmentPlace& place, std::uint32_t sections = 0) {
   put<std::uint32_t>(bytes, 0x19);
-  put<std::uint32_t>(bytes, 72);
+  put<std::uint32_t>(bytes, 72 + 80 * sections);
   putName(bytes, name);
   for (const std::uint64_t number : {place.address, place.size, place.file_offset, place.file_size}) {
     put(bytes, number);
   }
-  for (const std::uint32_t number : {place.most_protection, place.protection, std::uint32_t{0}, place.flags}) {
+  for (const std::uint32_t number : {place.most_protection, place.protection, sections, place.flags}) {
     put(bytes, number);
   }
-}
-
-void putLeb128(FileBytes& bytes, std::uint64_t value) {
-  for (; value >= 0x80; value >>= 7) {
-    bytes.push_back(static_cast<std::uint8_t>(value | 0x80));
-  }
-  bytes.push_back(static_cast<std::uint8_t>(value));
 }
 
 FileBytes rebaseOpcodes(const std::vector<std::size_t>& pointers) {
@@ -115,7 +108,121 @@ void putSymbol(FileBytes& table, FileBytes& names, const std::string& name, std:
   names.push_back(0);
 }
 
+void putSection(FileBytes& bytes, const SyntheticImage::Section& section, std::uint64_t address) {
+  putName(bytes, section.name);
+  putName(bytes, "__TEXT");
+  put(bytes, address);
+  put(bytes, static_cast<std::uint64_t>(section.contents.size()));
+  for (const std::uint32_t number : {static_cast<std::uint32_t>(address), 0U, 0U, 0U, section.type, 0U, 0U, 0U}) {
+    put(bytes, number);
+  }
+}
+
+/// Writes the size of a record of frame descriptions, which begins at `begin`, and fills it up with DW_CFA_nop.
+void closeRecord(FileBytes& bytes, std::size_t begin) {
+  bytes.resize((bytes.size() - begin + 7) / 8 * 8 + begin);
+  FileBytes size;
+  put(size, static_cast<std::uint32_t>(bytes.size() - begin - 4));
+  std::copy(size.begin(), size.end(), bytes.begin() + static_cast<std::ptrdiff_t>(begin));
+}
+
 }  // namespace
+
+void putLeb128(FileBytes& bytes, std::uint64_t value) {
+  for (; value >= 0x80; value >>= 7) {
+    bytes.push_back(static_cast<std::uint8_t>(value | 0x80));
+  }
+  bytes.push_back(static_cast<std::uint8_t>(value));
+}
+
+FileBytes UnwindTable::build() const {
+  FileBytes table;
+  const auto word = [&](std::size_t value) { put(table, static_cast<std::uint32_t>(value)); };
+  const auto half = [&](std::size_t value) { put(table, static_cast<std::uint16_t>(value)); };
+  const std::size_t shared = 28;
+  const std::size_t persons = shared + 4 * shared_encodings.size();
+  const std::size_t index = persons + 4 * personalities.size();
+  const std::size_t data_begin = index + 2 * 12;
+  const std::size_t data_end = data_begin + 8 * data.size();
+  for (const std::size_t number :
+       {std::size_t{1}, shared, shared_encodings.size(), persons, personalities.size(), index, std::size_t{2}}) {
+    word(number);
+  }
+  for (const auto& list : {shared_encodings, personalities}) {
+    for (const std::uint32_t number : list) {
+      word(number);
+    }
+  }
+  for (const std::size_t number : {std::size_t{lines.empty() ? end : lines.front().address}, data_end, data_begin,
+                                   std::size_t{end}, std::size_t{0}, data_end}) {
+    word(number);
+  }
+  for (const Data& entry : data) {
+    word(entry.function);
+    word(entry.address);
+  }
+  if (page == UnwindPage::regular) {
+    word(2);
+    half(8);
+    half(lines.size());
+    for (const Line& line : lines) {
+      word(line.address);
+      word(line.encoding);
+    }
+    return table;
+  }
+  word(3);
+  half(12);
+  half(lines.size());
+  half(12 + 4 * lines.size());
+  std::vector<std::uint32_t> encodings = shared_encodings;
+  for (const Line& line : lines) {
+    if (std::find(encodings.begin(), encodings.end(), line.encoding) == encodings.end()) {
+      encodings.push_back(line.encoding);
+    }
+  }
+  half(encodings.size() - shared_encodings.size());
+  for (const Line& line : lines) {
+    const auto at = std::find(encodings.begin(), encodings.end(), line.encoding) - encodings.begin();
+    word(static_cast<std::size_t>(at) << 24 | (line.address - lines.front().address));
+  }
+  for (std::size_t i = shared_encodings.size(); i < encodings.size(); ++i) {
+    word(encodings[i]);
+  }
+  return table;
+}
+
+FileBytes FrameSection::build() const {
+  FileBytes bytes(4);  // the common rules
+  put<std::uint32_t>(bytes, 0);
+  const std::string augmentation = personality != 0 ? "zPLR" : "zR";
+  bytes.push_back(1);
+  bytes.insert(bytes.end(), augmentation.begin(), augmentation.end());
+  bytes.insert(bytes.end(), {0, 1, 0x78, 16});  // alignments 1 and -8; the return address's register
+  if (personality != 0) {
+    bytes.insert(bytes.end(), {7, 0x9B});  // through a pointer, relative, 4 bytes
+    put(bytes, static_cast<std::uint32_t>(personality - (address + bytes.size())));
+    bytes.insert(bytes.end(), {0x10, 0x10});
+  } else {
+    bytes.insert(bytes.end(), {1, 0x10});  // relative, 8 bytes
+  }
+  bytes.insert(bytes.end(), {0x0C, 7, 8});  // DW_CFA_def_cfa: the stack pointer + 8
+  closeRecord(bytes, 0);
+  for (const Function& function : functions) {
+    const std::size_t begin = bytes.size();
+    put<std::uint32_t>(bytes, 0);
+    put(bytes, static_cast<std::uint32_t>(bytes.size()));  // back to the common rules
+    put(bytes, function.begin - (address + bytes.size()));
+    put(bytes, function.size);
+    bytes.push_back(personality != 0 ? 8 : 0);
+    if (personality != 0) {
+      put(bytes, function.data == 0 ? 0 : function.data - (address + bytes.size()));
+    }
+    bytes.insert(bytes.end(), {0x0E, 16});  // DW_CFA_def_cfa_offset
+    closeRecord(bytes, begin);
+  }
+  return bytes;
+}
 
 FileBytes loadCommand(std::uint32_t kind, const std::vector<std::uint32_t>& numbers, const std::string& text) {
   FileBytes command;
@@ -142,6 +249,20 @@ std::uint64_t SyntheticImage::addText(const std::string& value) {
   return address;
 }
 
+std::uint64_t SyntheticImage::nextSection() const {
+  std::uint64_t address = kTextAddress + text.size();
+  for (const Section& section : sections) {
+    address += section.contents.size();
+  }
+  return address;
+}
+
+std::uint64_t SyntheticImage::addSection(const std::string& name, const FileBytes& contents, std::uint32_t type) {
+  const std::uint64_t address = nextSection();
+  sections.push_back({name, contents, type});
+  return address;
+}
+
 FileBytes SyntheticImage::build() const {
   FileBytes names{0};
   FileBytes table;
@@ -158,26 +279,35 @@ FileBytes SyntheticImage::build() const {
   }
 
   // What lies behind the headers and the text, in this order.
-  const FileBytes loader_info = chains ? chainedFixups(pointers) : rebaseOpcodes(pointers);
-  const FileBytes trie = exportsTrie(exports);
-  const std::uint64_t data_offset = kTextAddress + text.size();
+  const FileBytes fixup_table = loader_info.value_or(chains ? chainedFixups(pointers) : rebaseOpcodes(pointers));
+  const FileBytes export_table = trie.value_or(exportsTrie(exports));
+  const std::uint64_t data_offset = nextSection();
   const auto loader_offset = static_cast<std::uint32_t>(data_offset + contents.size());
-  const auto trie_offset = static_cast<std::uint32_t>(loader_offset + loader_info.size());
-  const auto table_offset = static_cast<std::uint32_t>(trie_offset + trie.size());
+  const auto bind_offset = static_cast<std::uint32_t>(loader_offset + fixup_table.size());
+  const auto weak_offset = static_cast<std::uint32_t>(bind_offset + bind_opcodes.size());
+  const auto lazy_offset = static_cast<std::uint32_t>(weak_offset + weak_bind_opcodes.size());
+  const auto trie_offset = static_cast<std::uint32_t>(lazy_offset + lazy_bind_opcodes.size());
+  const auto table_offset = static_cast<std::uint32_t>(trie_offset + export_table.size());
   const auto names_offset = static_cast<std::uint32_t>(table_offset + table.size());
 
   const auto size = [](const FileBytes& part) { return static_cast<std::uint32_t>(part.size()); };
   std::vector<FileBytes> all(2);
-  putSegment(all[0], "__TEXT", {0, kDataAddress, 0, data_offset, 5, 5, 0});
+  putSegment(all[0], "__TEXT", {0, kDataAddress, 0, data_offset, 5, 5, 0}, static_cast<std::uint32_t>(sections.size()));
+  std::uint64_t section_address = kTextAddress + text.size();
+  for (const Section& section : sections) {
+    putSection(all[0], section, section_address);
+    section_address += section.contents.size();
+  }
   putSegment(all[1], "__DATA",
              {kDataAddress, kPageSize, data_offset, contents.size(), data_most_protection, data_protection,
               data_segment_flags});
   if (chains) {
-    all.push_back(loadCommand(0x80000034, {loader_offset, size(loader_info)}));
-    all.push_back(loadCommand(0x80000033, {trie_offset, size(trie)}));
-  } else {  // no bind, weak bind and lazy bind tables
-    all.push_back(
-        loadCommand(0x80000022, {loader_offset, size(loader_info), 0, 0, 0, 0, 0, 0, trie_offset, size(trie)}));
+    all.push_back(loadCommand(0x80000034, {loader_offset, size(fixup_table)}));
+    all.push_back(loadCommand(0x80000033, {trie_offset, size(export_table)}));
+  } else {
+    all.push_back(loadCommand(
+        0x80000022, {loader_offset, size(fixup_table), bind_offset, size(bind_opcodes), weak_offset,
+                     size(weak_bind_opcodes), lazy_offset, size(lazy_bind_opcodes), trie_offset, size(export_table)}));
   }
   all.push_back(loadCommand(
       0x2, {table_offset, static_cast<std::uint32_t>(symbols.size() + imports.size()), names_offset, size(names)}));
@@ -194,8 +324,13 @@ FileBytes SyntheticImage::build() const {
   }
   append(file, list);
   file.resize(kTextAddress);
-  for (const FileBytes* part : {&text, static_cast<const FileBytes*>(&contents), &loader_info, &trie,
-                                static_cast<const FileBytes*>(&table), static_cast<const FileBytes*>(&names)}) {
+  append(file, text);
+  for (const Section& section : sections) {
+    append(file, section.contents);
+  }
+  const FileBytes* const parts[] = {&contents,          &fixup_table,  &bind_opcodes, &weak_bind_opcodes,
+                                    &lazy_bind_opcodes, &export_table, &table,        &names};
+  for (const FileBytes* part : parts) {
     append(file, *part);
   }
   return file;

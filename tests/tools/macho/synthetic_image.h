@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <ostream>
 #include <string>
 #include <vector>
@@ -22,8 +23,52 @@ FileBytes loadCommand(std::uint32_t kind, const std::vector<std::uint32_t>& numb
 FileBytes libraryCommand(const std::string& path, std::uint32_t kind = 0xC, std::uint32_t version = 0x10000,
                          std::uint32_t compatibility = 0x10000);
 
-/// A file of two segments: __TEXT at address 0 holds the headers and, from kTextAddress on, `text`; __DATA at
-/// kDataAddress holds `data`.
+/// ULEB128.
+void putLeb128(FileBytes& bytes, std::uint64_t value);
+
+/// The form of the pages of an unwind table.
+enum class UnwindPage { regular, compressed };
+
+inline void PrintTo(UnwindPage page, std::ostream* out) {
+  *out << (page == UnwindPage::regular ? "regular" : "compressed");
+}
+
+/// An unwind table of one page: the encodings of functions by their addresses, ascending, then the end of the last one.
+struct UnwindTable {
+  struct Line {
+    std::uint32_t address;
+    std::uint32_t encoding;
+  };
+  struct Data {
+    std::uint32_t function;
+    std::uint32_t address;
+  };
+  std::vector<Line> lines;
+  std::uint32_t end = 0;
+  UnwindPage page = UnwindPage::regular;
+  std::vector<std::uint32_t> shared_encodings;  ///< Of a compressed page; it lists the others itself.
+  std::vector<std::uint32_t> personalities;     ///< The addresses of pointers.
+  std::vector<Data> data;
+
+  FileBytes build() const;
+};
+
+/// A section of frame descriptions at `address`: one set of common rules, and one description for each function.
+struct FrameSection {
+  struct Function {
+    std::uint64_t begin;
+    std::uint64_t size;
+    std::uint64_t data = 0;
+  };
+  std::uint64_t address = 0;
+  std::uint64_t personality = 0;  ///< The address of a pointer; with it, descriptions have data.
+  std::vector<Function> functions;
+
+  FileBytes build() const;
+};
+
+/// A file of two segments: __TEXT at address 0 holds the headers and, from kTextAddress on, `text` and the sections;
+/// __DATA at kDataAddress holds `data`.
 struct SyntheticImage {
   static constexpr std::uint64_t kTextAddress = 0x1000;
   static constexpr std::uint64_t kDataAddress = 0x4000;
@@ -37,6 +82,12 @@ struct SyntheticImage {
     bool is_weak = false;
   };
 
+  struct Section {
+    std::string name;
+    FileBytes contents;
+    std::uint32_t type = 0;
+  };
+
   std::uint32_t cpu = kArm64;
   std::uint32_t file_type = 6;  ///< A library; 2 is a program.
   std::uint32_t flags = 0;
@@ -46,14 +97,26 @@ struct SyntheticImage {
   std::uint32_t data_segment_flags = 0;
   std::vector<FileBytes> commands;  ///< Further load commands.
   FileBytes text;
+  std::vector<Section> sections;
   std::vector<std::uint64_t> data;    ///< 64-bit words; of a pointer, the address that it points to.
   std::vector<std::size_t> pointers;  ///< Indices of the words that are pointers into the image, ascending.
   std::vector<NamedAddress> symbols;
   std::vector<Import> imports;
   std::vector<std::string> exports;  ///< At most 255.
 
+  // Tables as they are in the file, in place of those made from the members above.
+  std::optional<FileBytes> loader_info;  ///< Rebase opcodes or chained fixups.
+  std::optional<FileBytes> trie;
+  FileBytes bind_opcodes;  ///< With Fixups::opcodes, as the next two.
+  FileBytes weak_bind_opcodes;
+  FileBytes lazy_bind_opcodes;
+
   /// Appends a NUL-terminated text and returns its address.
   std::uint64_t addText(const std::string& value);
+  /// Appends a section and returns its address. No text may follow.
+  std::uint64_t addSection(const std::string& name, const FileBytes& contents, std::uint32_t type = 0);
+  /// The address of the next section.
+  std::uint64_t nextSection() const;
   FileBytes build() const;
 };
 
