@@ -41,8 +41,9 @@ std::span<const CGDirectDisplayID> activeDisplays() {
   if (CGGetActiveDisplayList(capacity, displays, &count) != kCGErrorSuccess) {
     return {};
   }
-  // Displays come and go between the two calls: there may be fewer than before, or more than the buffer holds.
-  return {displays, std::find(displays, displays + std::min(count, capacity), kCGNullDirectDisplay)};
+  // Displays come and go between the two calls: there may be fewer than before, or more than the buffer holds. Each
+  // number counts, 0 too.
+  return {displays, std::min(count, capacity)};
 }
 
 std::uint32_t indexOf(CGDirectDisplayID displayID) {

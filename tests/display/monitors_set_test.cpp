@@ -97,6 +97,11 @@ TEST_F(MonitorsSet, CountsADisplayWithoutUuidAsNull) {
   EXPECT_THAT(build(), UnorderedElementsAre(nullptr, makeUuid(2).get(), makeUuid(3).get()));
 }
 
+TEST_F(MonitorsSet, CountsTheNumber0LikeAnyOther) {
+  edit([](Script& script) { script.arrangement.displays[1].number = 0; });
+  EXPECT_THAT(build(), UnorderedElementsAre(makeUuid(1).get(), makeUuid(2).get(), makeUuid(3).get()));
+}
+
 TEST_F(MonitorsSet, AcceptsANullSet) { monitors_set::buildSet(nullptr); }
 
 using DisplaysChangedResult = MonitorsSet;

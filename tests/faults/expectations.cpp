@@ -298,8 +298,8 @@ const std::set<std::string>& commonPieces() {
 
 }  // namespace
 
-bool asksForMuchMemory(const std::string& what, const std::string& fault) {
-  return what == "CGGetActiveDisplayList" && fault == "4294967295";  // 16 GB
+bool takesForeverAtEveryCall(const std::string& what, const std::string& fault) {
+  return what == "CGGetActiveDisplayList" && fault == "4294967295";
 }
 
 std::string failureValue(const Question& question) {

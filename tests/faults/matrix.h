@@ -41,8 +41,8 @@ std::string testName(const std::string& text);
 /// has the fault `fault`: the right result unless the table in expectations.cpp has another.
 std::string expected(const std::string& what, const std::string& fault, const Question& question);
 
-/// Whether the fault makes the plugin request so much memory that it may fail; the question then fails.
-bool asksForMuchMemory(const std::string& what, const std::string& fault);
+/// Whether the fault, at every call, is a list that takes minutes to walk: each of its displays counts.
+bool takesForeverAtEveryCall(const std::string& what, const std::string& fault);
 
 /// The question's result when it fails altogether.
 std::string failureValue(const Question& question);

@@ -153,6 +153,14 @@ TEST(GetIndex, Returns4099018739ForUnknownDisplay) {
   EXPECT_EQ(Display::GetIndex(103), kNotFound);
 }
 
+TEST(GetIndex, CountsTheNumber0LikeAnyOther) {
+  Script script = displays(3);
+  script.arrangement.displays[1].number = 0;
+  const ScriptedSession session(script);
+  EXPECT_EQ(Display::GetIndex(0), 1U);
+  EXPECT_EQ(Display::GetIndex(102), 2U);
+}
+
 TEST(GetIndex, ReturnsNotFoundAfterOneCallWithoutDisplays) {
   const ScriptedSession session(displays(0));
   const auto before = platform::calls::count(Call::CGGetActiveDisplayList);
