@@ -115,18 +115,12 @@ bool SetProfileForDisplay64(CFURLRef url, CFUUIDRef uuid) {
 }
 
 bool internal::isWideGamut(CGDirectDisplayID displayID) {
-  // The URL's reference, the profile and the colour space are deliberately not released.
+  // Deliberately, no step is tested, which the three calls accept, and nothing that a step returned is released.
   const CFURLRef url = ProfilePathForDisplay(displayID);
-  if (url == nullptr) {
-    return false;
-  }
   const ColorSyncProfileRef profile = ColorSyncProfileCreateWithURL(url, nullptr);
-  if (profile == nullptr) {
-    return false;
-  }
   CGColorSpaceRef space = CGColorSpaceCreateWithPlatformColorSpace(profile);
   // NOLINTNEXTLINE(clang-analyzer-osx.cocoa.RetainCount): not released, as said above
-  return space != nullptr && CGColorSpaceIsWideGamutRGB(space);
+  return CGColorSpaceIsWideGamutRGB(space);
 }
 
 }  // namespace DisplayServices

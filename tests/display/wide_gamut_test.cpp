@@ -36,6 +36,25 @@ TEST_F(IsWideGamut, IsFalseWithoutACurrentProfile) {
   EXPECT_FALSE(::Display::IsWideGamut(1));
 }
 
+TEST_F(IsWideGamut, PassesOnWhatEachStepReturned) {
+  const auto counts = [] {
+    return std::vector{count(Call::ColorSyncProfileCreateWithURL),
+                       count(Call::CGColorSpaceCreateWithPlatformColorSpace), count(Call::CGColorSpaceIsWideGamutRGB)};
+  };
+  for (const Call failing : {Call::ColorSyncProfileCreateWithURL, Call::CGColorSpaceCreateWithPlatformColorSpace,
+                             Call::CGDisplayCreateUUIDFromDisplayID}) {
+    SCOPED_TRACE(testing::Message() << "failing: " << platform::calls::name(failing));
+    fail(failing);
+    auto expected = counts();
+    for (auto& calls : expected) {
+      ++calls;
+    }
+    EXPECT_FALSE(isWide("ProPhotoRGB.icc"));
+    EXPECT_EQ(counts(), expected);
+    platform::calls::removeAllHooks();
+  }
+}
+
 TEST_F(IsWideGamut, IsFalseForAnUnreadableProfile) { EXPECT_FALSE(isWide("no such file.icc")); }
 
 TEST_F(IsWideGamut, IsFalseWithoutAColourSpace) {
