@@ -4,8 +4,8 @@
 // object belongs to the current autorelease pool, and a NUL-terminated string lives as long as the string object that
 // it was taken from, at most until that pool is drained. Callers copy what they keep.
 //
-// Null in gives null out, and so does text that is not valid UTF-8: what Foundation would raise an exception for is not
-// handed to it. No function raises or throws.
+// Null in gives null out, and so does text that is not valid UTF-8. Only a null for which Foundation would raise an
+// exception is not passed to it. No function raises or throws.
 #pragma once
 
 #include <CoreFoundation/CoreFoundation.h>
@@ -39,7 +39,7 @@ OSTREVIN_API CFURLRef POSIXPathToCFURLRef(const char* path);
 /// Null for a string with a surrogate that stands alone. A string with a NUL character seems to end there.
 OSTREVIN_API const char* CFStringRefToUTF8String(CFStringRef string);
 
-/// Case-sensitive. False when `part` is empty, and when either is null.
+/// Case-sensitive. False when `part` is empty or null. A null text contains nothing; before macOS 10.10, any part.
 OSTREVIN_API bool CFStringRefContains(CFStringRef text, CFStringRef part);
 
 }  // namespace StringServices

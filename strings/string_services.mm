@@ -62,7 +62,7 @@ CFURLRef POSIXPathToCFURLRef(const char* path) {
 const char* CFStringRefToUTF8String(CFStringRef string) { return [bridged(string) UTF8String]; }
 
 bool CFStringRefContains(CFStringRef text, CFStringRef part) {
-  if (text == nullptr || part == nullptr) {
+  if (part == nullptr) {
     return false;
   }
   if (hasContainsString()) {

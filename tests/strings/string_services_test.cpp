@@ -174,10 +174,17 @@ TEST_P(Contains, FindsCharactersOfAllWidths) {
   EXPECT_FALSE(contains("\xE6\x97\xA5\xE6\x9C\xAC", "\xE8\xAA\x9E"));
 }
 
-TEST_P(Contains, IsFalseForNull) {
-  EXPECT_FALSE(contains(nullptr, "a"));
+TEST_P(Contains, IsFalseForTheNullPart) {
   EXPECT_FALSE(contains("a", nullptr));
   EXPECT_FALSE(contains(nullptr, nullptr));
+}
+
+TEST_P(Contains, ReturnsForPartsThatBeginWithACombiningCharacter) {
+  for (const char* const part : {"\xCC\x81", "\xCC\x81x", "\xEF\xB8\x8F", "\xE2\x80\x8D"}) {
+    SCOPED_TRACE(testing::PrintToString(part));
+    EXPECT_FALSE(contains("Display", part));
+    EXPECT_FALSE(contains("", part));
+  }
 }
 
 /// The selector by which a text is searched.
@@ -195,6 +202,14 @@ TEST_F(Strings, CFStringRefContainsSendsContainsStringFrom10_10On) {
     platform::setSystemVersion(version);
     EXPECT_EQ(searchSelector(), selector) << version.major << '.' << version.minor;
   }
+}
+
+// The location in the range of a message to null is 0, which is not NSNotFound.
+TEST_F(Strings, CFStringRefContainsSendsToANullTextToo) {
+  platform::setSystemVersion({10, 9, 5});
+  EXPECT_TRUE(StringServices::CFStringRefContains(nullptr, string("a")));
+  platform::setSystemVersion({10, 10, 0});
+  EXPECT_FALSE(StringServices::CFStringRefContains(nullptr, string("a")));
 }
 
 TEST_F(Strings, CFStringRefContainsSendsRangeOfStringOnASystemWithoutVersionQueries) {

@@ -23,8 +23,9 @@ extern "C" const char* GSPathHandling(const char* mode);  // Foundation exports 
 
 namespace {
 
-// --- searching: the empty string is never found; the system's Foundation finds it at the start. containsString: calls
-//     rangeOfString: in both.
+// --- searching: the empty string is never found; the system's Foundation finds it at the start. A part that begins
+//     with a combining character is searched literally; the system's Foundation raises an exception. containsString:
+//     calls rangeOfString: in both.
 
 constexpr NSRange kNotFound = {NSNotFound, 0};
 
@@ -33,6 +34,7 @@ struct Originals {
   NSRange (*rangeOfStringOptions)(id, SEL, NSString*, NSStringCompareOptions) = nullptr;
   NSRange (*rangeOfStringOptionsRange)(id, SEL, NSString*, NSStringCompareOptions, NSRange) = nullptr;
   NSRange (*rangeInImmutableString)(id, SEL, NSString*, NSStringCompareOptions, NSRange) = nullptr;
+  NSRange (*rangeOfStringInLocale)(id, SEL, NSString*, NSStringCompareOptions, NSRange, NSLocale*) = nullptr;
   NSData* (*data)(id, SEL, NSStringEncoding, BOOL) = nullptr;
   NSData* (*dataOfImmutableString)(id, SEL, NSStringEncoding, BOOL) = nullptr;
   const char* (*utf8)(id, SEL) = nullptr;
@@ -62,6 +64,19 @@ NSRange rangeOfStringOptionsRange(id self, SEL selector, NSString* part, NSStrin
   return isNeverFound(part, options) && NSMaxRange(range) <= [self length]
              ? kNotFound
              : (originals.*Original)(self, selector, part, options, range);
+}
+
+/// Where the other forms end, unless the part is a regular expression.
+NSRange rangeOfStringInLocale(id self, SEL selector, NSString* part, NSStringCompareOptions options, NSRange range,
+                              NSLocale* locale) {
+  @try {
+    return originals.rangeOfStringInLocale(self, selector, part, options, range, locale);
+  } @catch (NSException*) {
+    if ((options & NSLiteralSearch) != 0 || part == nil || NSMaxRange(range) > [self length]) {
+      @throw;
+    }
+    return originals.rangeOfStringInLocale(self, selector, part, options | NSLiteralSearch, range, locale);
+  }
 }
 
 // --- lone surrogates, as at the end of a substring: UTF8String returns null and a lossy conversion replaces them; in
@@ -235,6 +250,8 @@ void replaceStringMethods() {
                                                 rangeOfStringOptionsRange<&Originals::rangeOfStringOptionsRange>);
   originals.rangeInImmutableString = replace(immutable_string, @selector(rangeOfString:options:range:),
                                              rangeOfStringOptionsRange<&Originals::rangeInImmutableString>);
+  originals.rangeOfStringInLocale =
+      replace(string, @selector(rangeOfString:options:range:locale:), rangeOfStringInLocale);
   originals.utf8 = replace(string, @selector(UTF8String), utf8String<&Originals::utf8>);
   originals.utf8OfUnicodeString =
       replace(unicode_string, @selector(UTF8String), utf8String<&Originals::utf8OfUnicodeString>);
