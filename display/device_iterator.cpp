@@ -189,7 +189,8 @@ bool device_iterator::deviceListIterator(CFDictionaryRef entry, void* userInfo) 
   if (load(inUUIDstr) != sought) {
     return true;
   }
-  // Both references are kept for the life of the process: results are borrowed from the static variables.
+  // Kept for the life of the process. The reference on the name is this callback's own: the entry ends with the walk,
+  // and callers borrow the name.
   store(profile_path, leakOnPurpose(static_cast<CFURLRef>(CFRetain(values.url))));
   store(device_name, leakOnPurpose(static_cast<CFStringRef>(CFRetain(values.description))));
   fulfil(static_cast<std::promise<bool>*>(userInfo));
