@@ -2,7 +2,6 @@
 
 #include <cstring>
 #include <tuple>
-#include <utility>
 
 #include "base/checked_value.h"
 #include "base/device_entry.h"
@@ -10,6 +9,12 @@
 #include "strings/string_services.h"
 
 namespace ProfileServices {
+namespace {
+
+/// Kept for the life of the process: deliberately not released when the next display's text takes its place.
+CFStringRef leakedText(CFUUIDRef uuid) { return CFUUIDCreateString(kCFAllocatorDefault, uuid); }
+
+}  // namespace
 
 InstalledProfiles profile_iterator::installed_profiles;
 AssociatedProfiles profile_iterator::associated_profiles;
@@ -54,12 +59,11 @@ bool profile_iterator::profileListIterator(CFDictionaryRef info, void*) {
 
 void profile_iterator::listDeviceProfiles(std::uint32_t displayID) {
   const auto uuid = OwnedRef<CFUUIDRef>::adopt(CGDisplayCreateUUIDFromDisplayID(displayID));
-  const CFStringRef text = uuid ? CFUUIDCreateString(kCFAllocatorDefault, uuid.get()) : nullptr;
+  const CFStringRef text = uuid ? leakedText(uuid.get()) : nullptr;
   if (text == nullptr) {
     return;  // deliberate: the last display's profiles stay
   }
-  // Owned by the static member until the next display takes its place.
-  OwnedRef<CFStringRef>::adopt(std::exchange(inUUIDstr, text));
+  inUUIDstr = text;
   clearAssociatedArray();
   ColorSyncIterateDeviceProfiles(deviceListIterator, nullptr);
 }

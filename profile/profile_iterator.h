@@ -16,7 +16,7 @@ struct OSTREVIN_API profile_iterator {
 
   static InstalledProfiles installed_profiles;
   static AssociatedProfiles associated_profiles;
-  /// The UUID text of the display that was listed last; null before the first. Owned.
+  /// The UUID text of the display that was listed last; null before the first. Never released.
   static CFStringRef inUUIDstr;
 
   /// Empties installed_profiles and fills it with the display profiles that are installed.

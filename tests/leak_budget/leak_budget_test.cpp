@@ -222,17 +222,21 @@ class LeakBudget : public testing::Test {
   static Account queue() {
     return gainOf([] { dispatch_queue_create("SERIAL_QUEUE", nullptr); });
   }
-  /// The URL and the description of display 1's current entry.
-  static Account urlAndDescription() {
-    return gainOf([] {
+  /// A value of display 1's current entry.
+  static Account entryValue(CFStringRef key) {
+    const Account gain = gainOf([=] {
       ColorSyncIterateDeviceProfiles(
-          [](CFDictionaryRef entry, void*) {
-            CFRetain(CFDictionaryGetValue(entry, kColorSyncDeviceProfileURL));
-            CFRetain(CFDictionaryGetValue(entry, kColorSyncDeviceDescription));
+          [](CFDictionaryRef entry, void* wanted) {
+            CFRetain(CFDictionaryGetValue(entry, static_cast<CFStringRef>(wanted)));
             return false;
           },
-          nullptr);
+          const_cast<__CFString*>(key));
     });
+    EXPECT_GT(gain.blocks, kConstant.blocks / kCalls) << "a value without memory of its own cannot be counted";
+    return gain;
+  }
+  static Account urlAndDescription() {
+    return entryValue(kColorSyncDeviceProfileURL) + entryValue(kColorSyncDeviceDescription);
   }
   /// IOKit's information about the first display.
   static Account information() {
@@ -282,13 +286,11 @@ TEST_F(LeakBudget, MethodsThatKeepNothing) {
   const std::vector<std::pair<const char*, Values>> methods = {
       {"SetObject", {listener}},
       {"ListAllInstalledProfiles", {}},
-      {"ListDisplayProfiles", {1}},
       {"GetRect", {1}},
       {"GetCGRect", {1}},
       {"GetScale", {1}},
       {"SetProfile", {3, path}},
       {"GetInstalledProfilePathsArray", {}},
-      {"GetAssociatedProfilePathsArray", {1}},
       {"ICCTagExists", {path, "desc"}},
       {"QV02Read", {path, "before"}},
       // Nor for unknown displays and files.
@@ -296,6 +298,7 @@ TEST_F(LeakBudget, MethodsThatKeepNothing) {
       {"GetProfilePath", {77}},
       {"SetProfile", {77, path}},
       {"ListDisplayProfiles", {77}},
+      {"GetAssociatedProfilePathsArray", {77}},
       {"ICCTagExists", {"/nowhere.icc", "desc"}},
       {"QV02Read", {"/nowhere.icc", "before"}},
   };
@@ -303,6 +306,14 @@ TEST_F(LeakBudget, MethodsThatKeepNothing) {
     expectGain(name, gainOfMethod(name, arguments), {});
   }
   EXPECT_THAT(host.unreleased(), testing::IsEmpty());
+}
+
+// The text of the display's UUID.
+TEST_F(LeakBudget, ListDisplayProfiles) {
+  expectGain("ListDisplayProfiles", gainOfMethod("ListDisplayProfiles", {1}), uuidText());
+}
+TEST_F(LeakBudget, GetAssociatedProfilePathsArray) {
+  expectGain("GetAssociatedProfilePathsArray", gainOfMethod("GetAssociatedProfilePathsArray", {1}), uuidText());
 }
 
 // A cached name: the text of the look-up.

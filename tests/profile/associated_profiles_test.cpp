@@ -162,6 +162,17 @@ TEST_F(DisplayList, KeepsTheUuidOfTheLastDisplay) {
   CFRelease(first);
 }
 
+TEST_F(DisplayList, KeepsTheTextsOfEarlierDisplays) {
+  ListProfilesForDisplay(1);
+  const CFStringRef first = Iterator::inUUIDstr;
+  const CFIndex before = CFGetRetainCount(first);
+  CFRetain(first);
+  ListProfilesForDisplay(2);
+  EXPECT_NE(Iterator::inUUIDstr, first);
+  EXPECT_EQ(CFGetRetainCount(first), before + 1);
+  CFRelease(first);
+}
+
 TEST_F(DisplayList, CallbackContinuesForAnyEntry) {
   EXPECT_TRUE(Iterator::deviceListIterator(nullptr, nullptr));
   const CFDictionaryRef empty = CFDictionaryCreate(nullptr, nullptr, nullptr, 0, &kCFTypeDictionaryKeyCallBacks,

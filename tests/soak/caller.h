@@ -39,8 +39,8 @@ struct MethodFacts {
 inline constexpr MethodFacts kMethods[] = {
     {"SetObject", 100, 0},
     {"ListAllInstalledProfiles", 5, 0},
-    {"ListDisplayProfiles", 15, 0},
-    {"GetName", 1000, 128},  // the text of the look-up
+    {"ListDisplayProfiles", 15, 128},  // the text of the display's UUID
+    {"GetName", 1000, 128},            // the text of the look-up
     {"GetRect", 2000, 0},
     {"GetCGRect", 2000, 0},
     {"GetProfilePath", 150, 1536},    // the queue, the text of the look-up, the URL and the description
@@ -49,7 +49,7 @@ inline constexpr MethodFacts kMethods[] = {
     {"SetProfile", 10, 0},
     {"DisplayIDForWindow", 1000, 32},  // a buffer for one number
     {"GetInstalledProfilePathsArray", 5, 0},
-    {"GetAssociatedProfilePathsArray", 15, 0},
+    {"GetAssociatedProfilePathsArray", 15, 128},  // the text of the display's UUID
     {"ICCTagExists", 400, 0},
     {"QV02Read", 300, 0},
 };
