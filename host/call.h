@@ -21,13 +21,26 @@ inline void* CallResolver(const char* name) { return gResolver(name); }
 
 namespace host {
 
+/// The argument as the host receives it.
+template <typename Argument>
+inline Argument asPassed(Argument argument) {
+  return argument;
+}
+
+/// Bit 0 of whatever byte the caller's bool holds. The compiler takes that byte for 0 or 1, and would pass it on whole.
+inline bool asPassed(bool argument) {
+  unsigned word = argument;
+  asm("" : "+r"(word));  // from here on the compiler takes any value for possible
+  return (word & 1) != 0;
+}
+
 /// Calls the function at `entry`, which must not be null, with `arguments` by value, each at its own width.
 /// The host's own declaration of an entry may differ from this one in ways that the calling convention does not see (a
 /// bool result read as 64 bits), so a sanitizer must not compare the two types.
 template <typename Result, typename... Arguments>
 __attribute__((no_sanitize("function"))) inline Result invoke(void* entry, Arguments... arguments) {
   static_assert((std::is_trivially_copyable_v<Arguments> && ...), "only what C can pass by value reaches the host");
-  return reinterpret_cast<Result (*)(Arguments...)>(entry)(arguments...);
+  return reinterpret_cast<Result (*)(Arguments...)>(entry)(asPassed(arguments)...);
 }
 
 // --- Result kinds: the type that the host returns (Raw), its conversion (narrow), and the value when the host lacks
