@@ -18,8 +18,8 @@ HOST_EXACT (REALCreateArray,        "RuntimeArrayCreateSingleDimBoundedArray",  
 HOST_MEMBER(REALGetArrayUBound,     "RuntimeUBound",                            Word)
 HOST_MEMBER(REALGetArrayStructure,  "RuntimeDirectReadStructureArray",          Word)
 HOST_MEMBER(REALGetArrayInt,        "RuntimeDirectReadIntArray",                Word)
-HOST_MEMBER(REALGetArrayString,     "RuntimeDirectReadStringArray",             Word)
-HOST_MEMBER(REALGetArrayObject,     "RuntimeDirectReadObjectArray",             Word)
+HOST_MEMBER(REALGetArrayString,     "RuntimeDirectReadStringArray",             As<REALstringStruct*>)
+HOST_MEMBER(REALGetArrayObject,     "RuntimeDirectReadObjectArray",             As<REALobjectStruct*>)
 
 // clang-format on
 

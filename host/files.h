@@ -11,51 +11,51 @@
 
 //          member                          host entry                       result
 HOST_MEMBER(REALFSRefFromFolderItem,       "REALFSRefFromFolderItem",       Word)
-HOST_EXACT (REALFolderItemFromParentFSRef, "REALFolderItemFromParentFSRef", Word, (const FSRef* parent, const HFSUniStr255* name), (parent, name))
-HOST_MEMBER(REALpathFromFolderItem,        "REALpathFromFolderItem",        Word)
+HOST_EXACT (REALFolderItemFromParentFSRef, "REALFolderItemFromParentFSRef", As<REALobjectStruct*>, (const FSRef* parent, const HFSUniStr255* name), (parent, name))
+HOST_MEMBER(REALpathFromFolderItem,        "REALpathFromFolderItem",        As<REALstringStruct*>)
 HOST_MEMBER(REALGetProjectFolder,          "REALGetProjectFolder",          Word)
-HOST_MEMBER(REALNewMemoryBlock,            "newMemoryBlock",                Word)
-HOST_MEMBER(REALMemoryBlockGetPtr,         "memoryBlockGetPtr",             Word)
+HOST_MEMBER(REALNewMemoryBlock,            "newMemoryBlock",                As<REALobjectStruct*>)
+HOST_MEMBER(REALMemoryBlockGetPtr,         "memoryBlockGetPtr",             As<void*>)
 HOST_MEMBER(REALMemoryBlockGetSize,        "memoryBlockGetSize",            Word)
-HOST_MEMBER(REALPtrToMemoryBlock,          "PtrToMemoryBlock",              Word)
+HOST_MEMBER(REALPtrToMemoryBlock,          "PtrToMemoryBlock",              As<REALobjectStruct*>)
 
 // --- Databases and data sources
 
 //          member                            host entry                        result
-HOST_MEMBER(REALdbCursorFromDBCursor,        "REALdbCursorFromDBCursor",       Word)
-HOST_MEMBER(REALdbDatabaseFromDBDatabase,    "REALdbDatabaseFromDBDatabase",   Word)
-HOST_MEMBER(REALGetDBHost,                   "REALGetDBHost",                  Word)
-HOST_MEMBER(REALGetDBDatabaseName,           "REALGetDBDatabaseName",          Word)
-HOST_MEMBER(REALGetDBPassword,               "REALGetDBPassword",              Word)
-HOST_MEMBER(REALGetDBUserName,               "REALGetDBUserName",              Word)
-HOST_MEMBER(REALGetDBFromREALdbDatabase,     "REALGetDBFromREALdbDatabase",    Word)
-HOST_MEMBER(REALConstructDBDatabase,         "REALConstructDBDatabase",        Word)
-HOST_MEMBER(REALGetCursorFromREALdbCursor,   "REALGetCursorFromREALdbCursor",  Word)
-HOST_MEMBER(REALSetDBIsConnected,            "REALSetDBIsConnected",           Word)
-HOST_MEMBER(REALDBConnectionDialogCreate,    "REALDBConnectionDialogCreate",   Word)
-HOST_MEMBER(REALDBConnectionDialogAddField,  "REALDBConnectionDialogAddField", Word)
+HOST_MEMBER(REALdbCursorFromDBCursor,        "REALdbCursorFromDBCursor",       As<REALobjectStruct*>)
+HOST_MEMBER(REALdbDatabaseFromDBDatabase,    "REALdbDatabaseFromDBDatabase",   As<REALobjectStruct*>)
+HOST_MEMBER(REALGetDBHost,                   "REALGetDBHost",                  As<REALstringStruct*>)
+HOST_MEMBER(REALGetDBDatabaseName,           "REALGetDBDatabaseName",          As<REALstringStruct*>)
+HOST_MEMBER(REALGetDBPassword,               "REALGetDBPassword",              As<REALstringStruct*>)
+HOST_MEMBER(REALGetDBUserName,               "REALGetDBUserName",              As<REALstringStruct*>)
+HOST_MEMBER(REALGetDBFromREALdbDatabase,     "REALGetDBFromREALdbDatabase",    As<void*>)
+HOST_MEMBER(REALConstructDBDatabase,         "REALConstructDBDatabase",        As<REALobjectStruct*>)
+HOST_MEMBER(REALGetCursorFromREALdbCursor,   "REALGetCursorFromREALdbCursor",  As<void*>)
+HOST_MEMBER(REALSetDBIsConnected,            "REALSetDBIsConnected",           Nothing)
+HOST_MEMBER(REALDBConnectionDialogCreate,    "REALDBConnectionDialogCreate",   As<void*>)
+HOST_MEMBER(REALDBConnectionDialogAddField,  "REALDBConnectionDialogAddField", Nothing)
 HOST_MEMBER(REALDBConnectionDialogShow,      "REALDBConnectionDialogShow",     Word)
-HOST_MEMBER(REALDBConnectionDialogDelete,    "REALDBConnectionDialogDelete",   Word)
-HOST_MEMBER(REALRegisterDataSourceInterface, "RegisterDataSourceInterface",    Word)
-HOST_MEMBER(REALRegisterDataSource,          "RegisterDataSource",             Word)
-HOST_MEMBER(REALRegisterDatabaseConnection,  "RegisterDatabaseConnection",     Word)
+HOST_MEMBER(REALDBConnectionDialogDelete,    "REALDBConnectionDialogDelete",   Nothing)
+HOST_MEMBER(REALRegisterDataSourceInterface, "RegisterDataSourceInterface",    Nothing)
+HOST_MEMBER(REALRegisterDataSource,          "RegisterDataSource",             Nothing)
+HOST_MEMBER(REALRegisterDatabaseConnection,  "RegisterDatabaseConnection",     Nothing)
 HOST_MEMBER(REALDesignAddDataSource,         "DesignAddDataSource",            Word)
-HOST_MEMBER(REALRegisterDBEngine,            "PluginRegisterDBEngine",         Word)
-HOST_MEMBER(REALRegisterDBTable,             "PluginRegisterDBTable",          Word)
-HOST_MEMBER(REALRegisterDBCursor,            "PluginRegisterDBCursor",         Word)
+HOST_MEMBER(REALRegisterDBEngine,            "PluginRegisterDBEngine",         Nothing)
+HOST_MEMBER(REALRegisterDBTable,             "PluginRegisterDBTable",          Nothing)
+HOST_MEMBER(REALRegisterDBCursor,            "PluginRegisterDBCursor",         Nothing)
 
 // --- Sockets
 
 //          member                         host entry                  result
-HOST_MEMBER(REALMarkSocketUsage,          "PluginMarkSocketUsage",    Word)
+HOST_MEMBER(REALMarkSocketUsage,          "PluginMarkSocketUsage",    Nothing)
 HOST_MEMBER(REALSocketConnect,            "socketDirectConnect",      Word)
-HOST_MEMBER(REALSocketClose,              "socketClose",              Word)
-HOST_MEMBER(REALSocketReadAll,            "pluginSocketReadAll",      Word)
-HOST_MEMBER(REALSocketRead,               "pluginSocketRead",         Word)
+HOST_MEMBER(REALSocketClose,              "socketClose",              Nothing)
+HOST_MEMBER(REALSocketReadAll,            "pluginSocketReadAll",      As<REALstringStruct*>)
+HOST_MEMBER(REALSocketRead,               "pluginSocketRead",         As<REALstringStruct*>)
 HOST_MEMBER(REALSocketWrite,              "SocketWrite",              Word)
 HOST_MEMBER(REALSocketLastErrorCode,      "socketLastErrorCode",      Word)
-HOST_MEMBER(REALSocketLookahead,          "pluginSocketLookahead",    Word)
-HOST_MEMBER(REALSocketLocalAddressGetter, "socketLocalAddressGetter", Word)
+HOST_MEMBER(REALSocketLookahead,          "pluginSocketLookahead",    As<REALstringStruct*>)
+HOST_MEMBER(REALSocketLocalAddressGetter, "socketLocalAddressGetter", As<REALstringStruct*>)
 HOST_MEMBER(REALSocketPoll,               "socketPoll",               Word)
 HOST_MEMBER(REALSocketGetEvents,          "socketGetEvents",          Word)
 HOST_MEMBER(REALSocketListen,             "pluginSocketListen",       Word)
@@ -71,6 +71,6 @@ HOST_MEMBER(REALAccessAppleEventReply, "REALAccessAppleEventReply", Word)
 
 // clang-format on
 
-inline host::Word::Value REALFolderItemFromParentFSRef(const FSRef& parent, const HFSUniStr255& name) {
+inline REALobjectStruct* REALFolderItemFromParentFSRef(const FSRef& parent, const HFSUniStr255& name) {
   return REALFolderItemFromParentFSRef(&parent, &name);
 }

@@ -11,20 +11,20 @@
 // clang-format off
 
 //          member                                  host entry                                  result              arguments
-HOST_MEMBER(REALLockObject,                         "REALLockObject",                           Word)
-HOST_MEMBER(REALUnlockObject,                       "REALUnlockObject",                         Word)
+HOST_MEMBER(REALLockObject,                         "REALLockObject",                           Nothing)
+HOST_MEMBER(REALUnlockObject,                       "REALUnlockObject",                         Nothing)
 HOST_EXACT (REALLoadObjectMethod,                   "REALLoadObjectMethod",                     As<void*>,          (REALobjectStruct* object, const char* declaration), (object, declaration))
 HOST_MEMBER(REALObjectIsA,                          "RuntimeObjectIsa",                         TrueIfLowByte)
-HOST_MEMBER(REALGetClassRef,                        "pluginObjectType",                         Word)
+HOST_MEMBER(REALGetClassRef,                        "pluginObjectType",                         As<REALclassRefStruct*>)
 HOST_EXACT (REALnewInstanceWithClass,               "CreateInstance",                           As<REALobjectStruct*>, (REALclassRefStruct* classRef), (classRef))
-HOST_MEMBER(REALnewInstanceOfClass,                 "PluginNewInstanceOfClass",                 Word)
-HOST_MEMBER(REALLoadSharedMethod,                   "PluginLoadSharedMethod",                   Word)
-HOST_MEMBER(REALGetEventInstance,                   "GetEventInstance",                         Word)
-HOST_MEMBER(REALGetDelegateInvoker,                 "PluginGetDelegateInvoker",                 Word)
+HOST_MEMBER(REALnewInstanceOfClass,                 "PluginNewInstanceOfClass",                 As<REALobjectStruct*>)
+HOST_MEMBER(REALLoadSharedMethod,                   "PluginLoadSharedMethod",                   As<void*>)
+HOST_MEMBER(REALGetEventInstance,                   "GetEventInstance",                         As<void*>)
+HOST_MEMBER(REALGetDelegateInvoker,                 "PluginGetDelegateInvoker",                 As<void*>)
 HOST_MEMBER(REALCallFunctionWithExceptionHandler,   "PluginCallFunctionWithExceptionHandler",   Word)
-HOST_MEMBER(REALRaiseException,                     "RuntimeRaiseException",                    Word)
-HOST_MEMBER(REALInterfaceRoutine,                   "GetInterfaceRoutine",                      Word)
-HOST_MEMBER(REALGetPluginData,                      "PluginGetPluginData",                      Word)
+HOST_MEMBER(REALRaiseException,                     "RuntimeRaiseException",                    Nothing)
+HOST_MEMBER(REALInterfaceRoutine,                   "GetInterfaceRoutine",                      As<void*>)
+HOST_MEMBER(REALGetPluginData,                      "PluginGetPluginData",                      As<void*>)
 
 // Defined below:
 HOST_SLOT  (REALnewInstance,                        "PluginNewInstance")

@@ -11,15 +11,15 @@
 
 //          member                         host entry                        result
 HOST_EXACT (REALRegisterModule,           "PluginRegisterModule",           Nothing, (REALmoduleDefinition* module), (module))
-HOST_MEMBER(REALRegisterClass,            "PluginRegisterClass",            Word)
-HOST_MEMBER(REALRegisterControl,          "PluginRegisterControl",          Word)
-HOST_MEMBER(REALRegisterInterface,        "PluginRegisterInterface",        Word)
-HOST_MEMBER(REALRegisterStructure,        "PluginRegisterStructure",        Word)
-HOST_MEMBER(REALRegisterEnum,             "PluginRegisterEnum",             Word)
-HOST_MEMBER(REALRegisterMethod,           "PluginRegisterMethod",           Word)
-HOST_MEMBER(REALRegisterClassExtension,   "PluginRegisterClassExtension",   Word)
+HOST_MEMBER(REALRegisterClass,            "PluginRegisterClass",            Nothing)
+HOST_MEMBER(REALRegisterControl,          "PluginRegisterControl",          Nothing)
+HOST_MEMBER(REALRegisterInterface,        "PluginRegisterInterface",        Nothing)
+HOST_MEMBER(REALRegisterStructure,        "PluginRegisterStructure",        Nothing)
+HOST_MEMBER(REALRegisterEnum,             "PluginRegisterEnum",             Nothing)
+HOST_MEMBER(REALRegisterMethod,           "PluginRegisterMethod",           Nothing)
+HOST_MEMBER(REALRegisterClassExtension,   "PluginRegisterClassExtension",   Nothing)
 HOST_MEMBER(REALRegisterBackgroundTask,   "PluginRegisterBackgroundTask",   Low32Or<0xFFFFFFFF>)
-HOST_MEMBER(REALUnregisterBackgroundTask, "PluginUnregisterBackgroundTask", Word)
+HOST_MEMBER(REALUnregisterBackgroundTask, "PluginUnregisterBackgroundTask", Nothing)
 
 // --- State
 
@@ -27,6 +27,6 @@ HOST_MEMBER(REALUnregisterBackgroundTask, "PluginUnregisterBackgroundTask", Word
 HOST_MEMBER(REALinRuntime,    "REALinRuntime",    TrueIfLowByte)
 HOST_MEMBER(REALInDebugMode,  "REALInDebugMode",  TrueIfLowByte)
 HOST_EXACT (REALGetRBVersion, "REALGetRBVersion", As<double>, (), ())
-HOST_MEMBER(REALYieldToRB,    "REALYieldToRB",    Word)
+HOST_MEMBER(REALYieldToRB,    "REALYieldToRB",    Nothing)
 
 // clang-format on

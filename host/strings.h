@@ -5,6 +5,8 @@
 // caller, who releases it with REALUnlockText.
 #pragma once
 
+#include <CoreFoundation/CoreFoundation.h>
+
 #include <cstdint>
 
 #include "host/objects.h"
@@ -16,24 +18,24 @@ inline constexpr std::uint32_t kHostEncodingUTF8 = 0x08000100;
 // clang-format off
 
 //                 member                       host entry                      result                   arguments
-HOST_MEMBER_BESIDE(REALBuildString,             "REALBuildString",              Word,                    (const char*, int, unsigned int))
+HOST_MEMBER_BESIDE(REALBuildString,             "REALBuildString",              As<REALstringStruct*>,   (const char*, int, unsigned int))
 HOST_EXACT        (REALBuildStringWithEncoding, "REALBuildStringWithEncoding",  As<REALstringStruct*>,   (const char* bytes, int length, std::uint32_t encoding), (bytes, length, encoding))
-HOST_MEMBER       (REALLockString,              "REALLockString",               Word)
+HOST_MEMBER       (REALLockString,              "REALLockString",               Nothing)
 HOST_EXACT        (REALUnlockString,            "REALUnlockString",             Nothing,                 (REALstringStruct* string), (string))
 HOST_MEMBER       (REALGetStringEncoding,       "REALGetStringEncoding",        Low32)
-HOST_MEMBER       (REALSetStringEncoding,       "REALSetStringEncoding",        Word)
-HOST_MEMBER       (REALConvertString,           "REALConvertString",            Word)
+HOST_MEMBER       (REALSetStringEncoding,       "REALSetStringEncoding",        Nothing)
+HOST_MEMBER       (REALConvertString,           "REALConvertString",            As<REALstringStruct*>)
 HOST_EXACT        (REALGetSystemTextEncoding,   "REALGetSystemTextEncoding",    Low32Or<kHostEncodingUTF8>, (), ())
 HOST_MEMBER       (REALGetStringSystemStr,      "REALGetStringSystemStr",       Word)
-HOST_MEMBER       (REALGetStringCFString,       "REALGetStringCFString",        Word)
-HOST_MEMBER       (REALStripAmpersands,         "REALStripAmpersands",          Word)
+HOST_MEMBER       (REALGetStringCFString,       "REALGetStringCFString",        As<CFStringRef>)
+HOST_MEMBER       (REALStripAmpersands,         "REALStripAmpersands",          As<REALstringStruct*>)
 HOST_MEMBER       (REALGetStringData,           "PluginGetStringData",          TrueIfLowByte)
-HOST_MEMBER       (REALDisposeStringData,       "PluginDisposeStringData",      Word)
-HOST_MEMBER       (REALCopyStringCFString,      "REALGetStringCFString",        Word)
+HOST_MEMBER       (REALDisposeStringData,       "PluginDisposeStringData",      Nothing)
+HOST_MEMBER       (REALCopyStringCFString,      "REALGetStringCFString",        As<CFStringRef>)
 HOST_MEMBER       (REALCompareStrings,          "RuntimeStringCompare",         Word)
-HOST_MEMBER       (REALAddStrings,              "RuntimeAddString",             Word)
-HOST_MEMBER       (REALCString,                 "StringGetCString",             Word)
-HOST_MEMBER       (REALPString,                 "StringGetPString",             Word)
+HOST_MEMBER       (REALAddStrings,              "RuntimeAddString",             As<REALstringStruct*>)
+HOST_MEMBER       (REALCString,                 "StringGetCString",             As<const char*>)
+HOST_MEMBER       (REALPString,                 "StringGetPString",             As<const unsigned char*>)
 HOST_MEMBER       (REALstringToOSType,          "StringToOSType",               Word)
 
 // Defined below; an entry with parentheses is the declaration of a method of the host's framework:
@@ -43,14 +45,14 @@ HOST_SLOT         (REALStringLength,            "LenB( s as string ) as integer"
 
 // Text values:
 //           member                 host entry                  result          value
-HOST_MEMBER (REALLockText,          "PluginLockText",           Word)
-HOST_MEMBER (REALUnlockText,        "PluginUnlockText",         Word)
-HOST_MEMBER (REALBuildText,         "PluginBuildText",          Word)
+HOST_MEMBER (REALLockText,          "PluginLockText",           Nothing)
+HOST_MEMBER (REALUnlockText,        "PluginUnlockText",         Nothing)
+HOST_MEMBER (REALBuildText,         "PluginBuildText",          As<const RuntimeText*>)
 HOST_MEMBER (REALCompareText,       "PluginCompareText",        Word)
-HOST_MEMBER (REALConcatenateText,   "PluginConcatenateText",    Word)
+HOST_MEMBER (REALConcatenateText,   "PluginConcatenateText",    As<const RuntimeText*>)
 HOST_MEMBER (REALGetTextData,       "PluginGetTextData",        Word)
-HOST_MEMBER (REALDisposeTextData,   "PluginDisposeTextData",    Word)
-HOST_MEMBER (REALCopyTextCFString,  "PluginCopyTextCFString",   Word)
+HOST_MEMBER (REALDisposeTextData,   "PluginDisposeTextData",    Nothing)
+HOST_MEMBER (REALCopyTextCFString,  "PluginCopyTextCFString",   As<CFStringRef>)
 HOST_VARIANT(REALNewVariantText,    "PluginNewVariantText",                     const RuntimeText*)
 HOST_GETTER (REALGetPropValueText,  "PluginGetPropValueText",   TrueIfLowByte,  const RuntimeText*)
 HOST_SETTER (REALSetPropValueText,  "PluginSetPropValueText",   TrueIfLowByte,  const RuntimeText*)

@@ -18,8 +18,8 @@
 //   HOST_INSERT, HOST_GET, HOST_SET(member, entry, type)      an element of an array, in two stages (host/arrays.h)
 //
 // `result` is one of the result kinds of host/call.h: how the result is narrowed, and its value when the host lacks the
-// entry. A result of unknown type is a Word: all 64 bits, enough for any handle, pointer or integer; 0 without an
-// entry. If the host's function has no result, the Word means nothing.
+// entry. A handle or a pointer is an As of its type. A Word, all 64 bits, is an integer, or what the member's name
+// leaves open: a number, a pointer, or nothing; 0 without an entry.
 //
 // Members are inline and slots are inline variables: a program contains only the members that it calls.
 #pragma once

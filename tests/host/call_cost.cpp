@@ -167,8 +167,7 @@ void compareTheRest() {
       "REALGetRBVersion", [] { gDoubleSink = REALGetRBVersion(); },
       [] { gDoubleSink = bareCall<double>(gEntryDouble); });
   compare(
-      "REALMessageBox", [] { gSink = REALMessageBox(gString, 1, 2.5); },
-      [] { gSink = bareCall<std::uint64_t>(gEntryFour, gString, 1, 2.5); });
+      "REALMessageBox", [] { REALMessageBox(gString, 1, 2.5); }, [] { bareCall<void>(gEntryFour, gString, 1, 2.5); });
   compare(
       "REALGetArrayValueInt16",
       [] {

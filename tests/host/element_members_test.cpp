@@ -93,16 +93,19 @@ void checkGet(Call call) {
   gRecorded.count = 1;
 }
 
-template <typename T, typename Call>
-Calls insert(Call call) {
+template <typename T>
+Calls insert(void (*member)(REALarrayStruct*, long long, T)) {
+  const auto call = [member](T value) { member(kArray, kIndex, value); };
   return {[call] { call(sample<T>(1)); }, [call] { checkStore<T>(call, 2, 1); }};
 }
-template <typename T, typename Call>
-Calls set(Call call) {
+template <typename T>
+Calls set(void (*member)(REALarrayStruct*, long long, T)) {
+  const auto call = [member](T value) { member(kArray, kIndex, value); };
   return {[call] { call(sample<T>(1)); }, [call] { checkStore<T>(call, 1, 2); }};
 }
-template <typename T, typename Call>
-Calls get(Call call) {
+template <typename T>
+Calls get(void (*member)(REALarrayStruct*, long long, T*)) {
+  const auto call = [member](T* out) { member(kArray, kIndex, out); };
   const auto callWithoutEffect = [call] {
     T out = sample<T>(5);
     call(&out);
@@ -115,9 +118,8 @@ std::vector<ElementMember> makeMembers() {
   std::vector<ElementMember> members;
 #define MEMBER(...)
 #define SPECIAL(...)
-#define ELEMENT(group, member, entry, operation, element)           \
-  members.push_back({#member, entry, &host::slots::member::address, \
-                     operation<type::element>([](auto value) { member(kArray, kIndex, value); })});
+#define ELEMENT(group, member, entry, operation, element) \
+  members.push_back({#member, entry, &host::slots::member::address, operation<type::element>(&member)});
 #include "members.inc"
 #undef ELEMENT
 #undef SPECIAL

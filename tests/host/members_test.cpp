@@ -1,5 +1,5 @@
-// Every member of the host-call family, as members.txt lists it: which entry it looks up and when, what it passes, and
-// how it narrows the result. Element members have tests of their own.
+// Every member of the host-call family, as members.txt lists it: its type, which entry it looks up and when, what it
+// passes, and how it narrows the result. Element members have tests of their own.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -36,50 +36,78 @@ auto argument(int position) {
 
 // --- Members that are one call
 
-enum class Result { none, word, low32, float64, anybit, lowbyte, byte };
-
-/// What a member returned.
-struct Answer {
-  std::uint64_t bits = 0;  ///< The value, or the representation of a floating-point number.
-  std::size_t size = 0;    ///< Of the member's result type; 0 for none.
-  bool isBool = false;
-  bool isFloating = false;
+/// How a member makes its result, a T, of the host's 64 bits.
+using Narrowing = std::uint64_t (*)(std::uint64_t raw);
+template <typename T, Narrowing kNarrowing>
+struct Result {
+  using Type = T;
+  static constexpr Narrowing kNarrow = kNarrowing;
 };
 
+std::uint64_t noBits(std::uint64_t /*raw*/) { return 0; }
+std::uint64_t allBits(std::uint64_t raw) { return raw; }
+std::uint64_t lowBits(std::uint64_t raw) { return raw & 0xFFFFFFFF; }
+std::uint64_t lowByte(std::uint64_t raw) { return raw & 0xFF; }
+std::uint64_t isAnyBitSet(std::uint64_t raw) { return raw != 0 ? 1 : 0; }
+std::uint64_t isLowByteSet(std::uint64_t raw) { return (raw & 0xFF) != 0 ? 1 : 0; }
+
+/// The results by their names in members.txt.
+namespace result {
+using none = Result<void, &noBits>;
+using string = Result<type::string, &allBits>;
+using object = Result<type::object, &allBits>;
+using array = Result<type::array, &allBits>;
+using classref = Result<type::classref, &allBits>;
+using text = Result<type::text, &allBits>;
+using pointer = Result<type::pointer, &allBits>;
+using cstring = Result<type::cstring, &allBits>;
+using pstring = Result<type::pstring, &allBits>;
+using cfstring = Result<type::cfstring, &allBits>;
+using word = Result<std::intptr_t, &allBits>;
+using low32 = Result<std::uint32_t, &lowBits>;
+using float64 = Result<double, &allBits>;
+using anybit = Result<bool, &isAnyBitSet>;
+using lowbyte = Result<bool, &isLowByteSet>;
+using byte = Result<std::uint8_t, &lowByte>;
+}  // namespace result
+
+/// The value, or the representation of a floating-point number.
 template <typename Value>
-Answer answerOf(Value value) {
-  Answer answer{.size = sizeof(Value), .isBool = std::is_same_v<Value, bool>};
+std::uint64_t bitsOf(Value value) {
   if constexpr (std::is_pointer_v<Value>) {
-    answer.bits = reinterpret_cast<std::uintptr_t>(value);
+    return reinterpret_cast<std::uintptr_t>(value);
   } else if constexpr (std::is_floating_point_v<Value>) {
-    answer.bits = std::bit_cast<std::uint64_t>(value);
-    answer.isFloating = true;
+    return std::bit_cast<std::uint64_t>(value);
   } else {
-    answer.bits = static_cast<std::uint64_t>(value);
+    return static_cast<std::uint64_t>(value);
   }
-  return answer;
 }
 
 struct Member {
   std::string group;
   std::string name;
   std::string entry;
-  Result result;
   std::uint64_t missing;
   void** slot;
+  bool is_floating;
+  Narrowing narrow;
   std::vector<Expected> arguments;
-  std::function<Answer()> call;
+  std::function<std::uint64_t()> call;  ///< returns the bits of the result, 0 for none
 };
 
-template <typename... Types, typename Call>
-std::function<Answer()> caller(Call call) {
+template <typename Type>
+using ArgumentType = decltype(argument<Type>(0));
+
+template <typename Kind, typename... Types, typename Call>
+std::function<std::uint64_t()> caller(Call call) {
+  static_assert(std::is_same_v<decltype(call(argument<Types>(0)...)), typename Kind::Type>);
   return [call] {
     return [&]<int... kPositions>(std::integer_sequence<int, kPositions...>) {
-      if constexpr (std::is_void_v<decltype(call(argument<Types>(kPositions)...))>) {
+      if constexpr (std::is_void_v<typename Kind::Type>) {
         call(argument<Types>(kPositions)...);
-        return Answer{};
+        return std::uint64_t{0};
       } else {
-        return answerOf(call(argument<Types>(kPositions)...));
+        return bitsOf(call(argument<Types>(kPositions)...));
       }
     }
     (std::make_integer_sequence<int, sizeof...(Types)>());
@@ -98,27 +126,32 @@ std::vector<Expected> expectedArguments() {
   return result;
 }
 
-template <typename... Types, typename Call>
-Member member(const char* group, const char* name, const char* entry, Result result, std::uint64_t missing, void** slot,
-              Call call) {
-  return {group, name, entry, result, missing, slot, expectedArguments<Types...>(), caller<Types...>(call)};
-}
-
 // --- The list
 
-template <typename... Types>
-struct Add {
-  template <typename... Arguments>
-  static void to(std::vector<Member>& members, Arguments... arguments) {
-    members.push_back(member<Types...>(arguments...));
+template <typename Kind, typename... Types>
+struct Listed {
+  /// `call` calls the member by its name. Its address is a function's: of these arguments, with this result.
+  template <typename Call>
+  static Member member(const char* group, const char* name, const char* entry, std::uint64_t missing, void** slot,
+                       Call call, typename Kind::Type (*)(ArgumentType<Types>...)) {
+    return {group,
+            name,
+            entry,
+            missing,
+            slot,
+            std::is_floating_point_v<typename Kind::Type>,
+            Kind::kNarrow,
+            expectedArguments<Types...>(),
+            caller<Kind, Types...>(call)};
   }
 };
 
 std::vector<Member> makeMembers() {
   std::vector<Member> members;
-#define MEMBER(group, member, entry, result, missing, ...)                                      \
-  Add<__VA_ARGS__>::to(members, #group, #member, entry, Result::result, std::uint64_t{missing}, \
-                       &host::slots::member::address, [](auto... arguments) { return member(arguments...); });
+#define MEMBER(group, name, entry, kind, missing, ...)                       \
+  members.push_back(Listed<result::kind __VA_OPT__(, ) __VA_ARGS__>::member( \
+      #group, #name, entry, missing, &host::slots::name::address,            \
+      [](auto... arguments) { return name(arguments...); }, &name));
 #define ELEMENT(group, member, entry, operation, element)
 #define SPECIAL(group, member)
 #include "members.inc"
@@ -151,43 +184,12 @@ class HostCallMembers : public ::testing::TestWithParam<const char*> {
   }
 };
 
-/// `bits` is the integer, or the representation of the floating-point number.
-void expectAnswer(const Member& member, const Answer& answer, std::uint64_t bits) {
-  const bool isTruth = member.result == Result::anybit || member.result == Result::lowbyte;
-  const std::map<Result, std::size_t> sizes = {{Result::none, 0},    {Result::word, 8},   {Result::low32, 4},
-                                               {Result::float64, 8}, {Result::anybit, 1}, {Result::lowbyte, 1},
-                                               {Result::byte, 1}};
-  EXPECT_EQ(answer.size, sizes.at(member.result));
-  EXPECT_EQ(answer.isBool, isTruth);
-  EXPECT_EQ(answer.isFloating, member.result == Result::float64);
-  EXPECT_EQ(answer.bits, bits);
-}
-
-std::uint64_t narrowed(Result result, std::uint64_t raw) {
-  switch (result) {
-    case Result::none:
-      return 0;
-    case Result::word:
-    case Result::float64:
-      return raw;
-    case Result::low32:
-      return raw & 0xFFFFFFFF;
-    case Result::anybit:
-      return raw != 0 ? 1 : 0;
-    case Result::lowbyte:
-      return (raw & 0xFF) != 0 ? 1 : 0;
-    case Result::byte:
-      return raw & 0xFF;
-  }
-  return 0;
-}
-
-double answerAsDouble() { return std::bit_cast<double>(gResult); }
+double resultAsDouble() { return std::bit_cast<double>(gResult); }
 
 TEST_P(HostCallMembers, FallBackAndLookUpAtEachCallWithoutTheEntry) {
   forEach([](const Member& member, RecordingHost& host) {
     for (int call = 0; call < 3; ++call) {
-      expectAnswer(member, member.call(), member.missing);
+      EXPECT_EQ(member.call(), member.missing);
     }
     EXPECT_THAT(host.asked(), ElementsAre(member.entry, member.entry, member.entry));
     EXPECT_EQ(*member.slot, nullptr);
@@ -248,15 +250,15 @@ TEST_P(HostCallMembers, PassArgumentsInOrderAndAtTheirWidth) {
 
 TEST_P(HostCallMembers, NarrowTheResultByTheirRule) {
   forEach([](const Member& member, RecordingHost& host) {
-    if (member.result == Result::float64) {
-      host.offer(member.entry, &answerAsDouble);
+    if (member.is_floating) {
+      host.offer(member.entry, &resultAsDouble);
     } else {
       host.offer(member.entry, &recordCall);
     }
     for (const std::uint64_t raw : {0ULL, 0x100ULL, 0x1'0000'0000ULL, 0x02ULL, ~0ULL}) {
       SCOPED_TRACE("the host returns " + std::to_string(raw));
       gResult = raw;
-      expectAnswer(member, member.call(), narrowed(member.result, raw));
+      EXPECT_EQ(member.call(), member.narrow(raw));
     }
   });
 }

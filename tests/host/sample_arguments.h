@@ -16,6 +16,7 @@
 namespace type {
 using string = REALstringStruct*;
 using object = REALobjectStruct*;
+using array = REALarrayStruct*;
 using classref = REALclassRefStruct*;
 using text = const RuntimeText*;
 using module = REALmoduleDefinition*;
@@ -35,6 +36,7 @@ using uint8 = std::uint8_t;
 using uint16 = std::uint16_t;
 using uint32 = std::uint32_t;
 using uint64 = std::uint64_t;
+using index = long long;
 using single = float;
 using float64 = double;
 /// A bool* that the member must keep to itself; see Expected::hidden.
