@@ -1,4 +1,5 @@
-// The module: a wrapper for each method, the table that binds it to its declaration, and the library's entry.
+// The module: a wrapper for each method, the table that binds it to its declaration, and the library's entry
+// (plugin/entry.h).
 //
 // The host calls a wrapper on its own thread. A wrapper converts host values to native ones, calls the facade, and
 // converts the result back. Nothing below is meant to throw, and no handler is installed here.
@@ -12,7 +13,6 @@
 #include <tuple>
 #include <utility>
 
-#include "base/interface.h"
 #include "host/arrays.h"
 #include "host/call.h"
 #include "host/objects.h"
@@ -20,9 +20,9 @@
 #include "host/runtime.h"
 #include "host/strings.h"
 #include "plugin/display.h"
+#include "plugin/entry.h"
 #include "strings/utils.h"
 
-/// The object whose DisplayProfileFound method the listings call: the last one that the host program set. Borrowed.
 REALobjectStruct* gHostObj = nullptr;
 
 namespace {
@@ -189,31 +189,15 @@ constinit REALmoduleDefinition DisplayModuleDefinition = {
     .methodCount = std::size(DisplayModuleMethods),
 };
 
-static_assert(std::size(DisplayModuleMethods) == 15);
+// --- the library's entry
 
-// --- the exports that are not the facade's
-
-namespace {
-
-/// Registers the module. The host's result is not examined.
 void PluginEntry() { REALRegisterModule(&DisplayModuleDefinition); }
 
-}  // namespace
-
-extern "C" {
-
-/// Called once by the host, on its own thread. Stores the resolver, announces the version of the host's interface, and
-/// then registers the module. A host without "RegisterPluginVersion" is deliberately not supported nor tested for.
-OSTREVIN_API void REALPluginMain(REALresolver resolver) {
+void REALPluginMain(REALresolver resolver) {
   gResolver = resolver;
   host::invoke<void>(CallResolver("RegisterPluginVersion"), static_cast<int>(kHostInterfaceVersion));
   PluginEntry();
 }
 
-// For tools that read the version off the library.
-OSTREVIN_API extern const double OstrevinVersionNumber;
-OSTREVIN_API extern const char OstrevinVersionString[];
 const double OstrevinVersionNumber = 5.4;
 const char OstrevinVersionString[] = "@(#)PROGRAM:Ostrevin  PROJECT:Ostrevin-5.4\n";
-
-}  // extern "C"
