@@ -25,13 +25,13 @@ struct device_iterator {
   using DeviceRecord = OwnedRef<CFDictionaryRef>;
 
   /// Text of the sought display's UUID; one variable for all walks.
-  static CFStringRef inUUIDstr;
+  OSTREVIN_API static CFStringRef inUUIDstr;
   /// URL of the profile that matched last; the callback takes a reference on it.
-  static CFURLRef profile_path;
+  OSTREVIN_API static CFURLRef profile_path;
   /// Description of the device that matched last; "Empty" after a profile query that matched nothing.
-  static CFStringRef device_name;
+  OSTREVIN_API static CFStringRef device_name;
   /// Deliberately null for the life of the process: there is no cache, and every query walks ColorSync.
-  static std::vector<DeviceRecord>* devices_info;
+  OSTREVIN_API static std::vector<DeviceRecord>* devices_info;
 
   /// The file URL of the display's current profile; null when no entry is both its default and its current one, after 2
   /// seconds. Not retained for the caller; valid for the life of the process. Host's thread.

@@ -17,7 +17,7 @@ struct monitors_set {
 
   /// The displays as BuildInitialMonitorsSet or the last DisplaysChanged found them. Destroyed at exit, its UUIDs are
   /// not released.
-  static UuidSet initialSet;
+  OSTREVIN_API static UuidSet initialSet;
 
   /// Adds the UUID of every active display to `set`; a display without one adds null. When CoreGraphics cannot list the
   /// displays the set is left as it was.
