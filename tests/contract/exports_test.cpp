@@ -76,6 +76,29 @@ TEST(Exports, ListHasOnlyTheEntryVersionsAndNamespaces) {
   }
 }
 
+// What is not exported is internal: a function of an unnamed namespace, or of one that is named so.
+TEST(Exports, ServicesHaveNoOtherNamedFunctions) {
+  const auto patterns = listedPatterns();
+  const std::vector<std::string> others = {"*_GLOBAL__N_*", "_ZN15DisplayServices8internal*", "_ZN5Utils*flip_*"};
+  std::istringstream lines(runSuccessfully({"nm", "--defined-only", "--format=posix", OSTREVIN_LIBRARY}));
+  int count = 0;
+  for (std::string symbol, type, rest; lines >> symbol >> type && std::getline(lines, rest);) {
+    const bool is_function = type == "t" || type == "T" || type == "W";
+    const bool is_of_a_service = matches("_ZN15DisplayServices*", symbol) || matches("_ZN15ProfileServices*", symbol) ||
+                                 matches("_ZN14StringServices*", symbol) || matches("_ZN5Utils*", symbol) ||
+                                 matches("_ZN7Display*", symbol);
+    if (!is_function || !is_of_a_service) {
+      continue;
+    }
+    ++count;
+    const auto is_of = [&](const std::string& pattern) { return matches(pattern, symbol); };
+    EXPECT_TRUE(std::any_of(patterns.begin(), patterns.end(), is_of) ||
+                std::any_of(others.begin(), others.end(), is_of))
+        << symbol;
+  }
+  EXPECT_GT(count, 50);
+}
+
 #ifndef OSTREVIN_SANITIZED  // a sanitizer's functions are in the program only
 TEST(Exports, EveryUndefinedSymbolHasALibrary) {
   const support::ProcessResult run = support::run({"ldd", "-r", OSTREVIN_LIBRARY});
