@@ -17,10 +17,12 @@ class Session {
  public:
   Session() : thread_(*new GlibThread([this](GMainContext* context) { whenIdle(context); })) {}
 
-  ColordClient::Devices devices() {
+  ColordClient::Devices devicesOf(std::shared_ptr<const Arrangement> arrangement) {
     return thread_
         .call<ColordClient::Devices>(kDeviceWalkLimit,
-                                     [this](const Operation& operation) { return client_.devices(operation); })
+                                     [this, arrangement = std::move(arrangement)](const Operation& operation) {
+                                       return client_.devicesOf(operation, arrangement->displays);
+                                     })
         .value_or(nullptr);
   }
 
@@ -95,7 +97,8 @@ ColordDevices::ColordDevices(ArrangementSource arrangement) : arrangement_(std::
 
 void ColordDevices::visit(const DeviceProfileVisitor& visit) const {
   const auto arrangement = arrangement_();
-  const auto devices = withSession<ColordClient::Devices>(nullptr, [](Session& session) { return session.devices(); });
+  const auto devices =
+      withSession<ColordClient::Devices>(nullptr, [&](Session& session) { return session.devicesOf(arrangement); });
   if (!devices) {
     return;
   }

@@ -115,6 +115,13 @@ std::string chooseId(const std::vector<Display>& displays, std::size_t display, 
   return id;
 }
 
+/// colord's spelling of a device's id.
+std::string asInObjectPath(std::string name) {
+  std::replace_if(
+      name.begin(), name.end(), [](char byte) { return g_ascii_isalnum(byte) == FALSE; }, '_');
+  return name;
+}
+
 bool isBuiltIn(std::string_view connector) {
   return connector.starts_with("eDP") || connector.starts_with("LVDS") || connector.starts_with("DSI");
 }
@@ -140,6 +147,30 @@ std::vector<std::optional<std::size_t>> matchDevices(const std::vector<Display>&
     }
   }
   return matches;
+}
+
+std::function<bool(const std::string& object_path)> namedAfter(const std::vector<Display>& displays) {
+  std::vector<std::string> names;
+  for (const Display& display : displays) {
+    for (const std::string& name : {display.connector, Monitor(display.edid).model.value_or("")}) {
+      if (!name.empty()) {
+        names.push_back(asInObjectPath(name));
+      }
+    }
+  }
+  return [names = std::move(names)](const std::string& path) {
+    return std::any_of(names.begin(), names.end(),
+                       [&](const std::string& name) { return path.find(name) != std::string::npos; });
+  };
+}
+
+bool haveOwnDevices(const std::vector<Display>& displays, const std::vector<ColordDevice>& devices) {
+  return std::all_of(displays.begin(), displays.end(), [&](const Display& display) {
+    const std::string md5 = checksumOf(display.edid);
+    return !md5.empty() && std::any_of(devices.begin(), devices.end(), [&](const ColordDevice& device) {
+      return device.connector == display.connector && device.edid_md5 == md5;
+    });
+  });
 }
 
 ColordRegistration registrationFor(const std::vector<Display>& displays, std::size_t display,

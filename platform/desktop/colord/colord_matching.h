@@ -3,7 +3,9 @@
 #pragma once
 
 #include <cstddef>
+#include <functional>
 #include <optional>
+#include <string>
 #include <vector>
 
 #include "desktop/colord/colord_model.h"
@@ -24,6 +26,14 @@ namespace platform::desktop {
 /// device of a connected monitor precedes one from colord's database, then the one changed last wins.
 PLATFORM_API std::vector<std::optional<std::size_t>> matchDevices(const std::vector<Display>& displays,
                                                                   const std::vector<ColordDevice>& devices);
+
+/// True for the object path of a device that is named after one of the displays: it contains the name of the connector
+/// or the monitor's. Session daemons name a device after its monitor, or after its connector if the monitor has no
+/// EDID.
+PLATFORM_API std::function<bool(const std::string& object_path)> namedAfter(const std::vector<Display>& displays);
+
+/// Whether each display has one of these devices by both its connector and its EDID.
+PLATFORM_API bool haveOwnDevices(const std::vector<Display>& displays, const std::vector<ColordDevice>& devices);
 
 /// The registration that a session daemon would make: the id is "xrandr" with the EDID's vendor, name and serial
 /// number, or with the connector where the EDID does not identify the display. `devices` are the registered ones.

@@ -21,6 +21,12 @@ ObjectRef<T> retained(T* object) {
   return ObjectRef<T>(object == nullptr ? nullptr : static_cast<T*>(g_object_ref(object)));
 }
 
+struct VariantUnref {
+  void operator()(GVariant* value) const { g_variant_unref(value); }
+};
+/// Owns one reference to a GVariant, or none.
+using Variant = std::unique_ptr<GVariant, VariantUnref>;
+
 /// The text of a GLib string, empty for null.
 inline std::string textOf(const char* value) { return value == nullptr ? std::string() : std::string(value); }
 

@@ -14,10 +14,6 @@ struct Result {
   ColordClient::Devices devices;
 };
 
-struct VariantUnref {
-  void operator()(GVariant* variant) const { g_variant_unref(variant); }
-};
-
 /// Whether the bus lists colord's name; nothing when the bus does not reply.
 std::optional<bool> listsColord(const Operation& operation, GDBusConnection* bus, const char* list) {
   const auto called = operation.start([&](GCancellable* cancellable, GAsyncReadyCallback ready, gpointer data) {
@@ -28,12 +24,11 @@ std::optional<bool> listsColord(const Operation& operation, GDBusConnection* bus
   if (operation.wait(called) == nullptr) {
     return std::nullopt;
   }
-  const std::unique_ptr<GVariant, VariantUnref> reply(
-      g_dbus_connection_call_finish(bus, called->result.get(), error.place()));
+  const Variant reply(g_dbus_connection_call_finish(bus, called->result.get(), error.place()));
   if (!reply) {
     return std::nullopt;
   }
-  const std::unique_ptr<GVariant, VariantUnref> names(g_variant_get_child_value(reply.get(), 0));
+  const Variant names(g_variant_get_child_value(reply.get(), 0));
   const std::unique_ptr<const gchar*, decltype(&g_free)> texts(g_variant_get_strv(names.get(), nullptr), g_free);
   return g_strv_contains(texts.get(), kColordName) != FALSE;
 }
@@ -51,7 +46,7 @@ Result ask(const Operation& operation, ColordClient& client, std::atomic<bool>& 
     result.state = ColordState::kNotInstalled;
     return result;
   }
-  result.devices = client.devices(operation);
+  result.devices = client.allDevices(operation);
   result.state = result.devices ? ColordState::kReady : ColordState::kSilent;
   return result;
 }
