@@ -5,11 +5,14 @@
 #include <chrono>
 #include <cstdlib>
 #include <stdexcept>
+#include <string_view>
+#include <utility>
 
 namespace support {
 namespace {
 
 constexpr std::chrono::seconds kLimit{30};
+constexpr std::string_view kRoot = "/org/freedesktop/ColorManager";
 /// An object whose path begins with this one belongs to colord, under any bus name.
 constexpr const char* kRule = "type='method_call',path_namespace='/org/freedesktop/ColorManager'";
 
@@ -42,14 +45,16 @@ bool isAnotherOnesCall(GDBusMessage* message, gboolean incoming) {
 
 }  // namespace
 
-ColordCalls::ColordCalls() : seen_(g_async_queue_new(), g_async_queue_unref), connection_(connectToBus()) {
+ColordCalls::ColordCalls() : seen_(g_async_queue_new_full(g_free), g_async_queue_unref), connection_(connectToBus()) {
   // The filter drops messages without a reply: the bus disconnects a monitor that sends anything.
   const auto filter = +[](GDBusConnection*, GDBusMessage* message, gboolean incoming, gpointer seen) -> GDBusMessage* {
     if (!isAnotherOnesCall(message, incoming)) {
       return message;
     }
+    g_async_queue_push(
+        static_cast<GAsyncQueue*>(seen),
+        g_strconcat(g_dbus_message_get_member(message), " ", g_dbus_message_get_path(message) + kRoot.size(), nullptr));
     g_object_unref(message);
-    g_async_queue_push(static_cast<GAsyncQueue*>(seen), seen);
     return nullptr;
   };
   const auto forget = +[](gpointer seen) { g_async_queue_unref(static_cast<GAsyncQueue*>(seen)); };
@@ -61,10 +66,33 @@ ColordCalls::ColordCalls() : seen_(g_async_queue_new(), g_async_queue_unref), co
 
 ColordCalls::~ColordCalls() { g_dbus_connection_close_sync(connection_.get(), nullptr, nullptr); }
 
-void ColordCalls::waitForOne() {
-  if (g_async_queue_timeout_pop(seen_.get(), std::chrono::microseconds(kLimit).count()) == nullptr) {
+std::string ColordCalls::next() {
+  const std::unique_ptr<char, decltype(&g_free)> call(
+      static_cast<char*>(g_async_queue_timeout_pop(seen_.get(), std::chrono::microseconds(kLimit).count())), g_free);
+  if (!call) {
     throw std::runtime_error("nobody has asked colord for anything in time");
   }
+  return call.get();
+}
+
+void ColordCalls::waitForOne() { next(); }
+
+std::vector<std::string> ColordCalls::take() {
+  // The bus reports calls in their order, so those before this one have been reported when it is.
+  const auto connection = connectToBus();
+  const std::unique_ptr<GVariant, decltype(&g_variant_unref)> reply(
+      g_dbus_connection_call_sync(connection.get(), "org.freedesktop.ColorManager", kRoot.data(),
+                                  "org.freedesktop.DBus.Peer", "Ping", nullptr, nullptr, G_DBUS_CALL_FLAGS_NONE, -1,
+                                  nullptr, nullptr),
+      g_variant_unref);
+  if (!reply) {
+    throw std::runtime_error("colord does not reply");
+  }
+  std::vector<std::string> calls;
+  for (std::string call = next(); call != "Ping "; call = next()) {
+    calls.push_back(std::move(call));
+  }
+  return calls;
 }
 
 }  // namespace support

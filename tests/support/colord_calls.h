@@ -4,6 +4,8 @@
 #pragma once
 
 #include <memory>
+#include <string>
+#include <vector>
 
 struct _GAsyncQueue;
 struct _GDBusConnection;
@@ -20,9 +22,15 @@ class ColordCalls {
 
   /// Returns after a call of colord, with or without a reply. Throws std::runtime_error after 30 seconds.
   void waitForOne();
+  /// The calls up to now, each as its method and its object's path within colord: "GetAll /devices/first". Throws
+  /// std::runtime_error when colord does not reply.
+  std::vector<std::string> take();
 
  private:
-  /// What the connection's own thread has seen. GLib's, like the thread: ThreadSanitizer sees into neither.
+  /// The next call, which may have to be waited for.
+  std::string next();
+
+  /// Of texts, which the connection's own thread adds. GLib's, like the thread: ThreadSanitizer sees into neither.
   std::shared_ptr<_GAsyncQueue> seen_;
   std::shared_ptr<_GDBusConnection> connection_;
 };

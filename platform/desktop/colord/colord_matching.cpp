@@ -45,12 +45,18 @@ struct Monitor {
   std::optional<std::string> serial;
 };
 
+bool hasConnector(const ColordDevice& device, const Display& display) {
+  return !display.connector.empty() && display.connector == device.connector;
+}
+
 /// How well a device fits a display; 0 for not at all.
 int fit(const Display& display, const Monitor& monitor, const ColordDevice& device) {
-  const bool same_connector = !display.connector.empty() && display.connector == device.connector;
+  const bool same_connector = hasConnector(device, display);
+  if (same_connector && monitor.md5 == device.edid_md5) {
+    return 4;
+  }
   if (!monitor.md5.empty() && !device.edid_md5.empty()) {
-    const bool same_monitor = monitor.md5 == device.edid_md5;
-    return !same_monitor ? 0 : same_connector ? 4 : 2;
+    return monitor.md5 == device.edid_md5 ? 2 : 0;
   }
   if (same_connector) {
     return 3;
@@ -159,16 +165,17 @@ std::function<bool(const std::string& object_path)> namedAfter(const std::vector
     }
   }
   return [names = std::move(names)](const std::string& path) {
+    const std::string_view id = std::string_view(path).substr(path.rfind('/') + 1);
     return std::any_of(names.begin(), names.end(),
-                       [&](const std::string& name) { return path.find(name) != std::string::npos; });
+                       [&](const std::string& name) { return id.find(name) != std::string_view::npos; });
   };
 }
 
 bool haveOwnDevices(const std::vector<Display>& displays, const std::vector<ColordDevice>& devices) {
   return std::all_of(displays.begin(), displays.end(), [&](const Display& display) {
     const std::string md5 = checksumOf(display.edid);
-    return !md5.empty() && std::any_of(devices.begin(), devices.end(), [&](const ColordDevice& device) {
-      return device.connector == display.connector && device.edid_md5 == md5;
+    return std::any_of(devices.begin(), devices.end(), [&](const ColordDevice& device) {
+      return hasConnector(device, display) && device.edid_md5 == md5;
     });
   });
 }

@@ -18,8 +18,8 @@ namespace platform::desktop {
 ///
 /// Session daemons register a device with the connector's name; newer ones add the EDID's checksum. In order of
 /// preference, a display's device is the one with
-///   1. its connector and its EDID,
-///   2. its connector, where one of the two has no EDID to compare,
+///   1. its connector and its EDID, or its connector where neither has an EDID,
+///   2. its connector, where just one of the two has an EDID,
 ///   3. its EDID, at another connector: the monitor was plugged in elsewhere,
 ///   4. its model and serial number, where the device has no checksum.
 /// A device with the display's connector and another monitor's EDID belongs to that other monitor. Between equals, a
@@ -32,7 +32,7 @@ PLATFORM_API std::vector<std::optional<std::size_t>> matchDevices(const std::vec
 /// EDID.
 PLATFORM_API std::function<bool(const std::string& object_path)> namedAfter(const std::vector<Display>& displays);
 
-/// Whether each display has one of these devices by both its connector and its EDID.
+/// Whether each display has one of these devices by the first of these rules.
 PLATFORM_API bool haveOwnDevices(const std::vector<Display>& displays, const std::vector<ColordDevice>& devices);
 
 /// The registration that a session daemon would make: the id is "xrandr" with the EDID's vendor, name and serial

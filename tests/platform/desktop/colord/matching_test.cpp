@@ -12,7 +12,9 @@ namespace {
 
 using platform::desktop::ColordDevice;
 using platform::desktop::ColordRegistration;
+using platform::desktop::haveOwnDevices;
 using platform::desktop::matchDevices;
+using platform::desktop::namedAfter;
 using platform::desktop::registrationFor;
 using testing::ElementsAre;
 using testing::Eq;
@@ -49,6 +51,12 @@ TEST(MatchDevices, TakesTheConnectorWhereTheDeviceHasNoChecksum) {
 TEST(MatchDevices, TakesTheConnectorWhereTheDisplayHasNoEdid) {
   EXPECT_THAT(matchDevices({makeDisplay(1, "VGA-1", {})}, {device("a", "VGA-1", md5(firstEdid()))}),
               ElementsAre(Optional(0)));
+}
+
+TEST(MatchDevices, PrefersADeviceWithoutChecksumWhereTheDisplayHasNoEdid) {
+  ColordDevice monitors = device("a", "VGA-1", md5(firstEdid()));
+  monitors.modified = 20;
+  EXPECT_THAT(matchDevices({makeDisplay(1, "VGA-1", {})}, {monitors, device("b", "VGA-1")}), ElementsAre(Optional(1)));
 }
 
 TEST(MatchDevices, IgnoresAnotherMonitorsDeviceAtTheSameConnector) {
@@ -101,6 +109,28 @@ TEST(MatchDevices, IgnoresEmptyConnectors) {
 TEST(MatchDevices, ReturnsNothingForNoDisplaysOrDevices) {
   EXPECT_THAT(matchDevices({}, {device("a", "DP-1")}), ElementsAre());
   EXPECT_THAT(matchDevices({makeDisplay(1, "DP-1", firstEdid())}, {}), ElementsAre(Eq(kNone)));
+}
+
+TEST(NamedAfter, FindsTheConnectorOrTheMonitorInAPath) {
+  const auto named = namedAfter({makeDisplay(1, "DP-1", firstEdid()), makeDisplay(2, "VGA-1", {})});
+  EXPECT_TRUE(named("/devices/xrandr_Dell_DELL_U2412M_1502_user_1000"));
+  EXPECT_TRUE(named("/devices/xrandr_DP_1"));
+  EXPECT_TRUE(named("/devices/xrandr_VGA_1"));
+  EXPECT_FALSE(named("/devices/xrandr_Dell_DELL_U2413_1502"));
+  EXPECT_FALSE(named("/devices/xrandr_DP_2"));
+  EXPECT_FALSE(namedAfter({makeDisplay(1, "", {})})("/devices/xrandr"));
+}
+
+TEST(HaveOwnDevices, RequiresTheConnectorAndTheEdidOfEachDisplay) {
+  const std::vector<Display> displays{makeDisplay(1, "DP-1", firstEdid()), makeDisplay(2, "VGA-1", {})};
+  const ColordDevice first = device("a", "DP-1", md5(firstEdid()));
+  const ColordDevice second = device("b", "VGA-1");
+  EXPECT_TRUE(haveOwnDevices(displays, {second, first}));
+  EXPECT_FALSE(haveOwnDevices(displays, {first}));
+  EXPECT_FALSE(haveOwnDevices(displays, {first, device("b", "VGA-1", md5(firstEdid()))}));
+  EXPECT_FALSE(haveOwnDevices(displays, {second, device("a", "DP-1")}));
+  EXPECT_FALSE(haveOwnDevices(displays, {second, device("a", "DP-2", md5(firstEdid()))}));
+  EXPECT_TRUE(haveOwnDevices({}, {}));
 }
 
 TEST(RegistrationFor, NamesTheMonitorAsColordDoes) {
