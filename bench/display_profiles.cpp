@@ -4,6 +4,8 @@
 #include <colord.h>
 
 #include <algorithm>
+#include <array>
+#include <cstdlib>
 #include <map>
 #include <memory>
 #include <stdexcept>
@@ -14,6 +16,7 @@
 #include "groups.h"
 #include "plugin_methods.h"
 #include "profile/profile_services.h"
+#include "support/process.h"
 
 namespace bench {
 namespace {
@@ -145,7 +148,7 @@ Pair setProfilePair(uint32_t display) {
 }
 
 void addLiveRows(const Suite& suite, LiveDesktop& live) {
-  // Every assignment has all devices read again, a call to colord for each.
+  // libcolord's assignment reads every device, a call to colord for each.
   constexpr long kMostForAssignment = 100;
   for (const long devices : suite.sizes({3, 10, 100, 1000})) {
     const auto add = [&](const char* method, const char* twin, double bar, std::function<Pair(uint32_t)> pair_of) {
@@ -162,6 +165,80 @@ void addLiveRows(const Suite& suite, LiveDesktop& live) {
     if (devices <= kMostForAssignment) {
       add("SetProfile", "libcolord: find, add, make default", 0, setProfilePair);
     }
+  }
+}
+
+/// A colord for the programs that a row starts; the benchmark's own process stays with the desktop's. It has as many
+/// devices, those of the three live displays with kProfile included.
+class OtherColord {
+ public:
+  explicit OtherColord(LiveDesktop& live, long devices) {
+    // PrivateColord puts itself into the environment.
+    const std::array variables = {"DBUS_SYSTEM_BUS_ADDRESS", "XDG_STATE_HOME"};
+    std::array<std::string, variables.size()> before;
+    std::transform(variables.begin(), variables.end(), before.begin(), std::getenv);
+    colord_ = std::make_unique<support::PrivateColord>();
+    for (const char* const output : {"DUMMY0", "DUMMY1", "DUMMY2"}) {
+      support::runSuccessfully({OSTREVIN_TOOL, "call", "SetProfile", std::to_string(live.display(output)), kProfile});
+    }
+    registerAbsentDisplays(*colord_, kLiveDisplays, devices);
+    for (std::size_t i = 0; i < variables.size(); ++i) {
+      environment_.push_back(std::string(variables[i]) + "=" + std::getenv(variables[i]));
+      setenv(variables[i], before[i].c_str(), 1);
+    }
+  }
+
+  /// Times what a fresh process reports.
+  Timer probe(std::vector<std::string> arguments) const {
+    arguments.insert(arguments.begin(), OSTREVIN_PROFILE_PROBE);
+    return [=, environment = environment_](int calls) {
+      double sum = 0;
+      for (int i = 0; i < calls; ++i) {
+        sum += std::stod(support::runSuccessfully(arguments, environment));
+      }
+      return sum / calls;
+    };
+  }
+
+ private:
+  std::unique_ptr<support::PrivateColord> colord_;
+  support::Environment environment_;
+};
+
+/// What fresh processes report, about a colord with that many devices beside one with those of the displays alone.
+Pair growthPair(LiveDesktop& live, long devices, const std::vector<std::string>& arguments, Batches batches) {
+  const auto many = std::make_shared<OtherColord>(live, devices);
+  const auto few = std::make_shared<OtherColord>(live, kLiveDisplays);
+  return {[many, run = many->probe(arguments)](int calls) { return run(calls); },
+          [few, run = few->probe(arguments)](int calls) { return run(calls); }, batches};
+}
+
+/// In fresh processes, where the plugin has nothing of colord's yet, and where each colord has its own.
+void addGrowthRows(const Suite& suite, LiveDesktop& live) {
+  constexpr double kWalkLimit = 3e6;
+  constexpr double kWalkGrowth = 1.3;
+  constexpr double kAssignmentGrowth = 1.5;
+  constexpr const char* kFirst = "first GetProfilePath, bus time";
+  constexpr const char* kFew = "the same with 3 devices";
+  constexpr Batches kWalks{.rounds = 101, .calls = 1};
+  suite.add({kFirst, kLiveDisplays, "devices in colord", "3 ms", 1}, [=, &live]() -> Pair {
+    live.use(kLiveDisplays);
+    const auto colord = std::make_shared<OtherColord>(live, kLiveDisplays);
+    return {[colord, run = colord->probe({"first", kProfile})](int calls) { return run(calls); },
+            [](int) { return kWalkLimit; }, kWalks};
+  });
+  for (const long devices : suite.sizes({30})) {
+    suite.add({kFirst, devices, "devices in colord", kFew, kWalkGrowth}, [=, &live] {
+      live.use(kLiveDisplays);
+      return growthPair(live, devices, {"first", kProfile}, kWalks);
+    });
+  }
+  for (const long devices : suite.sizes({100})) {
+    suite.add({"SetProfile", devices, "devices in colord", kFew, kAssignmentGrowth}, [=, &live] {
+      live.use(kLiveDisplays);
+      return growthPair(live, devices, {"assign", std::to_string(live.display(kOutput)), kOtherProfile, kProfile},
+                        {.rounds = 25, .calls = 1});
+    });
   }
 }
 
@@ -183,6 +260,7 @@ void useScriptedProfiles(long count) {
 
 void addDisplayProfiles(const Suite& suite, LiveDesktop& live) {
   addLiveRows(suite, live);
+  addGrowthRows(suite, live);
   for (const long profiles : suite.sizes({10, 100, 1000, 10000})) {
     suite.add({"ListProfilesForDisplay", profiles, "scripted profiles", "ColorSync's walk over the same entries"}, [=] {
       useScriptedProfiles(profiles);

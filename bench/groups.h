@@ -13,6 +13,8 @@ namespace bench {
 inline constexpr const char* kProfile = "/usr/share/color/icc/colord/AdobeRGB1998.icc";
 /// The name of the live desktop's first display, and of every named scripted one.
 inline constexpr const char* kMonitorName = "DELL U2412M";
+/// The displays of the live desktop that have a device in colord.
+inline constexpr long kLiveDisplays = 3;
 /// Displays of a grid, live or scripted, in points.
 inline constexpr int kGridColumns = 8;
 inline constexpr int kGridWidth = 400;
@@ -43,9 +45,13 @@ class LiveDesktop {
 
   struct Servers;
   std::unique_ptr<Servers> servers_;
-  long devices_ = 3;
+  long devices_ = kLiveDisplays;
   long displays_ = 3;
 };
+
+/// Registers devices with colord, as it keeps them of displays that were connected once, so that it has `count` after
+/// it had `present`.
+void registerAbsentDisplays(support::PrivateColord& colord, long present, long count);
 
 /// Whole processes: the tool beside other programs that do the same job, and the load of the plugin.
 void addProcesses(const Suite& suite, LiveDesktop& live);

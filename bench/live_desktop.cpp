@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <cstdlib>
 
 #include "desktop/current.h"
@@ -44,12 +45,8 @@ support::PrivateColord& LiveDesktop::colord() { return servers_->colord; }
 std::uint32_t LiveDesktop::display(const std::string& output) { return servers_->server.output(output).id; }
 
 void LiveDesktop::growDevices(long count) {
-  // As a colord keeps them of displays that were connected once.
-  for (; devices_ < count; ++devices_) {
-    const std::string number = std::to_string(devices_);
-    servers_->colord.registerDevice("absent-" + number,
-                                    {{"XRANDR_name", "ABSENT-" + number}, {"Model", "Model " + number}});
-  }
+  registerAbsentDisplays(servers_->colord, devices_, count);
+  devices_ = std::max(devices_, count);
 }
 
 void LiveDesktop::makeGrid(long count) {
@@ -63,6 +60,13 @@ void LiveDesktop::makeGrid(long count) {
                              std::to_string(kGridWidth * (i % kGridColumns)) + "+" +
                              std::to_string(kGridHeight * (i / kGridColumns));
     server.setMonitor("part-" + std::to_string(i), area, i == 0 ? "DUMMY0" : "none");
+  }
+}
+
+void registerAbsentDisplays(support::PrivateColord& colord, long present, long count) {
+  for (; present < count; ++present) {
+    const std::string number = std::to_string(present);
+    colord.registerDevice("absent-" + number, {{"XRANDR_name", "ABSENT-" + number}, {"Model", "Model " + number}});
   }
 }
 
