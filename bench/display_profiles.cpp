@@ -218,7 +218,7 @@ void addGrowthRows(const Suite& suite, LiveDesktop& live) {
   constexpr double kWalkLimit = 3e6;
   constexpr double kWalkGrowth = 1.3;
   constexpr double kAssignmentGrowth = 1.5;
-  constexpr const char* kFirst = "first GetProfilePath, bus time";
+  constexpr const char* kFirst = "first GetProfilePath: bus time";
   constexpr const char* kFew = "the same with 3 devices";
   constexpr Batches kWalks{.rounds = 101, .calls = 1};
   suite.add({kFirst, kLiveDisplays, "devices in colord", "3 ms", 1}, [=, &live]() -> Pair {

@@ -43,7 +43,9 @@ std::vector<AssignedProfile> assignedProfiles() {
     std::error_code unreadable;
     const fs::path file = fs::read_symlink(entry->path(), unreadable);
     g_autofree char* id = g_uri_unescape_string(entry->path().filename().c_str(), nullptr);
-    if (!unreadable && id != nullptr && fs::is_regular_file(file, unreadable)) {
+    const bool is_text = id != nullptr && g_utf8_validate(id, -1, nullptr) != FALSE &&
+                         g_utf8_validate(file.c_str(), -1, nullptr) != FALSE;
+    if (!unreadable && is_text && fs::is_regular_file(file, unreadable)) {
       found.push_back({id, file.string()});
     }
   }

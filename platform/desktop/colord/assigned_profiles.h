@@ -19,7 +19,7 @@ struct AssignedProfile {
   std::string file;  ///< its POSIX path
 };
 
-/// Those whose file exists.
+/// Those whose file exists, and whose names are UTF-8, as colord requires.
 std::vector<AssignedProfile> assignedProfiles();
 
 /// Adds to the list, in place of an older entry with the same identifier.

@@ -38,12 +38,19 @@ std::string profileIdFor(const std::string& file) {
 
 bool allPaths(const std::string& /*path*/) { return true; }
 
+/// The text with U+FFFD for what is not UTF-8, which D-Bus does not carry.
+std::string validText(const std::string& text) {
+  const std::unique_ptr<char, decltype(&g_free)> valid(g_utf8_make_valid(text.data(), static_cast<gssize>(text.size())),
+                                                       g_free);
+  return valid.get();
+}
+
 /// A dictionary of texts, floating.
 GVariant* dictionary(const std::vector<std::pair<std::string, std::string>>& entries) {
   GVariantBuilder builder;
   g_variant_builder_init(&builder, G_VARIANT_TYPE("a{ss}"));
   for (const auto& [name, value] : entries) {
-    g_variant_builder_add(&builder, "{ss}", name.c_str(), value.c_str());
+    g_variant_builder_add(&builder, "{ss}", name.c_str(), validText(value).c_str());
   }
   return g_variant_builder_end(&builder);
 }
@@ -84,7 +91,6 @@ bool ColordClient::connect(const Operation& operation) {
   connection_ = std::move(connection);
   signal_watch_ = g_dbus_connection_signal_subscribe(connection_.get(), kColordName, nullptr, nullptr, nullptr, nullptr,
                                                      G_DBUS_SIGNAL_FLAGS_NONE, announced, this, nullptr);
-  // The owner is reported before the reply to any call that follows.
   name_watch_ = g_bus_watch_name_on_connection(connection_.get(), kColordName, G_BUS_NAME_WATCHER_FLAGS_NONE, appeared,
                                                vanished, this, nullptr);
   return true;
@@ -206,13 +212,13 @@ ColordCall ColordClient::call(const Operation& operation, const char* method, GV
 
 std::optional<std::string> ColordClient::registerDevice(const Operation& operation,
                                                         const ColordRegistration& registration) {
-  const char* const id = registration.id.c_str();
-  const auto device =
-      call(operation, "CreateDevice", g_variant_new("(ss@a{ss})", id, kDiskScope, dictionary(registration.properties)))
-          .text(operation);
+  const std::string id = validText(registration.id);
+  const auto device = call(operation, "CreateDevice",
+                           g_variant_new("(ss@a{ss})", id.c_str(), kDiskScope, dictionary(registration.properties)))
+                          .text(operation);
   if (!device) {
     // Perhaps a session daemon has registered it meanwhile.
-    return call(operation, "FindDeviceById", g_variant_new("(s)", id)).text(operation);
+    return call(operation, "FindDeviceById", g_variant_new("(s)", id.c_str())).text(operation);
   }
   // colord's database stores every property that a device is created with except the kind. Without the kind, a
   // restarted colord does not list the device among the displays.
@@ -267,7 +273,7 @@ bool ColordClient::makeDefault(const Operation& operation, const std::string& de
 
 bool ColordClient::assign(const Operation& operation, const std::vector<Display>& displays, std::size_t display,
                           const std::string& file) {
-  const Devices known = devicesOf(operation, displays);
+  const Devices known = g_utf8_validate(file.c_str(), -1, nullptr) != FALSE ? devicesOf(operation, displays) : nullptr;
   if (!known) {
     return false;
   }

@@ -39,7 +39,7 @@ class ColordClient {
   Devices devicesOf(const Operation& operation, const std::vector<Display>& displays);
 
   /// Makes the file the default profile of the display's device, and registers the device first if it is unknown. False
-  /// when colord refuses or does not reply; a part of the work may then have been done.
+  /// when the path is not UTF-8, and when colord refuses or does not reply; a part of the work may then have been done.
   bool assign(const Operation& operation, const std::vector<Display>& displays, std::size_t display,
               const std::string& file);
 

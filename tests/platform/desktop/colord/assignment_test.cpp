@@ -114,6 +114,28 @@ TEST_F(ColordAssignment, RefusesFilesThatAreNotReadableDisplayProfiles) {
   EXPECT_THAT(colord_.colormgr({"get-profiles"}), Not(testing::HasSubstr(directory.string())));
 }
 
+TEST_F(ColordAssignment, RefusesAFileWhoseNameIsNotUtf8) {
+  EXPECT_FALSE(assign(colord_.copyOfProfile("AppleRGB.icc", "caf\xE9.icc")));
+  EXPECT_TRUE(assign(kApple));
+  expectDefault(kApple);
+}
+
+TEST_F(ColordAssignment, IgnoresRememberedNamesThatAreNotUtf8) {
+  const fs::path remembered = colord_.directory() / "user-state" / "ostrevin" / "assigned-profiles";
+  fs::create_directories(remembered);
+  fs::create_symlink(colord_.copyOfProfile("AppleRGB.icc", "caf\xE9.icc"), remembered / "file");
+  fs::create_symlink(kAdobe, remembered / "%E9");
+  EXPECT_TRUE(assign(kApple));
+  expectDefault(kApple);
+}
+
+TEST_F(ColordAssignment, RegistersAnUnregisteredDisplayWhoseConnectorIsNotUtf8) {
+  const Display other = makeDisplay(2, "DP-\xE9", {});
+  const ColordDevices devices = devicesFor({other});
+  EXPECT_TRUE(devices.assign(*other.uuid, kAdobe));
+  EXPECT_EQ(colord_.defaultProfileFile("xrandr-DP-\uFFFD"), kAdobe);
+}
+
 TEST_F(ColordAssignment, RefusesAnUnknownDevice) {
   EXPECT_FALSE(devices_.assign(Uuid{0xFF}, kAdobe));
   EXPECT_FALSE(devicesFor({}).assign(*display_.uuid, kAdobe));
