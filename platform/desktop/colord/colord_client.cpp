@@ -91,13 +91,13 @@ bool ColordClient::connect(const Operation& operation) {
   connection_ = std::move(connection);
   signal_watch_ = g_dbus_connection_signal_subscribe(connection_.get(), kColordName, nullptr, nullptr, nullptr, nullptr,
                                                      G_DBUS_SIGNAL_FLAGS_NONE, announced, this, nullptr);
-  name_watch_ = g_bus_watch_name_on_connection(connection_.get(), kColordName, G_BUS_NAME_WATCHER_FLAGS_NONE, appeared,
-                                               vanished, this, nullptr);
   return true;
 }
 
 void ColordClient::disconnect() {
-  g_bus_unwatch_name(name_watch_);
+  if (name_watch_ != 0) {
+    g_bus_unwatch_name(std::exchange(name_watch_, 0));
+  }
   g_dbus_connection_signal_unsubscribe(connection_.get(), signal_watch_);
   connection_.reset();
   owner_.clear();
@@ -132,18 +132,20 @@ void ColordClient::vanished(GDBusConnection*, const gchar*, gpointer data) {
 bool ColordClient::takeRestart() { return std::exchange(restarted_, false); }
 
 void ColordClient::restoreProfiles(const Operation& operation) {
-  if (!connect(operation) || owner_ == restored_owner_) {
-    return;
+  if (connect(operation) && owner_ != restored_owner_) {
+    restore(operation, assignedProfiles());
   }
+}
+
+void ColordClient::restore(const Operation& operation, const std::vector<AssignedProfile>& profiles) {
   const std::string owner = owner_;
-  std::vector<std::pair<AssignedProfile, ColordCall>> searches;
-  for (AssignedProfile& profile : assignedProfiles()) {
-    ColordCall search = call(operation, "FindProfileByFilename", g_variant_new("(s)", profile.file.c_str()));
-    searches.emplace_back(std::move(profile), std::move(search));
+  std::vector<ColordCall> searches;
+  for (const AssignedProfile& profile : profiles) {
+    searches.push_back(call(operation, "FindProfileByFilename", g_variant_new("(s)", profile.file.c_str())));
   }
-  for (const auto& [profile, search] : searches) {
-    if (!search.text(operation)) {
-      createProfile(operation, profile);
+  for (std::size_t i = 0; i < profiles.size(); ++i) {
+    if (!searches[i].text(operation)) {
+      createProfile(operation, profiles[i]);
     }
     if (operation.expired()) {
       return;
@@ -184,9 +186,6 @@ ColordClient::Devices ColordClient::read(const Operation& operation, const Devic
     if (!table_.isListed() && !list(operation)) {
       return nullptr;
     }
-    if (owner_ != restored_owner_) {
-      restoreProfiles(operation);
-    }
     if (!table_.current()) {
       table_.read(operation, connection_.get(), first);
     }
@@ -198,11 +197,22 @@ ColordClient::Devices ColordClient::read(const Operation& operation, const Devic
 }
 
 bool ColordClient::list(const Operation& operation) {
-  const auto paths = call(operation, "GetDevicesByKind", g_variant_new("(s)", kDisplayKind)).paths(operation);
+  const ColordCall listing = call(operation, "GetDevicesByKind", g_variant_new("(s)", kDisplayKind));
+  // What does not depend on the list is done while colord works on it.
+  if (name_watch_ == 0) {
+    name_watch_ = g_bus_watch_name_on_connection(connection_.get(), kColordName, G_BUS_NAME_WATCHER_FLAGS_NONE,
+                                                 appeared, vanished, this, nullptr);
+  }
+  const bool is_restored = owner_reported_ && owner_ == restored_owner_;
+  const auto profiles = is_restored ? std::nullopt : std::optional(assignedProfiles());
+  const auto paths = listing.paths(operation);
   if (!paths || !operation.waitUntil([this] { return owner_reported_; })) {
     return false;
   }
   table_.setList(*paths);
+  if (owner_ != restored_owner_) {
+    restore(operation, profiles ? *profiles : assignedProfiles());
+  }
   return true;
 }
 

@@ -63,7 +63,9 @@ class ColordClient {
   Devices readTwice(const Operation& operation, const DeviceTable::Choice& first, const Condition& enough);
   /// Reads the devices of `first`, and all if those are not enough.
   Devices read(const Operation& operation, const DeviceTable::Choice& first, const Condition& enough);
+  /// Restores the profiles too, if this colord does not have them yet.
   bool list(const Operation& operation);
+  void restore(const Operation& operation, const std::vector<AssignedProfile>& profiles);
   ColordCall call(const Operation& operation, const char* method, GVariant* arguments, GUnixFDList* files = nullptr);
 
   // An object path, or nullopt when colord refuses or does not reply.
@@ -73,7 +75,7 @@ class ColordClient {
   bool makeDefault(const Operation& operation, const std::string& device, const std::string& profile);
 
   ObjectRef<GDBusConnection> connection_;
-  guint name_watch_ = 0;
+  guint name_watch_ = 0;  ///< 0 before the first list()
   guint signal_watch_ = 0;
   bool owner_reported_ = false;
   std::string owner_;           ///< colord's unique name on the bus; empty while it does not run
