@@ -115,7 +115,7 @@ bool SetProfileForDisplay64(CFURLRef url, CFUUIDRef uuid) {
 }
 
 bool internal::isWideGamut(CGDirectDisplayID displayID) {
-  // Deliberately, no step is tested, which the three calls accept, and nothing that a step returned is released.
+  // Deliberately, no step is tested, as the three calls accept null, and nothing that a step returned is released.
   const CFURLRef url = ProfilePathForDisplay(displayID);
   const ColorSyncProfileRef profile = ColorSyncProfileCreateWithURL(url, nullptr);
   CGColorSpaceRef space = CGColorSpaceCreateWithPlatformColorSpace(profile);
