@@ -16,7 +16,7 @@ HOST_MEMBER       (REALPictureClearCache,                    "REALPictureClearCa
 HOST_MEMBER       (REALGetPictureMask,                       "REALGetPictureMask",                     As<REALobjectStruct*>)
 HOST_MEMBER       (REALCopyPictureCGImage,                   "REALCopyPictureCGImage",                 As<void*>)
 HOST_MEMBER_BESIDE(REALLockPictureDescription,               "REALLockPictureDescription",             TrueIfLowByte, (REALobjectStruct*, REALpictureDescription*))
-HOST_MEMBER       (REALLockPictureDescriptionWithNativeType, "lockPictureDescription",                 Word)
+HOST_EXACT        (REALLockPictureDescriptionWithNativeType, "lockPictureDescription",                 Word,          (REALobjectStruct* picture, REALpictureDescription* description), (picture, description))
 HOST_MEMBER       (REALUnlockPictureDescription,             "unlockPictureDescription",               Nothing)
 HOST_MEMBER       (REALDrawPicturePrimitive,                 "drawPicturePrimitive",                   Nothing)
 HOST_MEMBER       (REALGetPictureGraphics,                   "pluginPictureGraphicsGetter",            As<REALobjectStruct*>)

@@ -34,7 +34,7 @@ HOST_MEMBER       (REALDisposeStringData,       "PluginDisposeStringData",      
 HOST_MEMBER       (REALCopyStringCFString,      "REALGetStringCFString",        As<CFStringRef>)
 HOST_MEMBER       (REALCompareStrings,          "RuntimeStringCompare",         Word)
 HOST_MEMBER       (REALAddStrings,              "RuntimeAddString",             As<REALstringStruct*>)
-HOST_MEMBER       (REALCString,                 "StringGetCString",             As<const char*>)
+HOST_EXACT        (REALCString,                 "StringGetCString",             As<const char*>,         (REALstringStruct* string), (string))
 HOST_MEMBER       (REALPString,                 "StringGetPString",             As<const unsigned char*>)
 HOST_MEMBER       (REALstringToOSType,          "StringToOSType",               Word)
 

@@ -20,6 +20,7 @@ using array = REALarrayStruct*;
 using classref = REALclassRefStruct*;
 using text = const RuntimeText*;
 using module = REALmoduleDefinition*;
+using description = REALpictureDescription*;
 using pointer = void*;
 using cstring = const char*;
 using wstring = const wchar_t*;
