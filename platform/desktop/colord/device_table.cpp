@@ -101,8 +101,30 @@ void DeviceTable::setList(const std::vector<std::string>& paths) {
 void DeviceTable::read(const Operation& operation, GDBusConnection* connection, const Choice& wanted) {
   outdated_ = false;
   current_.reset();
-  readDevices(operation, connection, wanted);
-  readFiles(operation, connection);
+  Calls devices;
+  Calls files;
+  for (auto& [path, entry] : entries_) {
+    entry.wanted = entry.wanted || wanted(path);
+    if (entry.wanted && entry.outdated) {
+      // Before the reply: a signal that arrives ahead of it has the device read another time.
+      entry.outdated = false;
+      devices.emplace_back(path, ColordCall::getAll(operation, connection, path, kDeviceInterface));
+    } else if (entry.device) {
+      askForFiles(operation, connection, *entry.device, files);
+    }
+  }
+  for (const auto& [path, call] : devices) {
+    const Variant reply = call.reply(operation);
+    if (const ColordDevice* const device = takeDevice(path, reply)) {
+      askForFiles(operation, connection, *device, files);
+    }
+  }
+  for (const auto& [path, call] : files) {
+    std::optional<std::string> file = call.text(operation);
+    if (const auto entry = files_.find(path); entry != files_.end()) {
+      entry->second = std::move(file);
+    }
+  }
   if (operation.expired()) {
     clear();
     return;
@@ -113,49 +135,26 @@ void DeviceTable::read(const Operation& operation, GDBusConnection* connection, 
   }
 }
 
-void DeviceTable::readDevices(const Operation& operation, GDBusConnection* connection, const Choice& wanted) {
-  std::vector<std::pair<std::string, ColordCall>> calls;
-  for (auto& [path, entry] : entries_) {
-    entry.wanted = entry.wanted || wanted(path);
-    if (entry.wanted && entry.outdated) {
-      // Before the reply: a signal that arrives ahead of it has the device read another time.
-      entry.outdated = false;
-      calls.emplace_back(path, ColordCall::getAll(operation, connection, path, kDeviceInterface));
-    }
+const ColordDevice* DeviceTable::takeDevice(const std::string& path, const Variant& reply) {
+  const auto entry = entries_.find(path);
+  if (entry == entries_.end()) {
+    return nullptr;
   }
-  for (const auto& [path, call] : calls) {
-    const Variant reply = call.reply(operation);
-    const auto entry = entries_.find(path);
-    if (entry == entries_.end()) {
-      continue;
-    }
-    if (reply && g_variant_is_of_type(reply.get(), G_VARIANT_TYPE("(a{sv})")) != FALSE) {
-      const Variant properties(g_variant_get_child_value(reply.get(), 0));
-      entry->second.device = describe(path, properties.get());
-    } else {
-      entries_.erase(entry);
-    }
+  if (!reply || g_variant_is_of_type(reply.get(), G_VARIANT_TYPE("(a{sv})")) == FALSE) {
+    entries_.erase(entry);
+    return nullptr;
   }
+  const Variant properties(g_variant_get_child_value(reply.get(), 0));
+  return &entry->second.device.emplace(describe(path, properties.get()));
 }
 
-void DeviceTable::readFiles(const Operation& operation, GDBusConnection* connection) {
-  std::vector<std::pair<std::string, ColordCall>> calls;
-  for (const auto& [path, entry] : entries_) {
-    if (!entry.device) {
-      continue;
-    }
-    for (const ColordProfile& profile : entry.device->profiles) {
-      // In the map from now on, for a signal to erase.
-      if (files_.try_emplace(profile.object_path).second) {
-        calls.emplace_back(profile.object_path, ColordCall::get(operation, connection, profile.object_path,
-                                                                kProfileInterface, CD_PROFILE_PROPERTY_FILENAME));
-      }
-    }
-  }
-  for (const auto& [path, call] : calls) {
-    std::optional<std::string> file = call.text(operation);
-    if (const auto entry = files_.find(path); entry != files_.end()) {
-      entry->second = std::move(file);
+void DeviceTable::askForFiles(const Operation& operation, GDBusConnection* connection, const ColordDevice& device,
+                              Calls& calls) {
+  for (const ColordProfile& profile : device.profiles) {
+    // In the map from now on, for a signal to erase.
+    if (files_.try_emplace(profile.object_path).second) {
+      calls.emplace_back(profile.object_path, ColordCall::get(operation, connection, profile.object_path,
+                                                              kProfileInterface, CD_PROFILE_PROPERTY_FILENAME));
     }
   }
 }

@@ -1,5 +1,5 @@
 // DeviceTable: colord's display devices as far as they have been needed, each kept until colord announces a change of
-// it. A reading asks for what is missing, in one round trip for the devices and one for their profiles.
+// it. A reading asks for all devices that are missing at once, and for the profiles of each when it has arrived.
 //
 // For the operation's thread.
 #pragma once
@@ -9,6 +9,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "desktop/colord/colord_call.h"
@@ -50,9 +51,13 @@ class DeviceTable {
     std::optional<ColordDevice> device;  ///< without the files of its profiles; nullopt before it is read
   };
 
+  using Calls = std::vector<std::pair<std::string, ColordCall>>;  ///< by object path
+
   void outdate();
-  void readDevices(const Operation& operation, GDBusConnection* connection, const Choice& wanted);
-  void readFiles(const Operation& operation, GDBusConnection* connection);
+  /// Keeps the device that the reply describes, and returns it; null when it has disappeared.
+  const ColordDevice* takeDevice(const std::string& path, const Variant& reply);
+  /// Asks for the files of the profiles that are not in files_.
+  void askForFiles(const Operation& operation, GDBusConnection* connection, const ColordDevice& device, Calls& calls);
 
   bool listed_ = false;
   std::map<std::string, Entry> entries_;                     ///< by object path
