@@ -140,6 +140,7 @@ void ColordClient::restoreProfiles(const Operation& operation) {
 void ColordClient::restore(const Operation& operation, const std::vector<AssignedProfile>& profiles) {
   const std::string owner = owner_;
   std::vector<ColordCall> searches;
+  searches.reserve(profiles.size());
   for (const AssignedProfile& profile : profiles) {
     searches.push_back(call(operation, "FindProfileByFilename", g_variant_new("(s)", profile.file.c_str())));
   }
