@@ -89,10 +89,20 @@ bool TableReporter::ReportContext(const Context& context) {
   return true;
 }
 
+/// Why a run failed, or null. The library's members for it were renamed in version 1.8.
+template <typename Run>
+const std::string* failureOf(const Run& run) {
+  if constexpr (requires { run.error_occurred; }) {
+    return run.error_occurred ? &run.error_message : nullptr;
+  } else {
+    return run.skipped ? &run.skip_message : nullptr;
+  }
+}
+
 void TableReporter::ReportRuns(const std::vector<Run>& runs) {
   for (const Run& run : runs) {
-    if (run.error_occurred) {
-      GetErrorStream() << run.run_name.function_name << ": " << run.error_message << std::endl;
+    if (const std::string* const failure = failureOf(run)) {
+      GetErrorStream() << run.run_name.function_name << ": " << *failure << std::endl;
       ++failed_;
       continue;
     }
