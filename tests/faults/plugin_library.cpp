@@ -167,7 +167,7 @@ extern "C" __attribute__((visibility("default"))) IMP objc_msg_lookup(id receive
   const bool watched = caller >= faults::watched_begin.load(std::memory_order_relaxed) &&
                        caller < faults::watched_end.load(std::memory_order_relaxed);
   if (watched && faults::notes(selector)) {
-    return reinterpret_cast<IMP>(faults::returnResult);
+    return reinterpret_cast<IMP>(reinterpret_cast<void (*)()>(faults::returnResult));
   }
   return lookup(receiver, selector);
 }

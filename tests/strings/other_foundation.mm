@@ -49,6 +49,9 @@ namespace {
 
 BOOL returnNo(id /*self*/, SEL /*selector*/, SEL /*asked*/) { return NO; }
 id returnEmptyList(id /*self*/, SEL /*selector*/) { return [NSArray array]; }
+// By way of void (*)(), since compilers warn of other casts between signatures.
+const IMP kReturnNo = reinterpret_cast<IMP>(reinterpret_cast<void (*)()>(returnNo));
+const IMP kReturnEmptyList = reinterpret_cast<IMP>(reinterpret_cast<void (*)()>(returnEmptyList));
 
 void replaceRespondsWith(IMP implementation) {
   Method inherited = class_getClassMethod([NSObject class], @selector(instancesRespondToSelector:));
@@ -70,14 +73,12 @@ CFStringRef partOf(std::u16string_view units, std::size_t begin, std::size_t cou
 
 CFStringRef notingString(Notes& notes) { return (CFStringRef)[[[NotingString alloc] initWithNotes:notes] autorelease]; }
 
-WithoutVersionQuestion::WithoutVersionQuestion() { replaceRespondsWith(reinterpret_cast<IMP>(returnNo)); }
+WithoutVersionQuestion::WithoutVersionQuestion() { replaceRespondsWith(kReturnNo); }
 WithoutVersionQuestion::~WithoutVersionQuestion() { replaceRespondsWith(nullptr); }
 
 WithoutCodes::WithoutCodes()
-    : countries_(reinterpret_cast<void (*)()>(
-          method_setImplementation(countryCodes(), reinterpret_cast<IMP>(returnEmptyList)))),
-      languages_(reinterpret_cast<void (*)()>(
-          method_setImplementation(languageCodes(), reinterpret_cast<IMP>(returnEmptyList)))) {}
+    : countries_(reinterpret_cast<void (*)()>(method_setImplementation(countryCodes(), kReturnEmptyList))),
+      languages_(reinterpret_cast<void (*)()>(method_setImplementation(languageCodes(), kReturnEmptyList))) {}
 
 WithoutCodes::~WithoutCodes() {
   method_setImplementation(countryCodes(), reinterpret_cast<IMP>(countries_));

@@ -223,19 +223,25 @@ NSString* path(id self, SEL selector) {
 
 // --- replacing the methods
 
+/// An IMP stands for methods of every signature; compilers warn of casts that do not go by way of void (*)().
+template <typename To, typename From>
+To castMethod(From function) {
+  return reinterpret_cast<To>(reinterpret_cast<void (*)()>(function));
+}
+
 /// Replaces the method that `type` itself implements and returns the original.
 template <typename Function>
 Function replace(Class type, SEL selector, Function replacement) {
   Method method = class_getInstanceMethod(type, selector);
-  return reinterpret_cast<Function>(
-      class_replaceMethod(type, selector, reinterpret_cast<IMP>(replacement), method_getTypeEncoding(method)));
+  return castMethod<Function>(
+      class_replaceMethod(type, selector, castMethod<IMP>(replacement), method_getTypeEncoding(method)));
 }
 
 void doNothing(id, SEL) {}
 
 /// The run-time updates subclasses in use when a method is added, but not when one is replaced.
 void updateSubclasses(Class type) {
-  class_addMethod(type, sel_registerName("platformHasReplacedMethods"), reinterpret_cast<IMP>(doNothing), "v16@0:8");
+  class_addMethod(type, sel_registerName("platformHasReplacedMethods"), castMethod<IMP>(doNothing), "v16@0:8");
 }
 
 void replaceStringMethods() {
