@@ -15,11 +15,16 @@ if(APPLE)
 endif()
 
 # The Objective-C runtime's headers are the GCC compiler's; searched last, so that clang's own headers come first.
-file(GLOB objc_runtime_dirs /usr/lib/gcc/*/*/include)
+file(GLOB objc_runtime_dirs ${CMAKE_SYSROOT}/usr/lib/gcc/*/*/include)
 find_path(OBJC_RUNTIME_INCLUDE_DIR objc/objc.h HINTS ${objc_runtime_dirs} REQUIRED)
-find_path(FOUNDATION_INCLUDE_DIR Foundation/Foundation.h PATHS /usr/include/GNUstep REQUIRED)
+# gnustep-config knows this system's folders, not those of a system that is built for.
+if(NOT CMAKE_CROSSCOMPILING)
+  execute_process(COMMAND gnustep-config --variable=GNUSTEP_SYSTEM_HEADERS
+    OUTPUT_VARIABLE foundation_headers OUTPUT_STRIP_TRAILING_WHITESPACE ERROR_QUIET)
+endif()
+find_path(FOUNDATION_INCLUDE_DIR Foundation/Foundation.h HINTS ${foundation_headers} PATH_SUFFIXES GNUstep REQUIRED)
 find_library(FOUNDATION_LIBRARY gnustep-base REQUIRED)
-file(GLOB objc_library_dirs /usr/lib/gcc/*/*)
+file(GLOB objc_library_dirs ${CMAKE_SYSROOT}/usr/lib/gcc/*/*)
 find_library(OBJC_LIBRARY objc HINTS ${objc_library_dirs} REQUIRED)
 
 add_library(ostrevin_foundation INTERFACE)
