@@ -108,7 +108,7 @@ class Builder {
   }
 
   bool parse_error(std::size_t, const std::string&, const std::exception& error) {
-    throw Error(position_.token_line, reasonOf(error.what()));
+    throw Error(position_.token_line, "invalid JSON: " + reasonOf(error.what()));
   }
 
   Value take() { return std::move(root_); }

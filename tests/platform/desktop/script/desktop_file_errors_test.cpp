@@ -54,19 +54,19 @@ TEST(DesktopFileError, DoesNotWaitForTheWriterOfAPipe) {
 }
 
 TEST(DesktopFileError, NamesTheLineOfASyntaxError) {
-  EXPECT_THAT(errorIn(""), StartsWith("1: syntax error"));
-  EXPECT_THAT(errorIn("{\n\n\"displays\": [,]\n}"), StartsWith("3: syntax error"));
-  EXPECT_THAT(errorIn("{\"displays\": [\n1\n2]}"), StartsWith("3: syntax error"));
-  EXPECT_THAT(errorIn("{}\n{}"), StartsWith("2: syntax error"));
-  EXPECT_THAT(errorIn("{\n\"displays\""), StartsWith("2: syntax error"));
-  EXPECT_THAT(errorIn("{\n\"a\xFF\": 1}"), StartsWith("2: syntax error"));
-  EXPECT_THAT(errorIn("{\"a\": \"\x1B[2J\"}"), StartsWith("1: syntax error"));
+  EXPECT_THAT(errorIn(""), StartsWith("1: invalid JSON: "));
+  EXPECT_THAT(errorIn("{\n\n\"displays\": [,]\n}"), StartsWith("3: invalid JSON: "));
+  EXPECT_THAT(errorIn("{\"displays\": [\n1\n2]}"), StartsWith("3: invalid JSON: "));
+  EXPECT_THAT(errorIn("{}\n{}"), StartsWith("2: invalid JSON: "));
+  EXPECT_THAT(errorIn("{\n\"displays\""), StartsWith("2: invalid JSON: "));
+  EXPECT_THAT(errorIn("{\n\"a\xFF\": 1}"), StartsWith("2: invalid JSON: "));
+  EXPECT_THAT(errorIn("{\"a\": \"\x1B[2J\"}"), StartsWith("1: invalid JSON: "));
 }
 
 TEST(DesktopFileError, RejectsNumbersThatAreNotFinite) {
-  EXPECT_THAT(errorIn("{\"screens\": [{\"scale\":\nNaN}]}"), StartsWith("2: syntax error"));
-  EXPECT_THAT(errorIn("{\"screens\": [{\"scale\":\nInfinity}]}"), StartsWith("2: syntax error"));
-  EXPECT_THAT(errorIn("{\"screens\": [{\"scale\":\n1e999}]}"), StartsWith("2: number overflow"));
+  EXPECT_THAT(errorIn("{\"screens\": [{\"scale\":\nNaN}]}"), StartsWith("2: invalid JSON: "));
+  EXPECT_THAT(errorIn("{\"screens\": [{\"scale\":\nInfinity}]}"), StartsWith("2: invalid JSON: "));
+  EXPECT_THAT(errorIn("{\"screens\": [{\"scale\":\n1e999}]}"), StartsWith("2: invalid JSON: "));
 }
 
 TEST(DesktopFileError, NamesTheLineAndTypeOfAWrongValue) {
@@ -159,7 +159,7 @@ TEST(DesktopFileError, IsASyntaxErrorForEveryTruncation) {
   const std::size_t end = whole.rfind('}');
   ASSERT_NE(end, std::string::npos);
   for (std::size_t length = 0; length <= end; length += 7) {
-    EXPECT_THAT(errorIn(whole.substr(0, length)), HasSubstr(": syntax error")) << length;
+    EXPECT_THAT(errorIn(whole.substr(0, length)), HasSubstr(": invalid JSON: ")) << length;
   }
 }
 
