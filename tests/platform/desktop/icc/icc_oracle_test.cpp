@@ -144,7 +144,7 @@ TEST(InstalledProfiles, HaveTheTagsThatLcmsSees) {
 
 /// The tag table that iccdump prints for a file; nothing for a profile of version 4, which it does not read.
 std::vector<IccTag> tagsOfIccdump(const std::string& file) {
-  std::istringstream lines(support::run({ICCDUMP, "-v1", file}).output);
+  std::istringstream lines(support::run({"iccdump", "-v1", file}).output);
   std::vector<IccTag> tags;
   for (std::string line; std::getline(lines, line);) {
     IccTag* const last = tags.empty() ? nullptr : &tags.back();
