@@ -1,5 +1,7 @@
 #include "desktop/icc/icc_profile.h"
 
+#include <fcntl.h>
+
 #include <algorithm>
 #include <cstring>
 
@@ -39,8 +41,8 @@ bool readWhole(const RegularFile& file, std::uint64_t offset, void* target, std:
 
 }  // namespace
 
-std::optional<IccProfile> IccProfile::open(const std::string& path) {
-  const RegularFile file(path);
+std::optional<IccProfile> IccProfile::open(const std::string& path, bool is_regular) {
+  const RegularFile file = is_regular ? RegularFile(AT_FDCWD, path.c_str()) : RegularFile(path);
   IccProfile profile;
   if (!file || !profile.load(file, kKeptSize)) {
     return std::nullopt;

@@ -61,7 +61,9 @@ class PLATFORM_API IccProfile {
 
   /// Nothing unless `path` leads to a readable profile. No file stays open. The file's first kKeptSize bytes are read
   /// once; what lies behind them is read from the file when it is asked for, if the file is still in the same state.
-  static std::optional<IccProfile> open(const std::string& path);
+  /// `is_regular`: the caller has seen a regular file at the path, so that it is opened without another look; should it
+  /// have become a device since, opening it may have effects, and it is refused all the same.
+  static std::optional<IccProfile> open(const std::string& path, bool is_regular = false);
   /// Of a file that outlives the profile; nothing when it is not a profile.
   static std::optional<IccProfile> of(const RegularFile& file);
 

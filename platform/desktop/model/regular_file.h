@@ -36,7 +36,7 @@ class PLATFORM_API RegularFile {
   /// Follows symbolic links. Where the file cannot be opened, errno gives the reason; it is 0 for a file of another
   /// kind.
   explicit RegularFile(const std::string& path);
-  /// The same for a name in an open directory that the caller has just seen to be a regular file.
+  /// The same for a name in an open directory (or AT_FDCWD) that the caller has seen to be a regular file.
   RegularFile(int directory, const char* name);
   ~RegularFile();
   RegularFile(const RegularFile&) = delete;

@@ -18,8 +18,8 @@
   std::uint32_t _signature;
   NSData* _element;
 }
-/// Null when the file cannot be read as a profile.
-- (instancetype)initWithPath:(const std::string&)path;
+/// Null when the file cannot be read as a profile. See IccProfile::open.
+- (instancetype)initWithPath:(const std::string&)path isRegularFile:(BOOL)isRegularFile;
 - (const platform::desktop::IccProfile&)reader;
 /// The tag's element. Successive copies of one tag are the same immutable object. The caller releases; null when there
 /// is no such tag, or when it lies behind what the reader keeps and the file has changed since it was opened.

@@ -29,10 +29,10 @@ void* allocate(std::size_t size) {
 
 @implementation PlatformColorProfile
 
-- (instancetype)initWithPath:(const std::string&)path {
+- (instancetype)initWithPath:(const std::string&)path isRegularFile:(BOOL)isRegularFile {
   self = [super init];
   if (self != nil) {
-    std::optional<IccProfile> profile = IccProfile::open(path);
+    std::optional<IccProfile> profile = IccProfile::open(path, isRegularFile);
     if (!profile) {
       [self release];
       return nil;
@@ -67,7 +67,8 @@ void* allocate(std::size_t size) {
   }
   [_element release];
   // The data takes over the memory: the file's bytes are copied once.
-  _element = [[NSData alloc] initWithBytesNoCopy:bytes length:tag->size freeWhenDone:YES];
+  static const Class data_class = [NSData class];
+  _element = [[data_class alloc] initWithBytesNoCopy:bytes length:tag->size freeWhenDone:YES];
   _signature = signature;
   return [_element retain];
 }

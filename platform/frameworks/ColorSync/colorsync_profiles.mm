@@ -125,8 +125,9 @@ class EntryWalk {
 
 /// Empty unless it is a file URL with a path that the system can open.
 std::string pathOf(CFURLRef reference) {
+  static const Class url_class = [NSURL class];
   auto* const url = (NSURL*)reference;
-  if (![url isKindOfClass:[NSURL class]] || ![url isFileURL]) {
+  if (![url isKindOfClass:url_class] || ![url isFileURL]) {
     return {};
   }
   NSString* const path = [url copyPlatformPath];
@@ -138,14 +139,15 @@ std::string pathOf(CFURLRef reference) {
 
 /// Nothing unless the signature is four ASCII characters.
 std::optional<std::uint32_t> signatureOf(CFStringRef reference) {
-  constexpr NSUInteger kLength = 4;
+  static const Class string_class = [NSString class];
+  std::array<unichar, 4> characters;
   auto* const text = (NSString*)reference;
-  if (![text isKindOfClass:[NSString class]] || [text length] != kLength) {
+  if (![text isKindOfClass:string_class] || [text length] != characters.size()) {
     return std::nullopt;
   }
+  [text getCharacters:characters.data() range:NSMakeRange(0, characters.size())];
   std::uint32_t signature = 0;
-  for (NSUInteger i = 0; i < kLength; ++i) {
-    const unichar character = [text characterAtIndex:i];
+  for (const unichar character : characters) {
     if (character >= 0x80) {
       return std::nullopt;
     }
@@ -185,7 +187,9 @@ ColorSyncProfileRef ColorSyncProfileCreateWithURL(CFURLRef url, CFErrorRef*) {
   if (path.empty()) {
     return nullptr;
   }
-  return reinterpret_cast<ColorSyncProfileRef>([[PlatformColorProfile alloc] initWithPath:path]);
+  static const Class profile_class = [PlatformColorProfile class];
+  return reinterpret_cast<ColorSyncProfileRef>(
+      [[profile_class alloc] initWithPath:path isRegularFile:[(NSURL*)url platformSawRegularFile]]);
 }
 
 CFDataRef ColorSyncProfileCopyTag(ColorSyncProfileRef profile, CFStringRef signature) {
@@ -195,9 +199,10 @@ CFDataRef ColorSyncProfileCopyTag(ColorSyncProfileRef profile, CFStringRef signa
   if (profile == nullptr || signature == nullptr) {
     return nullptr;
   }
+  static const Class profile_class = [PlatformColorProfile class];
   auto* const opened = (PlatformColorProfile*)profile;
   const std::optional<std::uint32_t> wanted = signatureOf(signature);
-  if (!wanted || ![opened isKindOfClass:[PlatformColorProfile class]]) {
+  if (!wanted || ![opened isKindOfClass:profile_class]) {
     return nullptr;
   }
   return reinterpret_cast<CFDataRef>([opened copyElement:*wanted]);

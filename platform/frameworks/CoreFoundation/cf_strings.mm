@@ -3,6 +3,7 @@
 
 #import <Foundation/Foundation.h>
 
+#include <cstddef>
 #include <cstring>
 #include <limits>
 #include <mutex>
@@ -10,6 +11,7 @@
 #include <unordered_map>
 
 #include "frameworks/Foundation/autorelease_pool.h"
+#include "frameworks/Foundation/utf8_objects.h"
 #include "frameworks/hooks/calls.h"
 #include "frameworks/hooks/injected_objects.h"
 
@@ -87,13 +89,7 @@ Boolean CFStringGetCString(CFStringRef string, char* buffer, CFIndex bufferSize,
   if (buffer == nullptr || bufferSize <= 0 || encoding != kCFStringEncodingUTF8) {
     return false;
   }
-  // Fast path: UTF-8 of as many bytes as the string has UTF-16 units is ASCII, which is complete and correct.
-  const NSUInteger length = [(NSString*)string length];
-  if (length < static_cast<NSUInteger>(bufferSize) &&
-      [(NSString*)string getCString:buffer
-                          maxLength:static_cast<NSUInteger>(bufferSize)
-                           encoding:NSUTF8StringEncoding] &&
-      std::strlen(buffer) == length) {
+  if (platform::copyAscii((NSString*)string, buffer, static_cast<std::size_t>(bufferSize))) {
     return true;
   }
   const ScopedPool pool;

@@ -143,21 +143,21 @@ NSString* absolutePath(NSString* path) {
 
 bool endsInSlash(NSString* path) { return [path length] > 0 && [path characterAtIndex:[path length] - 1] == '/'; }
 
-bool isExistingDirectory(const char* path) {
-  struct stat status {};
-  return stat(path, &status) == 0 && S_ISDIR(status.st_mode);
-}
-
 /// The path itself decides when the caller does not.
 id initFileUrl(id self, NSString* path, std::optional<bool> said_directory) {
-  const char* const utf8 = [path UTF8String];
+  char ascii[PATH_MAX];  // without what UTF8String autoreleases
+  const bool is_ascii = platform::copyAscii(path, ascii, sizeof ascii);
+  const char* const utf8 = is_ascii ? ascii : [path UTF8String];
   if (utf8 == nullptr) {  // a path with a lone surrogate names nothing
     [self release];
     return nil;
   }
-  const bool is_directory = said_directory ? *said_directory : endsInSlash(path) || isExistingDirectory(utf8);
-  if (!is_directory && [self class] == [NSURL class]) {
-    if (NSURL* const plain = platform::newPlainFileUrl(utf8, path)) {
+  struct stat status {};
+  const bool exists = !said_directory && !endsInSlash(path) && stat(utf8, &status) == 0;
+  const bool is_directory = said_directory ? *said_directory : endsInSlash(path) || (exists && S_ISDIR(status.st_mode));
+  static const Class url_class = [NSURL class];
+  if (!is_directory && is_ascii && [self class] == url_class) {
+    if (NSURL* const plain = platform::newPlainFileUrl(utf8, exists && S_ISREG(status.st_mode))) {
       [self release];
       return plain;
     }

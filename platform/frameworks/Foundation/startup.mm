@@ -19,7 +19,10 @@ id platform_allocator CONSTANT(kCFAllocatorDefault) = nil;
 id platform_true CONSTANT(kCFBooleanTrue) = nil;
 id platform_false CONSTANT(kCFBooleanFalse) = nil;
 
-void* objc_autoreleasePoolPush(void) { return [[NSAutoreleasePool alloc] init]; }
+void* objc_autoreleasePoolPush(void) {
+  static const Class type = [NSAutoreleasePool class];  // once: looking it up costs as much as the pool
+  return [[type alloc] init];
+}
 
 void objc_autoreleasePoolPop(void* pool) { [static_cast<NSAutoreleasePool*>(pool) release]; }
 
