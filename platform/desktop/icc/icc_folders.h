@@ -34,7 +34,7 @@ class PLATFORM_API IccFolders {
   /// come last, and a link to what has been visited is ignored: a file is listed once however many links lead to it,
   /// under its own path when that lies in the folders, and a loop ends.
   ///
-  /// A profile's description is in the user's language. An entry keeps its id while its file is unchanged.
+  /// A profile's description is in the user's language. An entry keeps its slot while its file is unchanged.
   void visit(const InstalledProfileVisitor& visit);
 
  private:

@@ -6,7 +6,6 @@
 #include <sys/stat.h>
 
 #include <algorithm>
-#include <atomic>
 #include <ctime>
 #include <string_view>
 
@@ -196,7 +195,6 @@ void IccWalk::visitFiles(std::shared_ptr<const KnownFolder> folder, int director
 /// Reads the file, and returns its profile also when `file` does not keep it.
 std::shared_ptr<const InstalledProfile> IccWalk::readFile(int directory, const std::string& path,
                                                           KnownFile& file) const {
-  static std::atomic<std::uint64_t> last_id = 0;
   file = {.name = std::move(file.name), .is_regular = file.is_regular};
   if (!file.is_regular) {
     return nullptr;
@@ -220,7 +218,7 @@ std::shared_ptr<const InstalledProfile> IccWalk::readFile(int directory, const s
   }
   file.is_kept = file.is_kept && profile->description.value_or("").size() <= kMaxDescription;
   if (file.is_kept) {
-    profile->id = ++last_id;
+    profile->slot = std::make_shared<CacheSlot>();
     file.profile = profile;
   }
   return profile;

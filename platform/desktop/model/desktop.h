@@ -5,6 +5,7 @@
 #pragma once
 
 #include <array>
+#include <atomic>
 #include <cstdint>
 #include <functional>
 #include <memory>
@@ -74,12 +75,48 @@ struct DeviceProfile {
 /// The device class of displays.
 inline constexpr const char* kDisplayDeviceClass = "mntr";
 
+/// Holds an object that a framework makes of an entry, from the first store until the slot's own end. Any thread may
+/// call any function, several at once.
+class CacheSlot {
+ public:
+  using Release = void (*)(const void* object);
+
+  CacheSlot() = default;
+  CacheSlot(const CacheSlot&) = delete;
+  CacheSlot& operator=(const CacheSlot&) = delete;
+  ~CacheSlot() {
+    if (const void* const object = get()) {
+      release_.load(std::memory_order_relaxed)(object);
+    }
+  }
+
+  /// Borrowed; null before the first store.
+  const void* get() const { return object_.load(std::memory_order_acquire); }
+
+  /// Takes over the object, which is not null, or releases it when there is one already; returns the one that stays,
+  /// borrowed. `release` is the same function in all calls.
+  const void* store(const void* object, Release release) {
+    release_.store(release, std::memory_order_relaxed);
+    const void* before = nullptr;
+    if (object_.compare_exchange_strong(before, object, std::memory_order_acq_rel)) {
+      return object;
+    }
+    release(object);
+    return before;
+  }
+
+ private:
+  std::atomic<const void*> object_ = nullptr;
+  std::atomic<Release> release_ = nullptr;
+};
+
 struct InstalledProfile {
   std::optional<std::string> profile_class;  ///< the four characters of the class signature, such as "mntr"
   std::optional<std::string> description;
   std::optional<std::string> path;
-  /// Stands for this entry in all walks of this process while it is unchanged; 0 when the desktop does not remember it.
-  std::uint64_t id = 0;
+  /// For what is made of this entry; the same in every walk while the entry is unchanged. Null when the desktop does
+  /// not remember it.
+  std::shared_ptr<CacheSlot> slot = nullptr;
 };
 
 /// A visitor returns false to end the walk.

@@ -3,16 +3,11 @@
 
 #import <Foundation/Foundation.h>
 
-#include <algorithm>
 #include <array>
 #include <climits>
 #include <cstdint>
-#include <memory>
-#include <mutex>
 #include <optional>
 #include <string>
-#include <utility>
-#include <vector>
 
 #include "desktop/current.h"
 #include "desktop/icc/icc_profile.h"
@@ -49,79 +44,27 @@ NSDictionary* newEntry(const InstalledProfile& profile) {
   return [[PlatformProfileEntry alloc] initWithClass:profile_class description:description url:url];
 }
 
-/// What one walk has shown, kept for the next: making an entry takes longer than finding its file unchanged.
-struct ShownEntries {
-  using ById = std::vector<std::pair<std::uint64_t, NSDictionary*>>;
+void releaseEntry(const void* entry) {
+  const ScopedPool pool;
+  [static_cast<id>(const_cast<void*>(entry)) release];
+}
 
-  ShownEntries() = default;
-  ShownEntries(const ShownEntries&) = delete;
-  ShownEntries& operator=(const ShownEntries&) = delete;
-  ~ShownEntries() {
-    for (const auto& [id, entry] : by_id) {
-      [entry release];
-    }
-  }
-
-  ById by_id;  ///< in ascending order of ids, with a reference to each entry
-};
-
-/// The entries of one walk, on one thread.
-class EntryWalk {
- public:
-  EntryWalk() : last_(exchange(nullptr, false)), shown_(std::make_shared<ShownEntries>()) {}
-  EntryWalk(const EntryWalk&) = delete;
-  EntryWalk& operator=(const EntryWalk&) = delete;
-  ~EntryWalk() {
-    if (!std::is_sorted(shown_->by_id.begin(), shown_->by_id.end())) {
-      std::sort(shown_->by_id.begin(), shown_->by_id.end());
-    }
-    exchange(shown_, true);
-  }
-
-  template <typename Look>
-  bool show(const InstalledProfile& profile, Look look) {
-    NSDictionary* entry = [find(profile.id) retain];
-    if (entry == nil) {
-      entry = newEntry(profile);
-    }
+/// Passes the profile's entry to `look` and returns its result. The profile keeps the entry for the next walk where it
+/// has a place: making an entry takes longer than finding its file unchanged.
+template <typename Look>
+bool showEntry(const InstalledProfile& profile, Look look) {
+  if (profile.slot == nullptr) {
+    NSDictionary* const entry = newEntry(profile);
     const bool goes_on = look(reinterpret_cast<CFDictionaryRef>(entry));
-    if (profile.id != 0) {
-      shown_->by_id.emplace_back(profile.id, entry);
-    } else {
-      [entry release];
-    }
+    [entry release];
     return goes_on;
   }
-
- private:
-  using Shared = std::shared_ptr<ShownEntries>;
-
-  /// The last walk's entries, which `next` replaces.
-  static Shared exchange(Shared next, bool replaces) {
-    static auto* const mutex = new std::mutex;
-    static auto* const last = new Shared(std::make_shared<ShownEntries>());
-    const std::lock_guard lock(*mutex);
-    Shared before = *last;
-    if (replaces) {
-      *last = std::move(next);
-    }
-    return before;
+  const void* entry = profile.slot->get();
+  if (entry == nullptr) {
+    entry = profile.slot->store(newEntry(profile), releaseEntry);
   }
-
-  /// Borrowed, or null. Mostly the entry after the one found last.
-  NSDictionary* find(std::uint64_t wanted) {
-    const ShownEntries::ById& entries = last_->by_id;
-    if (next_ == entries.size() || entries[next_].first != wanted) {
-      const auto found = std::lower_bound(entries.begin(), entries.end(), std::pair(wanted, (NSDictionary*)nil));
-      next_ = static_cast<std::size_t>(found - entries.begin());
-    }
-    return next_ < entries.size() && entries[next_].first == wanted ? entries[next_++].second : nil;
-  }
-
-  const Shared last_;
-  const Shared shown_;
-  std::size_t next_ = 0;  ///< index into last_
-};
+  return look(static_cast<CFDictionaryRef>(entry));
+}
 
 /// Empty unless it is a file URL with a path that the system can open.
 std::string pathOf(CFURLRef reference) {
@@ -167,9 +110,8 @@ void ColorSyncIterateInstalledProfiles(ColorSyncProfileIterateCallback callBack,
   if (fault.fail || callBack == nullptr) {
     return;
   }
-  EntryWalk entries;
   platform::desktop::current()->visitInstalledProfiles([&](const InstalledProfile& profile) {
-    return entries.show(profile, [&](CFDictionaryRef entry) {
+    return showEntry(profile, [&](CFDictionaryRef entry) {
       return platform::showEntry(fault.edit, entry, [=](CFDictionaryRef shown) { return callBack(shown, userInfo); });
     });
   });

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cstring>
-#include <string>
 
 #include "frameworks/Foundation/autorelease_pool.h"
 
@@ -29,13 +28,15 @@ bool isAscii(std::string_view text) {
   return std::all_of(text.begin(), text.end(), [](unsigned char c) { return c != 0 && c < 0x80; });
 }
 
-NSString* newAsciiString(std::string_view text) {
+/// `start` and `rest` as one string.
+NSString* newAsciiString(std::string_view start, std::string_view rest = {}) {
   static const Class type = [PlatformAsciiString class];
-  // Without init: that of NSString makes another string.
-  auto* const string = (PlatformAsciiString*)NSAllocateObject(type, text.size() + 1, nullptr);
-  string->_length = text.size();
+  const std::size_t length = start.size() + rest.size();
+  // Without init: that of NSString makes another string. The memory comes cleared, so the text ends in a NUL.
+  auto* const string = (PlatformAsciiString*)NSAllocateObject(type, length + 1, nullptr);
+  string->_length = length;
   string->_text = reinterpret_cast<char*>(string) + class_getInstanceSize(type);
-  std::copy(text.begin(), text.end(), string->_text);  // NSAllocateObject has cleared the rest
+  std::copy(rest.begin(), rest.end(), std::copy(start.begin(), start.end(), string->_text));
   return string;
 }
 
@@ -154,7 +155,7 @@ NSURL* newPlainFileUrl(std::string_view path, bool saw_regular_file) {
   }
   // The URL that Foundation would make, in a tenth of the time.
   static const Class type = [PlatformFileURL class];
-  NSString* const url_text = newAsciiString("file://" + std::string(path));
+  NSString* const url_text = newAsciiString("file://", path);
   NSString* const path_text = newAsciiString(path);
   NSURL* const url = [[type alloc] initWithString:url_text path:path_text sawRegularFile:saw_regular_file];
   [path_text release];

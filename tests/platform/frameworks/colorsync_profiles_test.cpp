@@ -9,6 +9,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "desktop/current.h"
@@ -22,6 +23,7 @@ namespace {
 
 using platform::calls::Call;
 using platform::calls::Fault;
+using platform::desktop::CacheSlot;
 using platform::desktop::InstalledProfile;
 using support::IccMaker;
 using support::TemporaryFolder;
@@ -158,6 +160,57 @@ TEST(IterateInstalledProfiles, ShowsEntriesThatMayOutliveTheWalk) {
   EXPECT_EQ(text(CFDictionaryGetValue(kept, kColorSyncProfileDescription)), "Screen");
   EXPECT_EQ(CFGetRetainCount(kept), 1);
   CFRelease(kept);
+}
+
+const void* firstEntry() {
+  const void* first = nullptr;
+  ColorSyncIterateInstalledProfiles(
+      [](CFDictionaryRef info, void* user) {
+        *static_cast<const void**>(user) = info;
+        return false;
+      },
+      nullptr, &first, nullptr);
+  return first;
+}
+
+TEST(IterateInstalledProfiles, ShowsTheSameObjectInEachWalkForAProfileWithASlot) {
+  InstalledProfile profile = entry("mntr", "Screen", "/a.icc");
+  profile.slot = std::make_shared<CacheSlot>();
+  const auto session = sessionWith({profile});
+  const void* const first = firstEntry();
+  EXPECT_EQ(first, profile.slot->get());
+  EXPECT_EQ(firstEntry(), first);
+  EXPECT_EQ(CFGetRetainCount(first), 1);
+}
+
+TEST(IterateInstalledProfiles, ShowsAsciiTextThatEqualsOtherStrings) {
+  const auto session = sessionWith({entry("prtr", "Screen", "/a.icc")});
+  const Owned<CFStringRef> same = string("Screen");
+  const Owned<CFStringRef> other = string("Scream");
+  struct Equal {
+    CFStringRef text;
+    bool forth = false;
+    bool back = false;
+  };
+  const auto equal = [](CFStringRef text) {
+    Equal result{text};
+    ColorSyncIterateInstalledProfiles(
+        [](CFDictionaryRef info, void* user) {
+          auto& result = *static_cast<Equal*>(user);
+          const void* const description = CFDictionaryGetValue(info, kColorSyncProfileDescription);
+          const Owned<CFMutableDictionaryRef> keyed(
+              CFDictionaryCreateMutable(nullptr, 0, &kCFTypeDictionaryKeyCallBacks, &kCFTypeDictionaryValueCallBacks));
+          CFDictionarySetValue(keyed.get(), description, kCFBooleanTrue);
+          result.forth = CFEqual(description, result.text) != 0;
+          result.back =
+              CFEqual(result.text, description) != 0 && CFDictionaryGetValue(keyed.get(), result.text) != nullptr;
+          return true;
+        },
+        nullptr, &result, nullptr);
+    return std::pair(result.forth, result.back);
+  };
+  EXPECT_EQ(equal(same.get()), std::pair(true, true));
+  EXPECT_EQ(equal(other.get()), std::pair(false, false));
 }
 
 TEST(IterateInstalledProfiles, SeesFilesComeChangeAndGo) {

@@ -21,6 +21,7 @@
 
 namespace {
 
+using platform::desktop::CacheSlot;
 using platform::desktop::FileIdentity;
 using platform::desktop::FileTime;
 using platform::desktop::IccFolders;
@@ -39,7 +40,9 @@ using testing::AllOf;
 using testing::Contains;
 using testing::ElementsAre;
 using testing::IsEmpty;
+using testing::IsNull;
 using testing::Ne;
+using testing::NotNull;
 using testing::Pair;
 
 /// "PATH below the folder: DESCRIPTION" of each entry, in the order of the visits.
@@ -282,38 +285,38 @@ class RememberedFolders : public testing::Test {
     EXPECT_THAT(list(), ElementsAre("a.icc: A", "b.icc: B"));
   }
   std::vector<std::string> list() { return listOf(folders_, base_); }
-  std::map<std::string, std::uint64_t> ids() {
-    std::map<std::string, std::uint64_t> ids;
+  std::map<std::string, std::shared_ptr<CacheSlot>> slots() {
+    std::map<std::string, std::shared_ptr<CacheSlot>> slots;
     folders_.visit([&](const InstalledProfile& entry) {
-      ids[entry.path->substr(base_.path().size() + 1)] = entry.id;
+      slots[entry.path->substr(base_.path().size() + 1)] = entry.slot;
       return true;
     });
-    return ids;
+    return slots;
   }
 
   TemporaryFolder base_;
   IccFolders folders_{{base_.path()}};
 };
 
-TEST_F(RememberedFolders, KeepTheIdOfAnUnchangedFile) {
-  const auto before = ids();
-  EXPECT_THAT(before, ElementsAre(Pair("a.icc", Ne(0U)), Pair("b.icc", Ne(0U))));
+TEST_F(RememberedFolders, KeepTheSlotOfAnUnchangedFile) {
+  const auto before = slots();
+  EXPECT_THAT(before, ElementsAre(Pair("a.icc", NotNull()), Pair("b.icc", NotNull())));
   EXPECT_NE(before.at("a.icc"), before.at("b.icc"));
-  EXPECT_EQ(ids(), before);
+  EXPECT_EQ(slots(), before);
 }
 
-TEST_F(RememberedFolders, ChangeTheIdWithTheFile) {
-  const auto before = ids();
+TEST_F(RememberedFolders, ChangeTheSlotWithTheFile) {
+  const auto before = slots();
   letTheClockTick(base_.write("a.icc", displayProfile("A")));
-  const auto after = ids();
-  EXPECT_THAT(after.at("a.icc"), AllOf(Ne(0U), Ne(before.at("a.icc"))));
+  const auto after = slots();
+  EXPECT_THAT(after.at("a.icc"), AllOf(NotNull(), Ne(before.at("a.icc"))));
   EXPECT_EQ(after.at("b.icc"), before.at("b.icc"));
 }
 
-TEST_F(RememberedFolders, GiveNoIdToALongDescription) {
+TEST_F(RememberedFolders, GiveNoSlotToALongDescription) {
   letTheClockTick(base_.write("a.icc", displayProfile(std::string(5000, 'x'))));
   for (int i = 0; i < 2; ++i) {
-    EXPECT_THAT(ids(), ElementsAre(Pair("a.icc", 0U), Pair("b.icc", Ne(0U))));
+    EXPECT_THAT(slots(), ElementsAre(Pair("a.icc", IsNull()), Pair("b.icc", NotNull())));
   }
   EXPECT_THAT(list(), ElementsAre("a.icc: " + std::string(5000, 'x'), "b.icc: B"));
 }

@@ -2,6 +2,7 @@
 
 #include <gmock/gmock.h>
 #include <lcms2.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cstdint>
@@ -206,6 +207,15 @@ TEST(IccProfile, RefusesAFileAboveTheLargestSize) {
   EXPECT_TRUE(IccProfile::open(path));
   ASSERT_EQ(truncate(path.c_str(), static_cast<off_t>(kMaxIccFileSize + 1)), 0);
   EXPECT_FALSE(IccProfile::open(path));
+}
+
+TEST(IccProfile, OpensARegularFileWithoutLookingFirst) {
+  const TemporaryFolder folder;
+  ASSERT_EQ(mkfifo(folder.path("pipe").c_str(), 0600), 0);
+  constexpr bool kIsRegular = true;
+  EXPECT_TRUE(IccProfile::open(folder.write("a.icc", IccMaker().bytes()), kIsRegular));
+  EXPECT_FALSE(IccProfile::open(folder.path("pipe"), kIsRegular));
+  EXPECT_FALSE(IccProfile::open(folder.path("missing"), kIsRegular));
 }
 
 TEST(IccProfile, RefusesAReadThatReachesOutOfTheFile) {
