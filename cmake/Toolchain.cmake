@@ -23,11 +23,17 @@ set(OSTREVIN_SANITIZE "" CACHE STRING "Sanitizers for everything, such as addres
 add_library(ostrevin_settings INTERFACE)
 add_library(ostrevin::settings ALIAS ostrevin_settings)
 target_compile_options(ostrevin_settings INTERFACE -Wall -Wextra)
-# Members that a designated initialiser leaves out are meant to be empty; clang 19 has a warning for it in -Wextra.
+# Members that a designated initialiser leaves out are meant to be empty; some compilers have a warning for that in -Wextra.
 include(CheckCXXCompilerFlag)
-check_cxx_compiler_flag(-Wmissing-designated-field-initializers OSTREVIN_HAS_DESIGNATED_WARNING)
-if(OSTREVIN_HAS_DESIGNATED_WARNING)
-  target_compile_options(ostrevin_settings INTERFACE -Wno-missing-designated-field-initializers)
+include(CheckCXXSourceCompiles)
+set(CMAKE_REQUIRED_FLAGS "-Wextra -Werror")
+check_cxx_source_compiles("
+  struct Text { Text() {} };
+  struct Named { int number; Text name; };
+  int main() { return Named{.number = 0}.number; }" OSTREVIN_DESIGNATED_INITIALISERS_MAY_LEAVE_OUT)
+unset(CMAKE_REQUIRED_FLAGS)
+if(NOT OSTREVIN_DESIGNATED_INITIALISERS_MAY_LEAVE_OUT)
+  target_compile_options(ostrevin_settings INTERFACE -Wno-missing-field-initializers)
 endif()
 # Debugging information for readable stacks, and no more: the whole of it takes a quarter of the time to compile. Sanitize
 # is the build type of the sanitizer presets.
