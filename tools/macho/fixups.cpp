@@ -179,9 +179,13 @@ void Image::readBindOpcodes(Bytes opcodes, BindTable table) {
   if (table == BindTable::weak) {
     target.library = kCoalesced;
   }
+  std::uint64_t count = 0;  // binds may step in place, and no file has more of them than bytes
   const auto bind = [&](std::uint64_t times, std::uint64_t skip) {
     for (std::uint64_t index = 0; index < times; ++index) {
       numberAt(address);
+      if (++count > bytes_.size()) {
+        throw MachoError("fixups overlap");
+      }
       addBinding(address, target, table);
       address += kPointerSize + skip;
     }

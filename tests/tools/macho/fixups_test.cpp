@@ -369,6 +369,15 @@ const Hostile kHostile[] = {
        return withBind({0x71, 0, 0xC0, 0x7F, 0xF8, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0x01});
      },
      "fixups overlap"},
+    {"WeakBindInPlace",
+     [] {
+       SyntheticImage synthetic = sixteenWords();
+       synthetic.weak_bind_opcodes = {
+           0x71, 0,    0xC0, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0x7F,  // 2^42 times, stepping by 0
+           0xF8, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0x01};
+       return synthetic;
+     },
+     "fixups overlap"},
     {"UnknownBind", [] { return withBind({0xD0}); }, "an unknown bind opcode"},
     {"ExportsInCircle",
      [] {
