@@ -5,8 +5,10 @@
 #include "devhost/language/arguments.h"
 #include "devhost/language/printable.h"
 #include "devhost/tool/commands/commands.h"
+#include "devhost/tool/session/displays.h"
 #include "devhost/tool/session/files.h"
 #include "devhost/tool/terminal/json.h"
+#include "devhost/tool/terminal/waiting.h"
 
 namespace devhost::tool {
 namespace {
@@ -70,7 +72,7 @@ std::string knownMethods(const Plugin& plugin) {
 /// Reports a display whose profile is not the assigned one.
 int checkProfile(Session& session, const Values& arguments, const CallResult& result) {
   const std::string wanted = arguments[1].text();
-  const std::string reported = session.plugin().call("GetProfilePath", {arguments[0]})["path"].text();
+  const std::string reported = profileOf(session.plugin(), static_cast<std::uint32_t>(arguments[0].unsignedNumber()));
   if (result.result == true && (reported == wanted || isSameFile(reported, wanted))) {
     return kDone;
   }
@@ -93,7 +95,10 @@ int callMethod(Session& session, const std::string& name, const std::vector<std:
     values[1] = absolutePath(values[1].text());
   }
 
-  const CallResult result = session.plugin().call(declaration.name, values);
+  const CallResult result = [&] {
+    const Waiting waiting(declaration.name);
+    return session.plugin().call(declaration.name, values);
+  }();
   if (session.json()) {
     printAsJson(declaration, result);
   } else {

@@ -56,7 +56,7 @@ bool DisplayChanges::look() {
 std::vector<KnownDisplay> DisplayChanges::list() const {
   std::vector<KnownDisplay> displays;
   for (const std::uint32_t number : activeDisplayNumbers()) {
-    displays.push_back({number, uuidOf(number), plugin_.call("GetName", {number})["name"].text()});
+    displays.push_back({number, uuidOf(number), nameOf(plugin_, number)});
   }
   return displays;
 }

@@ -7,6 +7,7 @@
 #include "devhost/tool/session/displays.h"
 #include "devhost/tool/terminal/json.h"
 #include "devhost/tool/terminal/terminal.h"
+#include "devhost/tool/terminal/waiting.h"
 
 namespace devhost::tool {
 namespace {
@@ -40,6 +41,7 @@ std::vector<Profile> collect(Session& session, std::optional<std::uint32_t> disp
   const Plugin& plugin = session.plugin();
   plugin.call("SetObject", {listener});
   if (display) {
+    const Waiting waiting("the profiles of display " + std::to_string(*display));
     plugin.call("ListDisplayProfiles", {*display});
   } else {
     plugin.call("ListAllInstalledProfiles");

@@ -6,6 +6,7 @@
 #include "devhost/language/value.h"
 #include "devhost/tool/doctor/doctor.h"
 #include "devhost/tool/session/displays.h"
+#include "devhost/tool/terminal/waiting.h"
 
 namespace devhost::tool {
 namespace {
@@ -183,20 +184,26 @@ void addColord(std::vector<Finding>& findings, const desktop::ColordReport& colo
                                   : aboutFile(path, assignCommand(number)));
 }
 
-std::string nameFrom(const Plugin& plugin, std::uint32_t number) {
-  return plugin.call("GetName", {number})["name"].text();
+desktop::XServerReport waitForXServer() {
+  const Waiting waiting(kXServer);
+  return desktop::askXServer();
+}
+
+desktop::ColordReport waitForColord(const std::vector<platform::desktop::Display>& displays) {
+  const Waiting waiting(kColord);
+  return desktop::askColord(displays);
 }
 
 Diagnosis examineLive(const Plugin& plugin) {
   Diagnosis diagnosis;
-  const desktop::XServerReport x = desktop::askXServer();
+  const desktop::XServerReport x = waitForXServer();
   const auto& displays = x.arrangement.displays;
-  const desktop::ColordReport colord = desktop::askColord(displays);
+  const desktop::ColordReport colord = waitForColord(displays);
   diagnosis.findings = {aboutXServer(x), aboutColord(colord)};
   addFolders(diagnosis.findings);
   for (std::size_t i = 0; i < displays.size(); ++i) {
     const desktop::Rect& bounds = displays[i].bounds;
-    DisplayFindings about{displays[i].number, nameFrom(plugin, displays[i].number), {}};
+    DisplayFindings about{displays[i].number, nameOf(plugin, displays[i].number), {}};
     about.findings.push_back(good("RandR", (displays[i].connector.empty() ? "" : displays[i].connector + ", ") +
                                                numberText(bounds.width) + " x " + numberText(bounds.height) + " at " +
                                                numberText(bounds.x) + ", " + numberText(bounds.y) +

@@ -5,6 +5,7 @@
 #include <CoreGraphics/CoreGraphics.h>
 
 #include "devhost/tool/terminal/terminal.h"
+#include "devhost/tool/terminal/waiting.h"
 
 namespace devhost::tool {
 namespace {
@@ -19,7 +20,7 @@ Display describePlace(const Plugin& plugin, std::uint32_t number) {
   if (index != kDisplayNotFound) {
     display.index = index;
   }
-  display.name = plugin.call("GetName", {number})["name"].text();
+  display.name = nameOf(plugin, number);
   const CallResult bounds = plugin.call("GetCGRect", {number});
   display.x = bounds["x"].real();
   display.y = bounds["y"].real();
@@ -43,6 +44,7 @@ std::vector<Display> describeAll(const Plugin& plugin, Describe describe) {
 }  // namespace
 
 std::vector<std::uint32_t> activeDisplayNumbers() {
+  const Waiting waiting("the displays");
   std::uint32_t count = 0;
   if (CGGetActiveDisplayList(0, nullptr, &count) != kCGErrorSuccess || count == 0) {
     return {};
@@ -67,6 +69,17 @@ std::string uuidOf(std::uint32_t number) {
   return {reinterpret_cast<const char*>(&bytes), sizeof bytes};
 }
 
+std::string nameOf(const Plugin& plugin, std::uint32_t number) {
+  const Waiting waiting("the name of display " + std::to_string(number));
+  return plugin.call("GetName", {number})["name"].text();
+}
+
+std::string profileOf(const Plugin& plugin, std::uint32_t number) {
+  const Waiting waiting("the profile of display " + std::to_string(number));
+  const Value profiles = plugin.call("GetAssociatedProfilePathsArray", {number}).result;
+  return profiles.elements().empty() ? std::string() : plugin.call("GetProfilePath", {number})["path"].text();
+}
+
 bool isMain(const Display& display) { return display.index == 0U; }
 
 std::vector<Display> describePlaces(const Plugin& plugin) { return describeAll(plugin, describePlace); }
@@ -74,7 +87,7 @@ std::vector<Display> describePlaces(const Plugin& plugin) { return describeAll(p
 std::vector<Display> describeDisplays(const Plugin& plugin) {
   return describeAll(plugin, [](const Plugin& plugin, std::uint32_t number) {
     Display display = describePlace(plugin, number);
-    display.profile = plugin.call("GetProfilePath", {number})["path"].text();
+    display.profile = profileOf(plugin, number);
     return display;
   });
 }

@@ -28,6 +28,11 @@ struct Display {
 std::vector<std::uint32_t> activeDisplayNumbers();
 /// The 16 bytes of the display's UUID from ColorSync; empty when it has none.
 std::string uuidOf(std::uint32_t number);
+/// From "GetName".
+std::string nameOf(const Plugin& plugin, std::uint32_t number);
+/// From "GetProfilePath", which waits for 2 seconds when no profile matches; empty at once for a display without
+/// associated profiles.
+std::string profileOf(const Plugin& plugin, std::uint32_t number);
 bool isMain(const Display& display);
 /// All active displays without their profiles, which take longest. Throws ValueError when the plugin lacks a method.
 std::vector<Display> describePlaces(const Plugin& plugin);

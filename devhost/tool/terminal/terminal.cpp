@@ -70,7 +70,7 @@ Progress::Progress(std::string what) : what_(std::move(what)), on_terminal_(isat
 
 Progress::~Progress() {
   if (shown_) {
-    std::fputs("\r\x1b[K", stderr);
+    std::fputs(kClearLine, stderr);
   }
 }
 

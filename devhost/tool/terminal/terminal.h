@@ -25,6 +25,9 @@ class Table {
   std::vector<std::vector<std::string>> rows_;
 };
 
+/// Clears the line that the terminal's cursor is in.
+inline constexpr char kClearLine[] = "\r\x1b[K";
+
 /// Shorter lists show no progress.
 inline constexpr std::size_t kLongList = 1000;
 
