@@ -94,12 +94,14 @@ TEST_P(HardenedFile, IsPositionIndependent) {
 TEST_P(HardenedFile, ChecksItsStack) { EXPECT_THAT(undefinedSymbolsOf(GetParam()), Contains("__stack_chk_fail")); }
 
 std::string nameOfFile(const testing::TestParamInfo<const char*>& info) {
-  static constexpr const char* kNames[] = {"Plugin", "Platform", "Tool"};
+  static constexpr const char* kNames[] = {"Plugin", "Platform", "X11", "Colord", "Gamut", "Tool"};
   return kNames[info.index];
 }
 
 INSTANTIATE_TEST_SUITE_P(Each, HardenedFile,
-                         testing::Values(OSTREVIN_LIBRARY, OSTREVIN_PLATFORM_LIBRARY, OSTREVIN_HOST), nameOfFile);
+                         testing::Values(OSTREVIN_LIBRARY, OSTREVIN_PLATFORM_LIBRARY, OSTREVIN_X11_LIBRARY,
+                                         OSTREVIN_COLORD_LIBRARY, OSTREVIN_GAMUT_LIBRARY, OSTREVIN_HOST),
+                         nameOfFile);
 
 #ifndef OSTREVIN_SANITIZED  // sanitizers put their own checks around these functions
 // By the commands: whether a library calls a checked function depends on what the compiler can prove.
@@ -108,7 +110,7 @@ TEST(HardenedFiles, AreCompiledWithChecksOfCopies) {
   for (const nlohmann::json& unit : nlohmann::json::parse(std::ifstream(OSTREVIN_COMPILE_COMMANDS))) {
     const std::string command = unit.at("command");
     const auto is_of = [&](const char* target) { return command.find(target) != std::string::npos; };
-    if (is_of("/ostrevin_objects.dir/") || is_of("/OstrevinPlatform.dir/") || is_of("/ostrevin-host.dir/")) {
+    if (is_of("/ostrevin_objects.dir/") || is_of(" platform/CMakeFiles/") || is_of("/ostrevin-host.dir/")) {
       EXPECT_THAT(command, HasSubstr(" -D_FORTIFY_SOURCE=2 "));
       ++hardened;
     }

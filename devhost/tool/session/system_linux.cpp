@@ -1,16 +1,18 @@
 // The live desktop is that of the X server; a desktop that a file describes may replace it.
-#include <xcb/xcb.h>
-
 #include <climits>
 #include <cstdlib>
 #include <memory>
 
 #include "desktop/current.h"
+#include "desktop/diagnosis/diagnosis.h"
 #include "desktop/script/scripted.h"
 #include "devhost/tool/session/system.h"
+#include "devhost/tool/terminal/waiting.h"
 
 namespace devhost::tool {
 namespace {
+
+using platform::desktop::XServerState;
 
 constexpr const char* kDesktopVariable = "OSTREVIN_DESKTOP";
 
@@ -19,14 +21,18 @@ std::string environmentText(const char* name) {
   return value == nullptr ? std::string() : std::string(value);
 }
 
-bool canConnectToXServer() {
-  if (environmentText("DISPLAY").empty()) {
+/// Usually needs no connection beside the live desktop's.
+bool isXServerThere() {
+  const std::string server = environmentText("DISPLAY");
+  if (server.empty()) {
     return false;
   }
-  xcb_connection_t* const connection = xcb_connect(nullptr, nullptr);
-  const bool connected = xcb_connection_has_error(connection) == 0;
-  xcb_disconnect(connection);
-  return connected;
+  const Waiting waiting("the X server " + server);
+  if (!platform::desktop::current()->arrangement()->displays.empty()) {
+    return true;
+  }
+  const XServerState state = platform::desktop::askXServer().state;
+  return state != XServerState::kNotNamed && state != XServerState::kRefused;
 }
 
 /// Sets the variable too, for child processes and for the doctor.
@@ -52,7 +58,7 @@ std::string chooseDesktop(const std::string& option, bool needs_displays, const 
     useFile(path);
     return {};
   }
-  if (!needs_displays || example_path.empty() || canConnectToXServer()) {
+  if (!needs_displays || example_path.empty() || isXServerThere()) {
     return {};
   }
   useFile(example_path);

@@ -22,9 +22,6 @@ inline constexpr std::chrono::milliseconds kDeviceWalkLimit{5000};
 /// How long assign() takes at most.
 inline constexpr std::chrono::milliseconds kAssignmentLimit{5000};
 
-/// Returns the present displays.
-using ArrangementSource = std::function<std::shared_ptr<const Arrangement>()>;
-
 /// Any thread may call any function, several at once.
 class PLATFORM_API ColordDevices {
  public:

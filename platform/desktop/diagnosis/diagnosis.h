@@ -41,6 +41,10 @@ struct XServerReport {
 inline constexpr std::chrono::milliseconds kXServerLimit{3000};
 
 PLATFORM_API XServerReport askXServer();
+namespace part {
+/// The same, in the library that is loaded for it (desktop/parts.h).
+XServerReport askXServer();
+}  // namespace part
 
 // --- colord
 
@@ -60,6 +64,9 @@ struct ColordReport {
 inline constexpr std::chrono::milliseconds kColordLimit{5000};
 
 PLATFORM_API ColordReport askColord(const std::vector<Display>& displays);
+namespace part {
+ColordReport askColord(const std::vector<Display>& displays);
+}  // namespace part
 
 // --- files
 

@@ -19,5 +19,9 @@ struct ColorSpace {
 /// Nothing for a profile that does not describe a device's or an encoding's colour space (a link between two devices,
 /// an abstract transformation, a named-colour list), or that cannot be read.
 PLATFORM_API std::optional<ColorSpace> colorSpaceOf(const IccProfile& file);
+namespace part {
+/// The same, in the library that is loaded for it (desktop/parts.h).
+std::optional<ColorSpace> colorSpaceOf(const IccProfile& file);
+}  // namespace part
 
 }  // namespace platform::desktop

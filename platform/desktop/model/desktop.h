@@ -123,6 +123,9 @@ struct InstalledProfile {
 using DeviceProfileVisitor = std::function<bool(const DeviceProfile&)>;
 using InstalledProfileVisitor = std::function<bool(const InstalledProfile&)>;
 
+/// Returns the present displays; never null.
+using ArrangementSource = std::function<std::shared_ptr<const Arrangement>()>;
+
 /// Any thread may call any function, several at once. A walk runs its visitor on the calling thread.
 class Desktop {
  public:

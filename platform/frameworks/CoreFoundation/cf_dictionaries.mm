@@ -15,17 +15,17 @@ namespace calls = platform::calls;
 
 namespace {
 
-id object(const void* reference) { return static_cast<id>(const_cast<void*>(reference)); }
+id asObject(const void* reference) { return static_cast<id>(const_cast<void*>(reference)); }
 
 const void* retainObject(CFAllocatorRef, const void* value) { return CFRetain(value); }
 void releaseObject(CFAllocatorRef, const void* value) { CFRelease(value); }
 /// The caller releases, as the callback's name copyDescription requires.
 CFStringRef describeObject(const void* value) {
   // NOLINTNEXTLINE(clang-analyzer-osx.cocoa.RetainCount)
-  return reinterpret_cast<CFStringRef>([[object(value) description] copy]);
+  return reinterpret_cast<CFStringRef>([[asObject(value) description] copy]);
 }
-Boolean equalObjects(const void* first, const void* second) { return [object(first) isEqual:object(second)]; }
-CFHashCode hashObject(const void* value) { return [object(value) hash]; }
+Boolean equalObjects(const void* first, const void* second) { return [asObject(first) isEqual:asObject(second)]; }
+CFHashCode hashObject(const void* value) { return [asObject(value) hash]; }
 
 /// Dictionaries are Foundation's, which hold objects only.
 void requireObjectCallBacks(const CFDictionaryKeyCallBacks* keys, const CFDictionaryValueCallBacks* values,
@@ -59,8 +59,8 @@ CFDictionaryRef CFDictionaryCreate(CFAllocatorRef, const void** keys, const void
   for (CFIndex i = 0; i < numValues; ++i) {
     requireObject(keys[i], "CFDictionaryCreate");
     requireObject(values[i], "CFDictionaryCreate");
-    if ([entries objectForKey:object(keys[i])] == nil) {  // of equal keys the first stays, as on the Mac
-      [entries setObject:object(values[i]) forKey:object(keys[i])];
+    if ([entries objectForKey:asObject(keys[i])] == nil) {  // of equal keys the first stays, as on the Mac
+      [entries setObject:asObject(values[i]) forKey:asObject(keys[i])];
     }
   }
   return reinterpret_cast<CFDictionaryRef>([[NSDictionary alloc] initWithDictionary:entries]);
@@ -89,7 +89,7 @@ void CFDictionarySetValue(CFMutableDictionaryRef dictionary, const void* key, co
   requireObject(key, "CFDictionarySetValue");
   requireObject(value, "CFDictionarySetValue");
   const ScopedPool pool;
-  [(NSMutableDictionary*)dictionary setObject:object(value) forKey:object(key)];
+  [(NSMutableDictionary*)dictionary setObject:asObject(value) forKey:asObject(key)];
 }
 
 CFIndex CFDictionaryGetCount(CFDictionaryRef dictionary) {
@@ -107,7 +107,7 @@ const void* CFDictionaryGetValue(CFDictionaryRef dictionary, const void* key) {
   }
   requireObject(dictionary, "CFDictionaryGetValue");
   requireObject(key, "CFDictionaryGetValue");
-  return [(NSDictionary*)dictionary objectForKey:object(key)];
+  return [(NSDictionary*)dictionary objectForKey:asObject(key)];
 }
 
 Boolean CFDictionaryGetValueIfPresent(CFDictionaryRef dictionary, const void* key, const void** value) {
@@ -121,7 +121,7 @@ Boolean CFDictionaryGetValueIfPresent(CFDictionaryRef dictionary, const void* ke
   }
   requireObject(dictionary, "CFDictionaryGetValueIfPresent");
   requireObject(key, "CFDictionaryGetValueIfPresent");
-  const void* const found = [(NSDictionary*)dictionary objectForKey:object(key)];
+  const void* const found = [(NSDictionary*)dictionary objectForKey:asObject(key)];
   if (found != nullptr && value != nullptr) {
     *value = found;
   }

@@ -101,6 +101,21 @@ TEST(Tool, ShowsExampleDesktopWithoutXServer) {
   }
 }
 
+TEST_F(ToolTest, LoadsLibrariesOfLiveDesktopAtFirstUse) {
+  for (const char* const file : {"bin/ostrevin-host", "lib/libOstrevin.so", "lib/libOstrevinPlatform.so"}) {
+    std::filesystem::create_directories(std::filesystem::path(path(file)).parent_path());
+    std::filesystem::copy_file(std::filesystem::path(OSTREVIN_FOLDER).parent_path() / file, path(file));
+  }
+  const std::string tool = path("bin/ostrevin-host");
+  const auto tag = support::run({tool, "tag", write("empty.icc", ""), "rXYZ"});
+  EXPECT_EQ(tag.output, "no\n");
+  EXPECT_THAT(tag.errors, IsEmpty());
+  const auto list = support::run({tool, "--desktop", "live", "list"});
+  EXPECT_EQ(list.exit_status, 0);
+  EXPECT_EQ(list.output, "Number  Index  Name  Bounds  Scale  Profile\n");
+  EXPECT_THAT(list.errors, HasSubstr("/lib/libOstrevinX11.so: cannot open"));
+}
+
 TEST_F(ToolTest, ReportsUnusableDesktopFileInOneLine) {
   const ToolRun malformed = runTool({"--desktop", write("desktop.json", "{\n\"displays\": 3}")});
   EXPECT_EQ(malformed.exit_status, 2);
