@@ -38,8 +38,8 @@ struct Column {
 };
 
 constexpr std::array kColumns = {
-    Column{"Method", "---", 36}, Column{"With", "---", 23}, Column{"Twin", "---", 44}, Column{"Plugin", "--:", 7},
-    Column{"Twin's", "--:", 7},  Column{"Ratio", "--:", 5}, Column{"Bar", "---", 9},
+    Column{"Method", "---", 36}, Column{"With", "---", 23},  Column{"Twin", "---", 44}, Column{"Floor", "--:", 7},
+    Column{"Plugin", "--:", 7},  Column{"Twin's", "--:", 7}, Column{"Ratio", "--:", 5}, Column{"Bar", "---", 9},
 };
 
 /// In columns of a terminal: bytes that continue a UTF-8 character take none.
@@ -114,10 +114,12 @@ void TableReporter::ReportRuns(const std::vector<Run>& runs) {
     const double ratio = run.counters.at("ratio");
     const double bar = run.counters.at("bar");
     const bool is_over = bar > 0 && ratio > bar;
-    cells[3] = timeText(run.GetAdjustedRealTime());
-    cells[4] = timeText(run.counters.at("twin_ns"));
-    cells[5] = format("%.2f", ratio);
-    cells[6] = (bar > 0 ? format("%.2f", bar) : "-") + (is_over ? " over" : "");
+    const double floor = run.counters.at("floor_ns");
+    cells[3] = floor > 0 ? timeText(floor) : "-";
+    cells[4] = timeText(run.GetAdjustedRealTime() - floor);
+    cells[5] = timeText(run.counters.at("twin_ns"));
+    cells[6] = format("%.2f", ratio);
+    cells[7] = (bar > 0 ? format("%.2f", bar) : "-") + (is_over ? " over" : "");
     printLine(GetOutputStream(), cells);
     over_ += is_over ? 1 : 0;
   }

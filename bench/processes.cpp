@@ -1,5 +1,6 @@
-// Whole processes: the tool beside other programs that do the same job, started and read to the end of their output;
-// and the load of the plugin in fresh processes, which take the time themselves (load_probe).
+// Whole processes: the tool beside other programs that do the same job, started and read to the end of their output. Of
+// the tool's time counts what it adds to the loading of Foundation. And the load of the plugin in fresh processes,
+// which take the time themselves (load_probe).
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -15,6 +16,7 @@ namespace {
 using Command = std::vector<std::string>;
 
 constexpr double kToolBar = 1;
+constexpr double kListBar = 2;
 constexpr double kLoadBar = 1.05;
 constexpr const char* kArea = "1280 x 1024 at 1920, 56";
 
@@ -40,7 +42,25 @@ Timer runs(const Job& job) {
   });
 }
 
-Pair jobs(const Job& plugin, const Job& twin) { return {runs(plugin), runs(twin), {.rounds = 25, .calls = 1}}; }
+Pair jobs(const Job& plugin, const Job& twin) {
+  return {runs(plugin), runs(twin), {.rounds = 25, .calls = 1}, runs({{OSTREVIN_FOUNDATION_FLOOR}, ""})};
+}
+
+/// A list of three displays without profiles, beside one of three with a profile each.
+Pair listJobs() {
+  const auto folder = std::make_shared<const support::TemporaryFolder>();
+  const auto list = [&](const std::string& name, const std::string& profiles) {
+    std::string displays;
+    for (const char* const number : {"1", "2", "3"}) {
+      displays += std::string(displays.empty() ? "" : ",") + R"({"bounds": [0, 0, 800, 600], "name": "A", "number": )" +
+                  number + profiles + "}";
+    }
+    return Job{tool({"--desktop", folder->write(name, R"({"displays": [)" + displays + "]}"), "list"}), "800 x 600"};
+  };
+  const Timer without = runs(list("without.json", ""));
+  const Timer with = runs(list("with.json", R"(, "profiles": ["/p/a.icc"])"));
+  return {[folder, without](int calls) { return without(calls); }, with, {.rounds = 25, .calls = 1}};
+}
 
 /// In a file of ICC's version 2: iccdump reads no later one.
 Pair tagJobs() {
@@ -48,7 +68,7 @@ Pair tagJobs() {
   const std::string file =
       folder->write("a.icc", support::IccMaker().tag("rXYZ", support::xyzElement(0.4361, 0.2225, 0.0139)).bytes());
   Pair pair = jobs({tool({"tag", file, "rXYZ"}), "yes"}, {{"iccdump", "-t", "rXYZ", file}, "No. elements = 1"});
-  return {[folder, run = pair.plugin](int calls) { return run(calls); }, pair.twin, pair.batches};
+  return {[folder, run = pair.plugin](int calls) { return run(calls); }, pair.twin, pair.batches, pair.floor};
 }
 
 Timer probe(const Command& command) {
@@ -95,6 +115,7 @@ void addProcesses(const Suite& suite, LiveDesktop& live) {
     live.use(3);
     return jobs({tool({"profiles"}), kProfile}, {{"colormgr", "get-profiles"}, kProfile});
   });
+  suite.add({"ostrevin-host list", 3, "displays, no profile", "the same with profiles", kListBar}, listJobs);
   suite.add({"ostrevin-host tag FILE rXYZ", 1, "tag", "iccdump -t rXYZ FILE", kToolBar}, tagJobs);
   suite.add({"dlopen and REALPluginMain", 0, "a fresh process", "dlopen of the dependencies alone", kLoadBar},
             []() -> Pair {

@@ -21,6 +21,7 @@ double median(std::vector<double> values) {
 struct Medians {
   double plugin = 0;
   double twin = 0;
+  double floor = 0;
   double ratio = 0;  ///< of the ratios of neighbouring batches
 };
 
@@ -29,6 +30,7 @@ Medians measure(const Pair& pair, Batches batches) {
   pair.twin(batches.calls);
   std::vector<double> plugin;
   std::vector<double> twin;
+  std::vector<double> floor;
   std::vector<double> ratios;
   for (int round = 0; round < batches.rounds; ++round) {
     // The second of a round finds warm caches: each side is second by turns.
@@ -39,9 +41,10 @@ Medians measure(const Pair& pair, Batches batches) {
       twin.push_back(pair.twin(batches.calls));
       plugin.push_back(pair.plugin(batches.calls));
     }
-    ratios.push_back(plugin.back() / twin.back());
+    floor.push_back(pair.floor ? pair.floor(batches.calls) : 0);
+    ratios.push_back((plugin.back() - floor.back()) / twin.back());
   }
-  return {median(plugin), median(twin), median(ratios)};
+  return {median(plugin), median(twin), median(floor), median(ratios)};
 }
 
 /// Makes a dump of callgrind's named "TITLE/plugin/CALLS" and one named "TITLE/twin/CALLS". See bench/run --count.
@@ -90,6 +93,7 @@ void Suite::add(const Row& row, std::function<Pair()> prepare) const {
     }
     state.counters["n"] = static_cast<double>(row.n);
     state.counters["twin_ns"] = medians.twin;
+    state.counters["floor_ns"] = medians.floor;
     state.counters["ratio"] = medians.ratio;
     state.counters["bar"] = row.bar;
   };

@@ -61,6 +61,8 @@ struct Pair {
   Timer plugin;
   Timer twin;
   Batches batches;
+  /// What a call of the plugin cannot be without, and its twin can: only the time beyond it counts. Null: nothing.
+  Timer floor = nullptr;
 };
 
 template <typename Plugin, typename Twin>
