@@ -27,7 +27,7 @@ inline Argument asPassed(Argument argument) {
   return argument;
 }
 
-/// Bit 0 of whatever byte the caller's bool holds. The compiler takes that byte for 0 or 1, and would pass it on whole.
+/// Bit 0 of the byte that the caller's bool holds. The compiler takes that byte for 0 or 1, and would pass it on whole.
 inline bool asPassed(bool argument) {
   unsigned word = argument;
   asm("" : "+r"(word));  // from here on the compiler takes any value for possible
