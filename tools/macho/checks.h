@@ -1,6 +1,8 @@
-// Checks that a built library or program is what the host and the systems expect.
+// Checks that a built library or program is what the host and the systems expect, and that two builds of it are equal.
 #pragma once
 
+#include <cstdint>
+#include <map>
 #include <string>
 #include <vector>
 
@@ -28,6 +30,14 @@ std::vector<Check> checkLibrary(const Image& image, const std::vector<std::strin
 
 /// The module record and the method table that the host reads.
 Check checkModule(const Image& image);
+
+/// Whether another build of the image has the same machine code and imports the same symbols from the same libraries.
+/// Machine code refers to places by their distance: where a function differs in size, others that only moved may be
+/// named with it.
+std::vector<Check> compareImages(const Image& image, const Image& other);
+
+/// The functions of the symbol table, by address.
+std::map<std::uint64_t, std::string> functionsOf(const Image& image);
 
 /// The name of a symbol as the source spells it, without namespaces and parameters.
 std::string plainName(std::string_view symbol);

@@ -89,20 +89,6 @@ Check checkProtection(const Image& image) {
   return check;
 }
 
-/// The functions of the symbol table, by address.
-std::map<std::uint64_t, std::string> functionsOf(const Image& image) {
-  std::map<std::uint64_t, std::string> functions;
-  for (const Symbol& symbol : image.symbols()) {
-    const bool is_function = std::any_of(image.segments().begin(), image.segments().end(), [&](const Segment& segment) {
-      return segment.executable && symbol.address - segment.address < segment.size;
-    });
-    if (is_function) {
-      functions.emplace(symbol.address, symbol.name);
-    }
-  }
-  return functions;
-}
-
 std::string nameOrAddress(const std::map<std::uint64_t, std::string>& functions, std::uint64_t address) {
   const auto found = functions.find(address);
   if (found != functions.end()) {
@@ -219,6 +205,19 @@ Check checkCounting(const Image& image) {
 }
 
 }  // namespace
+
+std::map<std::uint64_t, std::string> functionsOf(const Image& image) {
+  std::map<std::uint64_t, std::string> functions;
+  for (const Symbol& symbol : image.symbols()) {
+    const bool is_function = std::any_of(image.segments().begin(), image.segments().end(), [&](const Segment& segment) {
+      return segment.executable && symbol.address - segment.address < segment.size;
+    });
+    if (is_function) {
+      functions.emplace(symbol.address, symbol.name);
+    }
+  }
+  return functions;
+}
 
 std::vector<Check> checkFile(const Image& image) {
   return {checkOldestSystem(image), checkOldSystems(image), checkProtection(image), checkUnwinding(image)};

@@ -1,10 +1,12 @@
 // macho-check EXPORTS LIBRARY PROGRAM: reads the built library and program back, prints one line for each thing that it
 // checks, and fails when something is not as it must be. EXPORTS is plugin/exports.txt.
+// macho-check --compare FILE OTHER: the same for whether two builds of a file are equal.
 #include <algorithm>
 #include <exception>
 #include <fstream>
 #include <iostream>
 #include <iterator>
+#include <string_view>
 
 #include "tools/macho/checks.h"
 
@@ -55,13 +57,16 @@ macho::Check checkArchitectures(const std::vector<macho::Image>& images) {
   return check;
 }
 
+std::vector<macho::Image> imagesIn(const std::string& contents) {
+  return macho::imagesIn({reinterpret_cast<const std::uint8_t*>(contents.data()), contents.size()});
+}
+
 /// `exports` is null for a program.
 bool checkAll(const std::string& path, const std::vector<std::string>* exports) {
   bool is_right = true;
   try {
     const std::string contents = contentsOf(path);
-    const std::vector<macho::Image> images =
-        macho::imagesIn({reinterpret_cast<const std::uint8_t*>(contents.data()), contents.size()});
+    const std::vector<macho::Image> images = imagesIn(contents);
     is_right = report(path, checkArchitectures(images));
     for (const macho::Image& image : images) {
       std::vector<macho::Check> checks = macho::checkFile(image);
@@ -80,12 +85,40 @@ bool checkAll(const std::string& path, const std::vector<std::string>* exports) 
   return is_right;
 }
 
+bool compareAll(const std::string& path, const std::string& other_path) {
+  bool is_equal = true;
+  try {
+    const std::string contents = contentsOf(path);
+    const std::string other_contents = contentsOf(other_path);
+    const std::vector<macho::Image> images = imagesIn(contents);
+    const std::vector<macho::Image> others = imagesIn(other_contents);
+    is_equal = report(path, checkArchitectures(images)) && report(other_path, checkArchitectures(others));
+    for (const macho::Image& image : images) {
+      const auto other = std::find_if(others.begin(), others.end(), [&](const macho::Image& candidate) {
+        return candidate.architecture() == image.architecture();
+      });
+      if (other == others.end()) {
+        continue;
+      }
+      for (const macho::Check& check : macho::compareImages(image, *other)) {
+        is_equal = report(path + " (" + image.architecture() + ")", check) && is_equal;
+      }
+    }
+  } catch (const std::exception& error) {
+    is_equal = report(path, {{}, {error.what()}});
+  }
+  return is_equal;
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
   if (argc != 4) {
-    std::cerr << "usage: macho-check EXPORTS LIBRARY PROGRAM\n";
+    std::cerr << "usage: macho-check EXPORTS LIBRARY PROGRAM\n       macho-check --compare FILE OTHER\n";
     return EXIT_FAILURE;
+  }
+  if (std::string_view(argv[1]) == "--compare") {
+    return compareAll(argv[2], argv[3]) ? EXIT_SUCCESS : EXIT_FAILURE;
   }
   const std::vector<std::string> exports = exportsIn(argv[1]);
   const bool is_library_right = checkAll(argv[2], &exports);
