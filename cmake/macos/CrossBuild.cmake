@@ -1,13 +1,16 @@
 # The macOS build from another system: two builds of this tree, one an architecture, joined into universal files.
 #
-#   lib/Ostrevin.dylib, bin/ostrevin-host   arm64 for macOS 11.0 and later, x86_64 for macOS 10.13 and later
-#   check-macho                             target: reads the result back and checks it
+#   Ostrevin, ostrevin-host   targets: the library and the program, arm64 for macOS 11.0 and later, x86_64 for macOS 10.13 and later
+#   check-macho               target: reads both back and checks them
+#   compare-sdk               target, with an SDK: builds both without it as well, and compares
 #
-# Needs a macOS SDK whose folder MACOS_SDK names (System/Library/Frameworks, usr/include, usr/lib), Zig (fetched through npm
-# when it is missing), and LLVM's tools and Mach-O linker. Zig compiles and brings libSystem's symbols, the
-# C++ library and the compiler's run-time library; LLVM's linker links, since Zig's own has no export list.
+# Needs Zig (fetched through npm when it is missing), and LLVM's tools and Mach-O linker. Zig compiles and brings the C headers,
+# libSystem's symbols, the C++ library and the compiler's run-time library; LLVM's linker links, since Zig's own has no export
+# list. The frameworks are declared by a macOS SDK whose folder MACOS_SDK names (System/Library/Frameworks, usr/include, usr/lib),
+# or else by headers of our own (OwnSdk.cmake).
 
 include(ExternalProject)
+include(macos/OwnSdk)
 
 # ostrevin_macos_needs(MESSAGE CONDITION...): stops with one line about what is missing.
 macro(ostrevin_macos_needs message)
@@ -46,14 +49,20 @@ set(MACOS_SDK "$ENV{MACOS_SDK}" CACHE PATH "Folder of a macOS SDK: System/Librar
 if(NOT "$ENV{MACOS_SDK}" STREQUAL "")
   set_property(CACHE MACOS_SDK PROPERTY VALUE "$ENV{MACOS_SDK}")
 endif()
-ostrevin_macos_needs("a macOS SDK: set MACOS_SDK to its folder (the one that holds System/Library/Frameworks and usr)."
-  MACOS_SDK)
-foreach(path IN ITEMS System/Library/Frameworks/CoreFoundation.framework System/Library/Frameworks/Foundation.framework
-    System/Library/Frameworks/AppKit.framework System/Library/Frameworks/CoreGraphics.framework
-    System/Library/Frameworks/ColorSync.framework System/Library/Frameworks/IOKit.framework
-    usr/include/dispatch/dispatch.h usr/include/ffi/ffi.h usr/lib/libobjc.tbd)
-  ostrevin_macos_needs("${path} in the SDK, and MACOS_SDK=${MACOS_SDK} has none." EXISTS "${MACOS_SDK}/${path}")
-endforeach()
+set(OSTREVIN_OWN_SDK OFF)
+if(MACOS_SDK)
+  set(OSTREVIN_SDK ${MACOS_SDK})
+  foreach(path IN ITEMS System/Library/Frameworks/CoreFoundation.framework System/Library/Frameworks/Foundation.framework
+      System/Library/Frameworks/AppKit.framework System/Library/Frameworks/CoreGraphics.framework
+      System/Library/Frameworks/ColorSync.framework System/Library/Frameworks/IOKit.framework
+      usr/include/ffi/ffi.h usr/lib/libobjc.tbd)
+    ostrevin_macos_needs("${path} in the SDK, and MACOS_SDK=${MACOS_SDK} has none." EXISTS "${MACOS_SDK}/${path}")
+  endforeach()
+else()
+  set(OSTREVIN_OWN_SDK ON)
+  set(OSTREVIN_SDK ${CMAKE_BINARY_DIR}/sdk)
+  ostrevin_make_sdk(${OSTREVIN_SDK})
+endif()
 
 # --- the compiler
 
@@ -138,24 +147,11 @@ set_target_properties(@package@ PROPERTIES INTERFACE_INCLUDE_DIRECTORIES \"@head
   file(WRITE ${OSTREVIN_HOST_PACKAGES}/${name}ConfigVersion.cmake "set(PACKAGE_VERSION_COMPATIBLE TRUE)\n")
 endforeach()
 
-# libffi is part of macOS. For an SDK that does not list its symbols, those that ostrevin-host uses are written down here.
-set(OSTREVIN_FFI_LIBRARY ${MACOS_SDK}/usr/lib/libffi.tbd)
+# libffi is part of macOS, but not every SDK lists its symbols.
+set(OSTREVIN_FFI_LIBRARY ${OSTREVIN_SDK}/usr/lib/libffi.tbd)
 if(NOT EXISTS ${OSTREVIN_FFI_LIBRARY})
   set(OSTREVIN_FFI_LIBRARY ${CMAKE_BINARY_DIR}/host-packages/libffi.tbd)
-  set(symbols _ffi_prep_cif _ffi_call _ffi_closure_alloc _ffi_closure_free _ffi_prep_closure_loc)
-  foreach(type IN ITEMS void uint8 sint8 uint16 sint16 uint32 sint32 uint64 sint64 float double pointer)
-    list(APPEND symbols _ffi_type_${type})
-  endforeach()
-  list(JOIN symbols ", " symbols)
-  file(WRITE ${OSTREVIN_FFI_LIBRARY} "--- !tapi-tbd
-tbd-version:     4
-targets:         [ x86_64-macos, arm64-macos ]
-install-name:    '/usr/lib/libffi.dylib'
-exports:
-  - targets:         [ x86_64-macos, arm64-macos ]
-    symbols:         [ ${symbols} ]
-...
-")
+  ostrevin_ffi_import_list(${OSTREVIN_FFI_LIBRARY})
 endif()
 
 # --- one build an architecture
@@ -180,6 +176,7 @@ foreach(slice IN LISTS OSTREVIN_SLICES)
       -DCMAKE_TOOLCHAIN_FILE=${folder}-runtime/toolchain.cmake
       -DCMAKE_BUILD_TYPE=${CMAKE_BUILD_TYPE}
       -DCMAKE_COMPILE_WARNING_AS_ERROR=${CMAKE_COMPILE_WARNING_AS_ERROR}
+      -DOSTREVIN_OWN_SDK=${OSTREVIN_OWN_SDK}
       -DOSTREVIN_TESTS=OFF
       -DOSTREVIN_BENCHMARKS=OFF
       -DOSTREVIN_FUZZERS=OFF
@@ -190,35 +187,67 @@ foreach(slice IN LISTS OSTREVIN_SLICES)
     USES_TERMINAL_CONFIGURE ON
     USES_TERMINAL_BUILD ON
     INSTALL_COMMAND ""
-    BUILD_BYPRODUCTS ${folder}/lib/Ostrevin.dylib ${folder}/bin/ostrevin-host)
+    BUILD_BYPRODUCTS ${folder}/bin/ostrevin-host)
+  ExternalProject_Add_Step(slice-${slice} library
+    COMMAND ${CMAKE_COMMAND} --build <BINARY_DIR> --target Ostrevin
+    DEPENDEES configure
+    DEPENDERS build
+    BYPRODUCTS ${folder}/lib/Ostrevin.dylib
+    ALWAYS ON
+    USES_TERMINAL ON)
+  ExternalProject_Add_StepTargets(slice-${slice} library)
 endforeach()
 
 # --- universal files
 
-# ostrevin_join(PATH): joins PATH of each architecture's build into PATH of this build.
-function(ostrevin_join path)
+# ostrevin_join(NAME PATH SUFFIX): the target NAME, which joins PATH of each architecture's build into PATH of this build. SUFFIX
+# is that of the target of an architecture that builds it.
+function(ostrevin_join name path suffix)
   set(inputs "")
+  set(slices "")
   foreach(slice IN LISTS OSTREVIN_SLICES)
     list(APPEND inputs ${CMAKE_BINARY_DIR}/${slice}/${path})
+    list(APPEND slices slice-${slice}${suffix})
   endforeach()
   get_filename_component(parent ${path} DIRECTORY)
   file(MAKE_DIRECTORY ${CMAKE_BINARY_DIR}/${parent})
-  list(TRANSFORM OSTREVIN_SLICES PREPEND slice- OUTPUT_VARIABLE slices)
   add_custom_command(OUTPUT ${CMAKE_BINARY_DIR}/${path}
     COMMAND ${OSTREVIN_LLVM_LIPO} -create ${inputs} -output ${CMAKE_BINARY_DIR}/${path}
     DEPENDS ${slices} ${inputs}
     COMMENT "Joining ${path}"
     VERBATIM)
+  add_custom_target(${name} ALL DEPENDS ${CMAKE_BINARY_DIR}/${path})
 endfunction()
 
-ostrevin_join(lib/Ostrevin.dylib)
-ostrevin_join(bin/ostrevin-host)
-add_custom_target(universal ALL DEPENDS ${CMAKE_BINARY_DIR}/lib/Ostrevin.dylib ${CMAKE_BINARY_DIR}/bin/ostrevin-host)
+ostrevin_join(Ostrevin lib/Ostrevin.dylib -library)
+ostrevin_join(ostrevin-host bin/ostrevin-host "")
 
 # --- the check
 
 add_subdirectory(${CMAKE_SOURCE_DIR}/tools/macho tools)
-ostrevin_add_macho_check(${CMAKE_BINARY_DIR}/lib/Ostrevin.dylib ${CMAKE_BINARY_DIR}/bin/ostrevin-host universal)
+ostrevin_add_macho_check(${CMAKE_BINARY_DIR}/lib/Ostrevin.dylib ${CMAKE_BINARY_DIR}/bin/ostrevin-host
+  Ostrevin ostrevin-host)
+
+# --- the same without the SDK: equal machine code and imports; and the SDK declares what our headers declare
+
+if(MACOS_SDK)
+  set(other ${CMAKE_BINARY_DIR}/without-sdk)
+  set(declarations "")
+  foreach(slice IN LISTS OSTREVIN_SLICES)
+    list(APPEND declarations COMMAND ${CMAKE_COMMAND} --build ${CMAKE_BINARY_DIR}/${slice} --target framework_declarations)
+  endforeach()
+  add_custom_target(compare-sdk
+    ${declarations}
+    COMMAND ${CMAKE_COMMAND} -E env --unset=MACOS_SDK
+      ${CMAKE_COMMAND} --preset macos -S ${CMAKE_SOURCE_DIR} -B ${other} -DMACOS_SDK= -DCMAKE_BUILD_TYPE=${CMAKE_BUILD_TYPE}
+    COMMAND ${CMAKE_COMMAND} --build ${other}
+    COMMAND macho-check --compare ${CMAKE_BINARY_DIR}/lib/Ostrevin.dylib ${other}/lib/Ostrevin.dylib
+    COMMAND macho-check --compare ${CMAKE_BINARY_DIR}/bin/ostrevin-host ${other}/bin/ostrevin-host
+    WORKING_DIRECTORY ${CMAKE_SOURCE_DIR}
+    DEPENDS Ostrevin ostrevin-host
+    USES_TERMINAL
+    VERBATIM)
+endif()
 
 # --- what is installed, and packaged
 

@@ -86,7 +86,8 @@ std::vector<Check> compareImages(const Image& image, const Image& other) {
   }
   const std::set<std::string> imports = importsOf(image);
   const std::set<std::string> others = importsOf(other);
-  Check import_check{"the same " + std::to_string(imports.size()) + " symbols are imported from the same libraries", {}};
+  Check import_check{"the same " + std::to_string(imports.size()) + " symbols are imported from the same libraries",
+                     {}};
   listMissing(imports, others, "only this file imports ", import_check.problems);
   listMissing(others, imports, "only the other file imports ", import_check.problems);
   return {code, import_check};

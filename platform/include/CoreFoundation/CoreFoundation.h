@@ -1,4 +1,5 @@
-// The part of CoreFoundation that the plugin and its tests use, for computers that are not Macs.
+// The part of CoreFoundation that the plugin and its tests use, for computers that are not Macs, and for Macs when they
+// are built for without an SDK.
 //
 // Types are toll-free bridged to Foundation objects: a CFStringRef is an NSString*, a CFURLRef an NSURL*, and so on.
 // Any thread may call any function; objects follow Foundation's own rules. Functions named Create or Copy return a
@@ -73,7 +74,11 @@ CF_EXPORT CFTypeID CFUUIDGetTypeID(void);
 // --- strings
 
 /// A string that lives for the life of the process, one per text; `text` is ASCII.
+#ifdef __APPLE__
+#define CFSTR(text) ((CFStringRef)__builtin___CFStringMakeConstantString("" text ""))
+#else
 #define CFSTR(text) __CFStringMakeConstantString("" text "")
+#endif
 CF_EXPORT CFStringRef __CFStringMakeConstantString(const char* text);
 
 CF_EXPORT CFStringRef CFStringCreateWithBytes(CFAllocatorRef allocator, const UInt8* bytes, CFIndex length,

@@ -1,7 +1,7 @@
 // CoreGraphics' points, sizes and rectangles. Foundation's NSRect and CGRect are one type, as on the Mac.
 #pragma once
 
-#ifdef __OBJC__
+#if defined(__OBJC__) && !defined(__APPLE__)
 #include <Foundation/Foundation.h>
 #else
 typedef double CGFloat;

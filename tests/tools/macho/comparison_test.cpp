@@ -24,8 +24,18 @@ struct Build {
     const std::uint64_t begin = synthetic.addSection("__text", code);
     synthetic.symbols = {{"_one", begin}, {"_two", begin + 16}, {third_name, begin + 32}};
     // The library, the symbol, a pointer, at offset 0 of segment 1, bind, done.
-    synthetic.bind_opcodes = {static_cast<std::uint8_t>(0x10 | library), static_cast<std::uint8_t>(0x40 | symbol_flags),
-                              '_', 'm', 's', 'g', 0, 0x51, 0x71, 0, 0x90, 0};
+    synthetic.bind_opcodes = {static_cast<std::uint8_t>(0x10 | library),
+                              static_cast<std::uint8_t>(0x40 | symbol_flags),
+                              '_',
+                              'm',
+                              's',
+                              'g',
+                              0,
+                              0x51,
+                              0x71,
+                              0,
+                              0x90,
+                              0};
     return synthetic.build();
   }
 };
