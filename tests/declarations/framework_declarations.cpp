@@ -1,6 +1,7 @@
 // What the plugin relies on in the frameworks' headers, asserted at compile time: function types, type definitions,
-// struct layouts, constants and macros. The same assertions are compiled against platform/include and against Apple's
-// SDK, so the two cannot drift apart. framework_declarations.mm compiles this file again as Objective-C++.
+// struct layouts, constants and macros. The same assertions are compiled against platform/include over GNUstep's
+// Foundation, against platform/include over the Foundation of cmake/macos/include, and against Apple's SDK, so that
+// none of them drifts apart. framework_declarations.mm compiles this file again as Objective-C++.
 #include <Block.h>
 #include <ColorSync/ColorSync.h>
 #include <CoreFoundation/CoreFoundation.h>
@@ -11,6 +12,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <limits>
 #include <string_view>
 #include <type_traits>
 
@@ -269,7 +271,7 @@ TYPE(dispatch_block_t, void (^)());
 DECLARED(dispatch_queue_create, dispatch_queue_t(const char*, dispatch_queue_attr_t) noexcept);
 DECLARED(dispatch_async, void(dispatch_queue_t, dispatch_block_t) noexcept);
 
-// --- AppKit and Foundation, as far as they are declared beside the system's own Foundation
+// --- AppKit and Foundation
 
 #ifdef __OBJC__
 #import <AppKit/AppKit.h>
@@ -286,5 +288,36 @@ static_assert(std::is_convertible_v<NSScreen*, NSObject*>, "NSScreen");
 MEMBER(NSOperatingSystemVersion, majorVersion, NSInteger, 0);
 MEMBER(NSOperatingSystemVersion, minorVersion, NSInteger, 8);
 MEMBER(NSOperatingSystemVersion, patchVersion, NSInteger, 16);
+DECLARED([NSProcessInfo processInfo], NSProcessInfo*);
 DECLARED([[NSProcessInfo processInfo] isOperatingSystemAtLeastVersion:NSOperatingSystemVersion()], BOOL);
+
+MEMBER(NSRange, location, NSUInteger, 0);
+MEMBER(NSRange, length, NSUInteger, 8);
+TYPE(struct _NSRange, NSRange);
+CONSTANT(NSNotFound, NSInteger, std::numeric_limits<NSInteger>::max());
+MEMBER(NSFastEnumerationState, state, unsigned long, 0);
+MEMBER(NSFastEnumerationState, itemsPtr, id*, 8);
+MEMBER(NSFastEnumerationState, mutationsPtr, unsigned long*, 16);
+MEMBER(NSFastEnumerationState, extra, unsigned long[5], 24);
+CONSTANT(NSASCIIStringEncoding, NSStringEncoding, 1);
+CONSTANT(NSMacOSRomanStringEncoding, NSStringEncoding, 30);
+CONSTANT(NSUTF16BigEndianStringEncoding, NSStringEncoding, 0x90000100);
+
+NSArray* anyArray();
+NSString* anyString();
+NSURL* anyUrl();
+DECLARED([anyArray() count], NSUInteger);
+DECLARED([anyArray() objectAtIndex:0], id);
+DECLARED([anyArray() countByEnumeratingWithState:nullptr objects:nullptr count:0], NSUInteger);
+static_assert(std::is_convertible_v<decltype([NSString stringWithUTF8String:""]), NSString*>, "stringWithUTF8String:");
+DECLARED([anyString() UTF8String], const char*);
+DECLARED([anyString() dataUsingEncoding:NSASCIIStringEncoding allowLossyConversion:YES], NSData*);
+DECLARED([anyString() containsString:anyString()], BOOL);
+DECLARED([anyString() rangeOfString:anyString()], NSRange);
+DECLARED([NSURL fileURLWithPath:anyString()], NSURL*);
+DECLARED([NSURL fileURLWithPath:anyString() isDirectory:NO], NSURL*);
+DECLARED([anyUrl() lastPathComponent], NSString*);
+DECLARED([anyUrl() path], NSString*);
+static_assert(std::is_convertible_v<decltype([NSLocale ISOCountryCodes]), NSArray*>, "ISOCountryCodes");
+static_assert(std::is_convertible_v<decltype([NSLocale ISOLanguageCodes]), NSArray*>, "ISOLanguageCodes");
 #endif
