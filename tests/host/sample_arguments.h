@@ -4,7 +4,9 @@
 
 #include <CoreFoundation/CoreFoundation.h>
 
+#include <algorithm>
 #include <bit>
+#include <cstddef>
 #include <cstdint>
 #include <cstring>
 #include <type_traits>
@@ -63,9 +65,17 @@ T sample(int position) {
 struct Expected {
   bool floating = false;
   bool hidden = false;     ///< An address, but not the one that the caller passed.
-  std::uint64_t bits = 0;  ///< Of an integer narrower than 32 bits: extended to 32 bits by its sign, or with zeros.
+  std::uint64_t bits = 0;  ///< Of an integer narrower than 32 bits: extended to 32 bits where callers do that.
   std::uint64_t mask = ~0ull;
 };
+
+#if defined(__aarch64__) && !defined(__APPLE__)
+/// The procedure call standard of arm64 has the callee extend a narrow integer.
+constexpr std::size_t kExtendedBytes = 0;
+#else
+/// Callers extend to 32 bits on Apple's arm64, and by all compilers' practice on x86_64.
+constexpr std::size_t kExtendedBytes = 4;
+#endif
 
 template <typename T>
 Expected expectedOf(T value) {
@@ -82,8 +92,8 @@ Expected expectedOf(T value) {
   } else if constexpr (sizeof(T) == 8) {
     expected.bits = static_cast<std::uint64_t>(value);
   } else {
-    expected.bits = static_cast<std::uint32_t>(value);
-    expected.mask = 0xFFFFFFFF;
+    expected.mask = (std::uint64_t{1} << (8 * std::max(sizeof(T), kExtendedBytes))) - 1;
+    expected.bits = static_cast<std::uint64_t>(value) & expected.mask;
   }
   return expected;
 }
