@@ -195,7 +195,14 @@ foreach(slice IN LISTS OSTREVIN_SLICES)
     BYPRODUCTS ${folder}/lib/Ostrevin.dylib
     ALWAYS ON
     USES_TERMINAL ON)
-  ExternalProject_Add_StepTargets(slice-${slice} library)
+  ExternalProject_Add_Step(slice-${slice} programs
+    COMMAND ${CMAKE_COMMAND} --build <BINARY_DIR> --target mac_programs
+    DEPENDEES library
+    BYPRODUCTS ${folder}/lib/libmac_programs.dylib
+    ALWAYS ON
+    EXCLUDE_FROM_MAIN ON
+    USES_TERMINAL ON)
+  ExternalProject_Add_StepTargets(slice-${slice} library programs)
 endforeach()
 
 # --- universal files
@@ -221,6 +228,10 @@ endfunction()
 
 ostrevin_join(Ostrevin lib/Ostrevin.dylib -library)
 ostrevin_join(ostrevin-host bin/ostrevin-host "")
+
+# For ./test --mac alone.
+ostrevin_join(mac_programs lib/libmac_programs.dylib -programs)
+set_target_properties(mac_programs PROPERTIES EXCLUDE_FROM_ALL ON)
 
 # --- the check
 

@@ -7,12 +7,16 @@
 
 #include <algorithm>
 #include <atomic>
+#include <fstream>
+#include <iterator>
 #include <mutex>
 #include <sstream>
+#include <stdexcept>
 #include <utility>
 #include <vector>
 
 #include "support/process.h"
+#include "tools/macho/image.h"
 
 namespace faults {
 
@@ -38,13 +42,80 @@ std::set<std::string> names(const std::vector<std::string>& options, const std::
 
 }  // namespace
 
+// --- a library for the Mac, whose names begin with an underscore
+
+namespace {
+
+#ifdef __aarch64__
+constexpr const char* kArchitecture = "arm64";
+#else
+constexpr const char* kArchitecture = "x86_64";
+#endif
+
+std::vector<std::uint8_t> contentsOf(const std::string& library) {
+  std::ifstream file(library, std::ios::binary);
+  return {std::istreambuf_iterator<char>(file), {}};
+}
+
+std::string withoutUnderscore(std::string_view name) { return std::string(name.substr(name.starts_with('_') ? 1 : 0)); }
+
+/// Calls `use` with the part of the library that is for this processor.
+template <typename Use>
+auto withImage(const std::string& library, Use use) {
+  const std::vector<std::uint8_t> file = contentsOf(library);
+  for (const macho::Image& image : macho::imagesIn(file)) {
+    if (image.architecture() == kArchitecture) {
+      return use(image);
+    }
+  }
+  throw std::runtime_error(library + " has no code for this processor");
+}
+
+std::set<std::string> importsOf(const macho::Image& image) {
+  std::set<std::string> names;
+  for (const macho::Import& import : image.imports()) {
+    names.insert(withoutUnderscore(import.name));
+  }
+  return names;
+}
+
+std::map<std::string, std::uintptr_t> symbolsOf(const macho::Image& image) {
+  std::map<std::string, std::uintptr_t> result;
+  for (const macho::Symbol& symbol : image.symbols()) {
+    result[withoutUnderscore(symbol.name)] = symbol.address - image.baseAddress();
+  }
+  return result;
+}
+
+std::set<std::string> selectorsOf(const macho::Image& image) {
+  std::set<std::string> selectors;
+  if (const macho::Section* const references = image.findSection("__objc_selrefs")) {
+    for (std::uint64_t at = 0; at < references->size; at += sizeof(std::uint64_t)) {
+      selectors.emplace(image.textAt(image.pointerAt(references->address + at).value));
+    }
+  }
+  return selectors;
+}
+
+}  // namespace
+
+bool isForMac(const std::string& library) { return macho::isMacho(contentsOf(library)); }
+
+// --- either
+
 std::set<std::string> undefinedSymbols(const std::string& library) {
+  if (isForMac(library)) {
+    return withImage(library, importsOf);
+  }
   return names({"-D", "--undefined-only"}, library);
 }
 
 std::set<std::string> definedSymbols(const std::string& library) { return names({"-D", "--defined-only"}, library); }
 
 std::map<std::string, std::uintptr_t> ownSymbols(const std::string& library) {
+  if (isForMac(library)) {
+    return withImage(library, symbolsOf);
+  }
   std::istringstream lines = listing({"--defined-only"}, library);
   std::map<std::string, std::uintptr_t> result;
   for (std::string line; std::getline(lines, line);) {
@@ -60,6 +131,9 @@ std::map<std::string, std::uintptr_t> ownSymbols(const std::string& library) {
 }
 
 std::set<std::string> sentSelectors(const std::string& library) {
+  if (isForMac(library)) {
+    return withImage(library, selectorsOf);
+  }
   // The compiler makes a text of this name for each selector that a message expression uses.
   static const std::string kPrefix = ".objc_sel_name";
   std::set<std::string> selectors;

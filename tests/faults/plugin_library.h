@@ -11,6 +11,8 @@
 
 namespace faults {
 
+/// Whether the library is for the Mac. Then names are those of C, without the leading underscore.
+bool isForMac(const std::string& library);
 /// The symbols that the dynamic linker has to find elsewhere, without their versions.
 std::set<std::string> undefinedSymbols(const std::string& library);
 /// The symbols that other libraries find in this one, without their versions.

@@ -4,6 +4,8 @@
 
 #include <sstream>
 #include <stdexcept>
+#include <thread>
+#include <utility>
 
 #include "display/internal.h"
 #include "faults/plugin_library.h"
@@ -24,16 +26,20 @@ using std::chrono::seconds;
 
 std::vector<seconds> limits_asked_for;
 
+/// The library's own wait: its std::future may be of another standard library than this program's.
+DisplayServices::internal::WalkWait wait_of_library = nullptr;
+
 /// Ends when there is a result, or when no walk is left that could give one.
 std::future_status waitUntilNoWalkIsLeft(const std::future<bool>& result, seconds limit) {
   limits_asked_for.push_back(limit);
   constexpr std::chrono::microseconds kStep{200};
   while (platform::unfinishedBlocks() > 0) {
-    if (result.wait_for(kStep) == std::future_status::ready) {
+    if (wait_of_library(result, seconds(0)) == std::future_status::ready) {
       return std::future_status::ready;
     }
+    std::this_thread::sleep_for(kStep);
   }
-  return result.wait_for(seconds(0));
+  return wait_of_library(result, seconds(0));
 }
 
 /// The variable is not exported: its offset comes from the library's symbol table.
@@ -44,7 +50,8 @@ void replaceWait(const devhost::Plugin& plugin) {
     throw std::runtime_error("the plugin's load address is unknown");
   }
   auto* const base = static_cast<char*>(info.dli_fbase);
-  *reinterpret_cast<DisplayServices::internal::WalkWait*>(base + offset) = waitUntilNoWalkIsLeft;
+  auto* const wait = reinterpret_cast<DisplayServices::internal::WalkWait*>(base + offset);
+  wait_of_library = std::exchange(*wait, waitUntilNoWalkIsLeft);
 }
 
 /// A wide-gamut display profile with a document of the plugin's own.

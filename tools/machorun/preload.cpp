@@ -30,6 +30,12 @@ Function* original(const char* name, const char* version = kVersion) {
   return reinterpret_cast<Function*>(dlvsym(RTLD_NEXT, name, version));
 }
 
+/// Found before the first failure, because dlvsym clears what dlerror is to return.
+auto* originalError() {
+  static auto* const found = original<char*()>("dlerror");
+  return found;
+}
+
 /// What dlerror() is to return next, for this thread.
 thread_local std::string error;
 thread_local bool has_error = false;
@@ -98,6 +104,7 @@ REPLACEMENT void* findSymbol(void* handle, const char* name) __asm__("dlsym");
 
 void* openLibrary(const char* path, int flags) {
   static auto* const next = original<void*(const char*, int)>("dlopen");
+  originalError();
   if (isForMac(path)) {
     return openForMac(path);
   }
@@ -106,6 +113,7 @@ void* openLibrary(const char* path, int flags) {
 
 void* findSymbol(void* handle, const char* name) {
   static auto* const next = original<void*(void*, const char*)>("dlsym");
+  originalError();
   if (const machorun::LoadedImage* const image = imageOfHandle(handle)) {
     return findIn(*image, name);
   }
@@ -119,9 +127,8 @@ REPLACEMENT int dlclose(void* handle) noexcept {
 }
 
 REPLACEMENT char* dlerror() noexcept {
-  static auto* const next = original<char*()>("dlerror");
   if (!has_error) {
-    return next();
+    return originalError()();
   }
   has_error = false;
   return error.data();
