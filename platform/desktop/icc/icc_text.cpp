@@ -1,7 +1,5 @@
 #include "desktop/icc/icc_text.h"
 
-#include <glib.h>
-
 #include <algorithm>
 #include <array>
 
@@ -99,7 +97,7 @@ std::string utf8FromUtf16(std::string_view bytes) {
 
 /// As UTF-8 when they are that, else as Latin-1.
 std::string utf8FromBytes(std::string bytes) {
-  if (g_utf8_validate(bytes.data(), static_cast<gssize>(bytes.size()), nullptr) != FALSE) {
+  if (isUtf8(bytes)) {
     return bytes;
   }
   std::string text;

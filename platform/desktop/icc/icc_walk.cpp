@@ -2,7 +2,6 @@
 
 #include <dirent.h>
 #include <fcntl.h>
-#include <glib.h>
 #include <sys/stat.h>
 
 #include <algorithm>
@@ -11,6 +10,7 @@
 
 #include "desktop/icc/icc_profile.h"
 #include "desktop/icc/icc_text.h"
+#include "desktop/model/utf8.h"
 
 namespace platform::desktop {
 namespace {
@@ -30,8 +30,7 @@ FileTime fileSystemTime() {
 /// Whether a file's name ends in .icc or .icm, in any case.
 bool isProfileName(std::string_view name) {
   const std::string_view end = name.substr(name.size() - std::min<std::size_t>(name.size(), 4));
-  return end.size() == 4 &&
-         (g_ascii_strncasecmp(end.data(), ".icc", 4) == 0 || g_ascii_strncasecmp(end.data(), ".icm", 4) == 0);
+  return equalsIgnoringCase(end, ".icc") || equalsIgnoringCase(end, ".icm");
 }
 
 unsigned char typeOf(int directory, const dirent& entry) {

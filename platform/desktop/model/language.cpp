@@ -1,18 +1,11 @@
 #include "desktop/model/language.h"
 
-#include <glib.h>
-
 #include <algorithm>
 #include <cstdlib>
 
+#include "desktop/model/utf8.h"
+
 namespace platform::desktop {
-namespace {
-
-bool isSame(std::string_view first, std::string_view second) {
-  return first.size() == second.size() && g_ascii_strncasecmp(first.data(), second.data(), first.size()) == 0;
-}
-
-}  // namespace
 
 Language languageOfLocale(std::string_view locale) {
   locale = locale.substr(0, locale.find_first_of(".@:"));
@@ -34,10 +27,10 @@ Language userLanguage() {
 }
 
 int languageRank(std::string_view language, std::string_view country, const Language& wanted) {
-  if (isSame(language, wanted.language)) {
-    return isSame(country, wanted.country) ? 5 : country.empty() ? 4 : 3;
+  if (equalsIgnoringCase(language, wanted.language)) {
+    return equalsIgnoringCase(country, wanted.country) ? 5 : country.empty() ? 4 : 3;
   }
-  if (isSame(language, "en")) {
+  if (equalsIgnoringCase(language, "en")) {
     return country.empty() ? 2 : 1;
   }
   return 0;

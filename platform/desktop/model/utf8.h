@@ -1,4 +1,4 @@
-// Text of other encodings in UTF-8. Any thread may call.
+// UTF-8: its validity, and text of other encodings in it. Any thread may call.
 #pragma once
 
 #include <string>
@@ -10,6 +10,11 @@ inline constexpr char32_t kReplacementCharacter = 0xFFFD;
 
 /// `character` is a Unicode scalar value.
 void appendUtf8(std::string& text, char32_t character);
+
+bool isUtf8(std::string_view bytes);
+
+/// Case-insensitive for the letters of ASCII.
+bool equalsIgnoringCase(std::string_view first, std::string_view second);
 
 /// The bytes in UTF-8. `encoding` is a name of iconv's, of an encoding that contains ASCII. A byte that the encoding
 /// does not define becomes U+FFFD, as does every byte above 0x7F when this system cannot convert from the encoding.

@@ -1,9 +1,9 @@
 #include "desktop/model/uuid.h"
 
-#include <glib.h>
+#include <nettle/sha1.h>
 
 #include <algorithm>
-#include <memory>
+#include <charconv>
 
 #include "desktop/model/edid.h"
 
@@ -14,12 +14,6 @@ namespace {
 constexpr Uuid kNamespace = {0x2E, 0xC8, 0x8F, 0xBC, 0x09, 0x0C, 0x44, 0x01,
                              0x9E, 0x88, 0x48, 0x9C, 0x21, 0x0B, 0x39, 0xBB};
 
-constexpr std::size_t kSha1Size = 20;
-
-struct ChecksumFree {
-  void operator()(GChecksum* checksum) const { g_checksum_free(checksum); }
-};
-
 constexpr std::size_t kTextSize = 36;
 
 bool isDashPosition(std::size_t position) {
@@ -28,32 +22,30 @@ bool isDashPosition(std::size_t position) {
 
 class NameBasedUuid {
  public:
-  NameBasedUuid() : checksum_(g_checksum_new(G_CHECKSUM_SHA1)) { add(kNamespace); }
-
-  void add(std::span<const std::uint8_t> bytes) {
-    g_checksum_update(checksum_.get(), bytes.data(), static_cast<gssize>(bytes.size()));
+  NameBasedUuid() {
+    sha1_init(&digest_);
+    add(kNamespace);
   }
+
+  void add(std::span<const std::uint8_t> bytes) { sha1_update(&digest_, bytes.size(), bytes.data()); }
 
   /// A text and a zero byte after it, so that it cannot run into what follows.
   void add(std::string_view text) {
-    g_checksum_update(checksum_.get(), reinterpret_cast<const guchar*>(text.data()), static_cast<gssize>(text.size()));
+    add({reinterpret_cast<const std::uint8_t*>(text.data()), text.size()});
     constexpr std::uint8_t kEnd = 0;
     add({&kEnd, 1});
   }
 
   Uuid finish() {
-    std::array<guint8, kSha1Size> digest{};
-    gsize size = digest.size();
-    g_checksum_get_digest(checksum_.get(), digest.data(), &size);
     Uuid uuid{};
-    std::copy_n(digest.begin(), uuid.size(), uuid.begin());
+    sha1_digest(&digest_, uuid.size(), uuid.data());
     uuid[6] = static_cast<std::uint8_t>((uuid[6] & 0x0F) | 0x50);  // version 5
     uuid[8] = static_cast<std::uint8_t>((uuid[8] & 0x3F) | 0x80);  // the variant of RFC 4122
     return uuid;
   }
 
  private:
-  std::unique_ptr<GChecksum, ChecksumFree> checksum_;
+  sha1_ctx digest_{};
 };
 
 }  // namespace
@@ -77,20 +69,15 @@ std::optional<Uuid> parseUuid(std::string_view text) {
     return std::nullopt;
   }
   Uuid uuid{};
-  std::size_t digits = 0;
-  for (std::size_t i = 0; i < kTextSize; ++i) {
-    if (isDashPosition(i)) {
-      if (text[i] != '-') {
-        return std::nullopt;
-      }
-      continue;
-    }
-    const int digit = g_ascii_xdigit_value(text[i]);
-    if (digit < 0) {
+  const char* next = text.data();
+  for (std::uint8_t& byte : uuid) {
+    if (isDashPosition(static_cast<std::size_t>(next - text.data())) && *next++ != '-') {
       return std::nullopt;
     }
-    std::uint8_t& byte = uuid[digits++ / 2];
-    byte = static_cast<std::uint8_t>(byte << 4 | digit);
+    if (std::from_chars(next, next + 2, byte, 16).ptr != next + 2) {
+      return std::nullopt;
+    }
+    next += 2;
   }
   return uuid;
 }

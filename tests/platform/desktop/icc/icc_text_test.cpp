@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 #include <lcms2.h>
 
+#include <algorithm>
 #include <memory>
 #include <optional>
 #include <string>
@@ -109,6 +110,25 @@ TEST(IccText, ReadsOtherBytesOfADescAsUtf8ElseLatin1) {
   EXPECT_THAT(textOf(descElement("Büro")), Optional(Eq("Büro")));
   EXPECT_THAT(textOf(descElement("B\xFCro")), Optional(Eq("Büro")));
   EXPECT_THAT(textOf(descElement("overlong \xC0\x80")), Optional(Eq("overlong À\xC2\x80")));
+}
+
+/// Bytes at the bounds of what each place of a UTF-8 sequence may hold.
+TEST(IccText, TakesForUtf8WhatIcuTakes) {
+  const std::string leads = "a\x80\xC1\xC2\xDF\xE0\xE1\xED\xEF\xF0\xF4\xF5";
+  const std::string others = "a\x80\x8F\x90\x9F\xA0\xBF\xC0";
+  const auto expected = [](const std::string& bytes) {
+    std::u16string latin1;
+    std::transform(bytes.begin(), bytes.end(), std::back_inserter(latin1), [](unsigned char byte) { return byte; });
+    return support::utf16ByIcu(bytes) ? bytes : support::utf8ByIcu(latin1);
+  };
+  for (const char lead : leads) {
+    for (const char second : others) {
+      for (const std::string rest : {"", "\x80", "\xBF\xBF", "\x80\x80\x80"}) {
+        const std::string bytes = std::string{lead, second} + rest;
+        ASSERT_EQ(textOf(textElement(bytes)), expected(bytes)) << testing::PrintToString(bytes);
+      }
+    }
+  }
 }
 
 TEST(IccText, ReturnsNothingForADescLongerThanTheElement) {
