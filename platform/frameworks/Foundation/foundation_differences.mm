@@ -1,7 +1,7 @@
 // Makes the system's Foundation behave like Apple's, where the plugin sees a difference.
 //
-// Methods are replaced for the whole process when this library is loaded, before anything that links to it runs. Each
-// function below changes what its comment names and nothing else.
+// Categories replace the methods for the whole process when this library is loaded, before anything that links to it
+// runs. Each method below changes what its comment names and nothing else.
 //
 // Two differences stay, because nothing depends on them: a file URL made from a relative path is absolute at once, and
 // accented characters are not decomposed in file URLs, because here a decomposed file name is another name.
@@ -12,6 +12,8 @@
 #include <unistd.h>
 
 #include <climits>
+#include <cstdlib>
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -23,69 +25,49 @@ extern "C" const char* GSPathHandling(const char* mode);  // Foundation exports 
 
 namespace {
 
+/// The class's own method, which a category hides that has the same one.
+template <typename Function>
+Function hiddenMethod(const char* class_name, SEL selector) {
+  unsigned count = 0;
+  const std::unique_ptr<Method, decltype(&std::free)> methods(class_copyMethodList(objc_getClass(class_name), &count),
+                                                              std::free);
+  // Those of categories come first.
+  while (!sel_isEqual(method_getName(methods.get()[count - 1]), selector)) {
+    --count;
+  }
+  // By way of void (*)(), as compilers warn of other casts between functions.
+  const auto function = reinterpret_cast<void (*)()>(method_getImplementation(methods.get()[count - 1]));
+  return reinterpret_cast<Function>(function);
+}
+
 // --- searching: the empty string is never found; the system's Foundation finds it at the start. A part that begins
 //     with a combining character is searched literally; the system's Foundation raises an exception. containsString:
 //     calls rangeOfString: in both.
 
 constexpr NSRange kNotFound = {NSNotFound, 0};
 
-struct Originals {
-  NSRange (*rangeOfString)(id, SEL, NSString*) = nullptr;
-  NSRange (*rangeOfStringOptions)(id, SEL, NSString*, NSStringCompareOptions) = nullptr;
-  NSRange (*rangeOfStringOptionsRange)(id, SEL, NSString*, NSStringCompareOptions, NSRange) = nullptr;
-  NSRange (*rangeInImmutableString)(id, SEL, NSString*, NSStringCompareOptions, NSRange) = nullptr;
-  NSRange (*rangeOfStringInLocale)(id, SEL, NSString*, NSStringCompareOptions, NSRange, NSLocale*) = nullptr;
-  NSData* (*data)(id, SEL, NSStringEncoding, BOOL) = nullptr;
-  NSData* (*dataOfImmutableString)(id, SEL, NSStringEncoding, BOOL) = nullptr;
-  const char* (*utf8)(id, SEL) = nullptr;
-  const char* (*utf8OfUnicodeString)(id, SEL) = nullptr;
-  const char* (*utf8OfMutableString)(id, SEL) = nullptr;
-  NSString* (*path)(id, SEL) = nullptr;
-};
-
-Originals originals;
-
 /// An empty regular expression matches, also on the Mac; a null part is left to the original, which raises.
 bool isNeverFound(NSString* part, NSStringCompareOptions options) {
   return part != nil && [part length] == 0 && (options & NSRegularExpressionSearch) == 0;
 }
 
-NSRange rangeOfString(id self, SEL selector, NSString* part) {
-  return isNeverFound(part, 0) ? kNotFound : originals.rangeOfString(self, selector, part);
-}
+using SearchInRange = NSRange (*)(id, SEL, NSString*, NSStringCompareOptions, NSRange);
 
-NSRange rangeOfStringOptions(id self, SEL selector, NSString* part, NSStringCompareOptions options) {
-  return isNeverFound(part, options) ? kNotFound : originals.rangeOfStringOptions(self, selector, part, options);
-}
-
-template <auto Original>
-NSRange rangeOfStringOptionsRange(id self, SEL selector, NSString* part, NSStringCompareOptions options,
-                                  NSRange range) {
+NSRange rangeInString(SearchInRange original, id self, SEL selector, NSString* part, NSStringCompareOptions options,
+                      NSRange range) {
   return isNeverFound(part, options) && NSMaxRange(range) <= [self length]
              ? kNotFound
-             : (originals.*Original)(self, selector, part, options, range);
-}
-
-/// Where the other forms end, unless the part is a regular expression.
-NSRange rangeOfStringInLocale(id self, SEL selector, NSString* part, NSStringCompareOptions options, NSRange range,
-                              NSLocale* locale) {
-  @try {
-    return originals.rangeOfStringInLocale(self, selector, part, options, range, locale);
-  } @catch (NSException*) {
-    if ((options & NSLiteralSearch) != 0 || part == nil || NSMaxRange(range) > [self length]) {
-      @throw;
-    }
-    return originals.rangeOfStringInLocale(self, selector, part, options | NSLiteralSearch, range, locale);
-  }
+             : original(self, selector, part, options, range);
 }
 
 // --- lone surrogates, as at the end of a substring: UTF8String returns null and a lossy conversion replaces them; in
 //     the system's Foundation the first raises an exception and the second fails
 
-template <auto Original>
-const char* utf8String(id self, SEL selector) {
+using Utf8String = const char* (*)(id, SEL);
+
+const char* utf8OrNull(Utf8String original, id self, SEL selector) {
   @try {
-    return (originals.*Original)(self, selector);
+    return original(self, selector);
   } @catch (NSException*) {
     return nullptr;
   }
@@ -114,9 +96,10 @@ NSString* withoutLoneSurrogates(NSString* text) {
   return [NSString stringWithCharacters:units.data() length:units.size()];
 }
 
-template <auto Original>
-NSData* dataUsingEncoding(id self, SEL selector, NSStringEncoding encoding, BOOL lossy) {
-  NSData* const data = (originals.*Original)(self, selector, encoding, lossy);
+using Encode = NSData* (*)(id, SEL, NSStringEncoding, BOOL);
+
+NSData* encode(Encode original, id self, SEL selector, NSStringEncoding encoding, BOOL lossy) {
+  NSData* const data = original(self, selector, encoding, lossy);
   if (data != nil || !lossy) {
     return data;
   }
@@ -177,16 +160,6 @@ void requirePath(SEL selector, NSString* path) {
   }
 }
 
-id initFileUrlWithPath(id self, SEL selector, NSString* path) {
-  requirePath(selector, path);
-  return initFileUrl(self, absolutePath(path), std::nullopt);
-}
-
-id initFileUrlWithPathIsDirectory(id self, SEL selector, NSString* path, BOOL is_directory) {
-  requirePath(selector, path);
-  return initFileUrl(self, absolutePath(path), is_directory);
-}
-
 // --- the path of a URL: the system's Foundation unescapes it on the stack, which a very long path overflows
 
 constexpr NSUInteger kLongUrl = 65536;
@@ -209,10 +182,118 @@ std::string unescapedPath(std::string_view url) {
   return path;
 }
 
-NSString* path(id self, SEL selector) {
+/// "\" is an ordinary character in a path; the system's Foundation also takes it for a separator.
+__attribute__((constructor)) void separatePathsAtSlashesOnly() { GSPathHandling("unix"); }
+
+}  // namespace
+
+#pragma clang diagnostic push
+#pragma clang diagnostic ignored "-Wobjc-protocol-method-implementation"  // deliberate
+
+@implementation NSString (PlatformDifferences)
+
+- (NSRange)rangeOfString:(NSString*)part {
+  static const auto original = hiddenMethod<NSRange (*)(id, SEL, NSString*)>("NSString", _cmd);
+  return isNeverFound(part, 0) ? kNotFound : original(self, _cmd, part);
+}
+
+- (NSRange)rangeOfString:(NSString*)part options:(NSStringCompareOptions)options {
+  static const auto original = hiddenMethod<NSRange (*)(id, SEL, NSString*, NSStringCompareOptions)>("NSString", _cmd);
+  return isNeverFound(part, options) ? kNotFound : original(self, _cmd, part, options);
+}
+
+- (NSRange)rangeOfString:(NSString*)part options:(NSStringCompareOptions)options range:(NSRange)range {
+  static const auto original = hiddenMethod<SearchInRange>("NSString", _cmd);
+  return rangeInString(original, self, _cmd, part, options, range);
+}
+
+/// Where the other forms end, unless the part is a regular expression.
+- (NSRange)rangeOfString:(NSString*)part
+                 options:(NSStringCompareOptions)options
+                   range:(NSRange)range
+                  locale:(NSLocale*)locale {
+  using Search = NSRange (*)(id, SEL, NSString*, NSStringCompareOptions, NSRange, NSLocale*);
+  static const auto original = hiddenMethod<Search>("NSString", _cmd);
+  @try {
+    return original(self, _cmd, part, options, range, locale);
+  } @catch (NSException*) {
+    if ((options & NSLiteralSearch) != 0 || part == nil || NSMaxRange(range) > [self length]) {
+      @throw;
+    }
+    return original(self, _cmd, part, options | NSLiteralSearch, range, locale);
+  }
+}
+
+- (const char*)UTF8String {
+  static const auto original = hiddenMethod<Utf8String>("NSString", _cmd);
+  return utf8OrNull(original, self, _cmd);
+}
+
+- (NSData*)dataUsingEncoding:(NSStringEncoding)encoding allowLossyConversion:(BOOL)lossy {
+  static const auto original = hiddenMethod<Encode>("NSString", _cmd);
+  return encode(original, self, _cmd, encoding, lossy);
+}
+
+@end
+
+// Foundation's own classes with such methods; others hold no surrogates.
+
+@interface GSUnicodeString : NSString
+@end
+@interface GSMutableString : NSMutableString
+@end
+@interface GSImmutableString : NSString
+@end
+
+@implementation GSUnicodeString (PlatformDifferences)
+
+- (const char*)UTF8String {
+  static const auto original = hiddenMethod<Utf8String>("GSUnicodeString", _cmd);
+  return utf8OrNull(original, self, _cmd);
+}
+
+@end
+
+@implementation GSMutableString (PlatformDifferences)
+
+- (const char*)UTF8String {
+  static const auto original = hiddenMethod<Utf8String>("GSMutableString", _cmd);
+  return utf8OrNull(original, self, _cmd);
+}
+
+@end
+
+@implementation GSImmutableString (PlatformDifferences)
+
+- (NSRange)rangeOfString:(NSString*)part options:(NSStringCompareOptions)options range:(NSRange)range {
+  static const auto original = hiddenMethod<SearchInRange>("GSImmutableString", _cmd);
+  return rangeInString(original, self, _cmd, part, options, range);
+}
+
+- (NSData*)dataUsingEncoding:(NSStringEncoding)encoding allowLossyConversion:(BOOL)lossy {
+  static const auto original = hiddenMethod<Encode>("GSImmutableString", _cmd);
+  return encode(original, self, _cmd, encoding, lossy);
+}
+
+@end
+
+@implementation NSURL (PlatformDifferences)
+
+- (id)initFileURLWithPath:(NSString*)path {
+  requirePath(_cmd, path);
+  return initFileUrl(self, absolutePath(path), std::nullopt);
+}
+
+- (id)initFileURLWithPath:(NSString*)path isDirectory:(BOOL)isDirectory {
+  requirePath(_cmd, path);
+  return initFileUrl(self, absolutePath(path), isDirectory);
+}
+
+- (NSString*)path {
+  static const auto original = hiddenMethod<NSString* (*)(id, SEL)>("NSURL", _cmd);
   NSString* const text = [self relativeString];
   if ([text length] <= kLongUrl || ![self isFileURL] || [self baseURL] != nil) {
-    return originals.path(self, selector);
+    return original(self, _cmd);
   }
   std::string unescaped = unescapedPath([text UTF8String]);
   if (unescaped.size() > 1 && unescaped.back() == '/') {
@@ -221,78 +302,6 @@ NSString* path(id self, SEL selector) {
   return [NSString stringWithUTF8String:unescaped.c_str()];
 }
 
-// --- replacing the methods
-
-/// An IMP stands for methods of every signature; compilers warn of casts that do not go by way of void (*)().
-template <typename To, typename From>
-To castMethod(From function) {
-  return reinterpret_cast<To>(reinterpret_cast<void (*)()>(function));
-}
-
-/// Replaces the method that `type` itself implements and returns the original.
-template <typename Function>
-Function replace(Class type, SEL selector, Function replacement) {
-  Method method = class_getInstanceMethod(type, selector);
-  return castMethod<Function>(
-      class_replaceMethod(type, selector, castMethod<IMP>(replacement), method_getTypeEncoding(method)));
-}
-
-void doNothing(id, SEL) {}
-
-/// The run-time updates subclasses in use when a method is added, but not when one is replaced.
-void updateSubclasses(Class type) {
-  class_addMethod(type, sel_registerName("platformHasReplacedMethods"), castMethod<IMP>(doNothing), "v16@0:8");
-}
-
-void replaceStringMethods() {
-  const Class string = [NSString class];
-  // Classes with these methods of their own; others hold no surrogates.
-  const Class unicode_string = objc_getClass("GSUnicodeString");
-  const Class mutable_string = objc_getClass("GSMutableString");
-  const Class immutable_string = objc_getClass("GSImmutableString");
-  originals.rangeOfString = replace(string, @selector(rangeOfString:), rangeOfString);
-  originals.rangeOfStringOptions = replace(string, @selector(rangeOfString:options:), rangeOfStringOptions);
-  originals.rangeOfStringOptionsRange = replace(string, @selector(rangeOfString:options:range:),
-                                                rangeOfStringOptionsRange<&Originals::rangeOfStringOptionsRange>);
-  originals.rangeInImmutableString = replace(immutable_string, @selector(rangeOfString:options:range:),
-                                             rangeOfStringOptionsRange<&Originals::rangeInImmutableString>);
-  originals.rangeOfStringInLocale =
-      replace(string, @selector(rangeOfString:options:range:locale:), rangeOfStringInLocale);
-  originals.utf8 = replace(string, @selector(UTF8String), utf8String<&Originals::utf8>);
-  originals.utf8OfUnicodeString =
-      replace(unicode_string, @selector(UTF8String), utf8String<&Originals::utf8OfUnicodeString>);
-  originals.utf8OfMutableString =
-      replace(mutable_string, @selector(UTF8String), utf8String<&Originals::utf8OfMutableString>);
-  originals.data =
-      replace(string, @selector(dataUsingEncoding:allowLossyConversion:), dataUsingEncoding<&Originals::data>);
-  originals.dataOfImmutableString = replace(immutable_string, @selector(dataUsingEncoding:allowLossyConversion:),
-                                            dataUsingEncoding<&Originals::dataOfImmutableString>);
-  updateSubclasses(string);
-}
-
-void replaceUrlMethods() {
-  const Class url = [NSURL class];
-  replace(url, @selector(initFileURLWithPath:), initFileUrlWithPath);
-  replace(url, @selector(initFileURLWithPath:isDirectory:), initFileUrlWithPathIsDirectory);
-  originals.path = replace(url, @selector(path), path);
-  updateSubclasses(url);
-}
-
-void closeDifferences() {
-  replaceStringMethods();
-  replaceUrlMethods();
-  // "\" is an ordinary character in a path; the system's Foundation also takes it for a separator.
-  GSPathHandling("unix");
-}
-
-}  // namespace
-
-/// Runs when this library is loaded, after the selectors of this file are registered; an initialiser would run before.
-@interface PlatformFoundationDifferences : NSObject
 @end
 
-@implementation PlatformFoundationDifferences
-+ (void)load {
-  closeDifferences();
-}
-@end
+#pragma clang diagnostic pop
