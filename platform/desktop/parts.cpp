@@ -12,7 +12,7 @@ const void* load(const char* library, const char* table) {
   Dl_info self{};
   dladdr(reinterpret_cast<const void*>(&load), &self);
   const std::string path = self.dli_fname;
-  void* const loaded = dlopen((path.substr(0, path.rfind('/') + 1) + library).c_str(), RTLD_NOW | RTLD_LOCAL);
+  void* const loaded = dlopen((path.substr(0, path.rfind('/') + 1) + library).c_str(), RTLD_LAZY | RTLD_LOCAL);
   const void* const found = loaded == nullptr ? nullptr : dlsym(loaded, table);
   if (found == nullptr) {
     std::fprintf(stderr, "%s\n", dlerror());
