@@ -135,20 +135,22 @@ TEST_F(WaitingTest, PipeGetsNoNotice) {
   EXPECT_EQ(run.document()["displays"][0]["name"], "Seven");
 }
 
-TEST_F(WaitingTest, InterruptEndsListAndClearsTheLine) {
-  ToolOnTerminal tool({"--desktop", desktopWithWalk(R"({"hang": true})"), "list"});
+struct Interrupted {
+  std::string command;
+  int status = 0;
+};
+
+class InterruptTest : public WaitingTest, public testing::WithParamInterface<Interrupted> {};
+
+TEST_P(InterruptTest, EndsAWaitAndClearsTheLine) {
+  ToolOnTerminal tool({"--desktop", desktopWithWalk(R"({"hang": true})"), GetParam().command});
   ASSERT_THAT(tool.readUntil("Ctrl-C ends it"), HasSubstr("waiting for the name of display 7"));
   tool.type(kInterrupt);
   EXPECT_THAT(tool.readToEnd(), EndsWith(kCleared));
-  EXPECT_EQ(tool.status(), 130);
+  EXPECT_EQ(tool.status(), GetParam().status);
 }
 
-TEST_F(WaitingTest, InterruptEndsWatchWithSuccess) {
-  ToolOnTerminal tool({"--desktop", desktopWithWalk(R"({"hang": true})"), "watch"});
-  ASSERT_THAT(tool.readUntil("Ctrl-C ends it"), HasSubstr("waiting for the name of display 7"));
-  tool.type(kInterrupt);
-  EXPECT_THAT(tool.readToEnd(), EndsWith(kCleared));
-  EXPECT_EQ(tool.status(), 0);
-}
+INSTANTIATE_TEST_SUITE_P(, InterruptTest, testing::Values(Interrupted{"list", 130}, Interrupted{"watch", 0}),
+                         [](const auto& info) { return info.param.command; });
 
 }  // namespace
