@@ -2,6 +2,6 @@
 
 namespace platform::desktop {
 
-extern "C" PLATFORM_API const GamutPart ostrevin_gamut_part{.color_space = part::colorSpaceOf};
+extern "C" PLATFORM_API const GamutPart ostrevin_gamut_part{.color_space = colorSpaceOf};
 
 }  // namespace platform::desktop

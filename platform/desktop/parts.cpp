@@ -7,49 +7,48 @@
 namespace platform::desktop {
 namespace {
 
-/// The part's table, exported under this name by the library in the folder of this one.
-const void* load(const char* library, const char* table) {
+/// The part's table, exported under this name by the library in the folder of this one; else `none`.
+template <typename Part>
+const Part& load(const char* library, const char* table, const Part& none) {
   Dl_info self{};
-  dladdr(reinterpret_cast<const void*>(&load), &self);
+  dladdr(&none, &self);
   const std::string path = self.dli_fname;
+  // Lazy, since the libraries of these libraries have thousands of functions and few are called.
   void* const loaded = dlopen((path.substr(0, path.rfind('/') + 1) + library).c_str(), RTLD_LAZY | RTLD_LOCAL);
   const void* const found = loaded == nullptr ? nullptr : dlsym(loaded, table);
   if (found == nullptr) {
     std::fprintf(stderr, "%s\n", dlerror());
+    return none;
   }
-  return found;
+  return *static_cast<const Part*>(found);
 }
+
+ArrangementSource noDisplays() {
+  return [none = std::make_shared<const Arrangement>()] { return none; };
+}
+
+constexpr X11Part kNoX11{.displays = noDisplays, .ask = [] { return XServerReport{}; }};
+constexpr ColordPart kNoColord{
+    .visit = [](const ArrangementSource&, const DeviceProfileVisitor&) {},
+    .assign = [](const ArrangementSource&, const Uuid&, const std::string&) { return false; },
+    .ask = [](const std::vector<Display>&) { return ColordReport{}; }};
+constexpr GamutPart kNoGamut{.color_space = [](const IccProfile&) { return std::optional<ColorSpace>(); }};
 
 }  // namespace
 
-const X11Part* x11Part() {
-  static const auto* const part = static_cast<const X11Part*>(load("libOstrevinX11.so", "ostrevin_x11_part"));
+const X11Part& x11Part() {
+  static const X11Part& part = load("libOstrevinX11.so", "ostrevin_x11_part", kNoX11);
   return part;
 }
 
-const ColordPart* colordPart() {
-  static const auto* const part = static_cast<const ColordPart*>(load("libOstrevinColord.so", "ostrevin_colord_part"));
+const ColordPart& colordPart() {
+  static const ColordPart& part = load("libOstrevinColord.so", "ostrevin_colord_part", kNoColord);
   return part;
 }
 
-const GamutPart* gamutPart() {
-  static const auto* const part = static_cast<const GamutPart*>(load("libOstrevinGamut.so", "ostrevin_gamut_part"));
+const GamutPart& gamutPart() {
+  static const GamutPart& part = load("libOstrevinGamut.so", "ostrevin_gamut_part", kNoGamut);
   return part;
-}
-
-XServerReport askXServer() {
-  const X11Part* const part = x11Part();
-  return part == nullptr ? XServerReport{} : part->ask();
-}
-
-ColordReport askColord(const std::vector<Display>& displays) {
-  const ColordPart* const part = colordPart();
-  return part == nullptr ? ColordReport{} : part->ask(displays);
-}
-
-std::optional<ColorSpace> colorSpaceOf(const IccProfile& file) {
-  const GamutPart* const part = gamutPart();
-  return part == nullptr ? std::nullopt : part->color_space(file);
 }
 
 }  // namespace platform::desktop

@@ -16,6 +16,7 @@ namespace platform::desktop {
 struct X11Part {
   /// A new connection's displays (x11_displays.h).
   ArrangementSource (*displays)();
+  /// askXServer() (diagnosis.h).
   XServerReport (*ask)();
 };
 
@@ -23,16 +24,18 @@ struct X11Part {
 struct ColordPart {
   void (*visit)(const ArrangementSource& displays, const DeviceProfileVisitor& visit);
   bool (*assign)(const ArrangementSource& displays, const Uuid& device, const std::string& profile_path);
+  /// askColord() (diagnosis.h).
   ColordReport (*ask)(const std::vector<Display>& displays);
 };
 
 struct GamutPart {
+  /// colorSpaceOf() (icc_gamut.h).
   std::optional<ColorSpace> (*color_space)(const IccProfile& file);
 };
 
-/// Null when the library cannot be loaded, which is reported once on stderr.
-const X11Part* x11Part();
-const ColordPart* colordPart();
-const GamutPart* gamutPart();
+/// When the library cannot be loaded, which is reported once on stderr: functions that find nothing.
+PLATFORM_API const X11Part& x11Part();
+PLATFORM_API const ColordPart& colordPart();
+PLATFORM_API const GamutPart& gamutPart();
 
 }  // namespace platform::desktop

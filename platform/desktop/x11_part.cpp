@@ -10,6 +10,6 @@ ArrangementSource displays() {
 
 }  // namespace
 
-extern "C" PLATFORM_API const X11Part ostrevin_x11_part{.displays = displays, .ask = part::askXServer};
+extern "C" PLATFORM_API const X11Part ostrevin_x11_part{.displays = displays, .ask = askXServer};
 
 }  // namespace platform::desktop

@@ -3,6 +3,7 @@
 #include <cstdlib>
 
 #include "desktop/diagnosis/diagnosis.h"
+#include "desktop/parts.h"
 #include "devhost/language/value.h"
 #include "devhost/tool/doctor/doctor.h"
 #include "devhost/tool/session/displays.h"
@@ -186,12 +187,12 @@ void addColord(std::vector<Finding>& findings, const desktop::ColordReport& colo
 
 desktop::XServerReport waitForXServer() {
   const Waiting waiting(kXServer);
-  return desktop::askXServer();
+  return desktop::x11Part().ask();
 }
 
 desktop::ColordReport waitForColord(const std::vector<platform::desktop::Display>& displays) {
   const Waiting waiting(kColord);
-  return desktop::askColord(displays);
+  return desktop::colordPart().ask(displays);
 }
 
 Diagnosis examineLive(const Plugin& plugin) {

@@ -5,6 +5,7 @@
 
 #include "desktop/current.h"
 #include "desktop/diagnosis/diagnosis.h"
+#include "desktop/parts.h"
 #include "desktop/script/scripted.h"
 #include "devhost/tool/session/system.h"
 #include "devhost/tool/terminal/waiting.h"
@@ -31,7 +32,7 @@ bool isXServerThere() {
   if (!platform::desktop::current()->arrangement()->displays.empty()) {
     return true;
   }
-  const XServerState state = platform::desktop::askXServer().state;
+  const XServerState state = platform::desktop::x11Part().ask().state;
   return state != XServerState::kNotNamed && state != XServerState::kRefused;
 }
 

@@ -40,11 +40,8 @@ struct XServerReport {
 
 inline constexpr std::chrono::milliseconds kXServerLimit{3000};
 
-PLATFORM_API XServerReport askXServer();
-namespace part {
-/// The same, in the library that is loaded for it (desktop/parts.h).
+/// Called by way of desktop/parts.h.
 XServerReport askXServer();
-}  // namespace part
 
 // --- colord
 
@@ -63,10 +60,8 @@ struct ColordReport {
 
 inline constexpr std::chrono::milliseconds kColordLimit{5000};
 
-PLATFORM_API ColordReport askColord(const std::vector<Display>& displays);
-namespace part {
+/// Called by way of desktop/parts.h.
 ColordReport askColord(const std::vector<Display>& displays);
-}  // namespace part
 
 // --- files
 

@@ -59,7 +59,7 @@ struct Session {
 
 }  // namespace
 
-ColordReport part::askColord(const std::vector<Display>& displays) {
+ColordReport askColord(const std::vector<Display>& displays) {
   // Never freed, because its thread runs until the process ends.
   static auto* const session = new Session;
   // Tells a silent colord from a silent bus when time runs out.

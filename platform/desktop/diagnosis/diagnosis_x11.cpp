@@ -29,7 +29,7 @@ XServerReport ask(const std::string& display) {
 
 }  // namespace
 
-XServerReport part::askXServer() {
+XServerReport askXServer() {
   const char* const display = std::getenv("DISPLAY");
   if (display == nullptr || *display == '\0') {
     return {};

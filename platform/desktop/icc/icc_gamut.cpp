@@ -163,7 +163,7 @@ bool describesColorSpace(cmsProfileClassSignature profile_class) {
 
 }  // namespace
 
-std::optional<ColorSpace> part::colorSpaceOf(const IccProfile& file) {
+std::optional<ColorSpace> colorSpaceOf(const IccProfile& file) {
   const std::vector<std::uint8_t> part = colorPart(file);
   const Context context = makeContext();
   if (part.empty() || !context) {

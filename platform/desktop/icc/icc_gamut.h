@@ -1,10 +1,10 @@
-// The colour space that a profile describes, and whether its gamut is wide. Any thread may call.
+// The colour space that a profile describes, and whether its gamut is wide. Called by way of desktop/parts.h, by any
+// thread.
 #pragma once
 
 #include <optional>
 
 #include "desktop/icc/icc_profile.h"
-#include "desktop/model/export.h"
 
 namespace platform::desktop {
 
@@ -18,10 +18,6 @@ struct ColorSpace {
 
 /// Nothing for a profile that does not describe a device's or an encoding's colour space (a link between two devices,
 /// an abstract transformation, a named-colour list), or that cannot be read.
-PLATFORM_API std::optional<ColorSpace> colorSpaceOf(const IccProfile& file);
-namespace part {
-/// The same, in the library that is loaded for it (desktop/parts.h).
 std::optional<ColorSpace> colorSpaceOf(const IccProfile& file);
-}  // namespace part
 
 }  // namespace platform::desktop

@@ -3,7 +3,7 @@
 
 #import <Foundation/Foundation.h>
 
-#include "desktop/icc/icc_gamut.h"
+#include "desktop/parts.h"
 #include "frameworks/ColorSync/color_profile.h"
 #include "frameworks/hooks/calls.h"
 #include "frameworks/hooks/injected_objects.h"
@@ -49,7 +49,7 @@ CGColorSpaceRef CGColorSpaceCreateWithPlatformColorSpace(const void* ref) {
   if (![profile isKindOfClass:[PlatformColorProfile class]]) {
     return nullptr;
   }
-  const auto space = platform::desktop::colorSpaceOf([profile reader]);
+  const auto space = platform::desktop::gamutPart().color_space([profile reader]);
   return space ? reinterpret_cast<CGColorSpaceRef>([[PlatformColorSpace alloc] initWithSpace:*space]) : nullptr;
 }
 

@@ -9,13 +9,14 @@
 #include <string>
 #include <vector>
 
+#include "desktop/parts.h"
 #include "support/icc_maker.h"
 #include "support/temporary_folder.h"
 
 namespace {
 
 using platform::desktop::ColorSpace;
-using platform::desktop::colorSpaceOf;
+using platform::desktop::gamutPart;
 using platform::desktop::IccProfile;
 using support::IccMaker;
 using support::TemporaryFolder;
@@ -46,7 +47,7 @@ std::string rgbProfile(const cmsCIExyY& white, const cmsCIExyYTRIPLE& primaries,
 
 std::optional<ColorSpace> tryToMakeSpace(const std::string& bytes) {
   const TemporaryFolder folder;
-  return colorSpaceOf(IccProfile::open(folder.write("a.icc", bytes)).value());
+  return gamutPart().color_space(IccProfile::open(folder.write("a.icc", bytes)).value());
 }
 
 ColorSpace spaceOf(const std::string& bytes) {
