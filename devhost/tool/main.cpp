@@ -12,7 +12,7 @@ namespace devhost::tool {
 namespace {
 
 int run(const Request& request) {
-  const std::string note = chooseDesktop(request.options.desktop, request.needs_displays, findExampleDesktop());
+  const std::string note = chooseDesktop(request.options.desktop, request.shown, findExampleDesktop());
   Session session(request.options);
   const int result = request.run(session);
   // Printed last: wrong usage prints its own line only.

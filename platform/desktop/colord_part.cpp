@@ -15,6 +15,6 @@ bool assignToDevice(const ArrangementSource& displays, const Uuid& device, const
 }  // namespace
 
 extern "C" PLATFORM_API const ColordPart ostrevin_colord_part{
-    .visit = visitDevices, .assign = assignToDevice, .ask = askColord};
+    .visit = visitDevices, .assign = assignToDevice, .prepare = prepareColord, .ask = askColord};
 
 }  // namespace platform::desktop

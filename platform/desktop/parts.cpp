@@ -31,6 +31,7 @@ constexpr X11Part kNoX11{.displays = noDisplays, .ask = [] { return XServerRepor
 constexpr ColordPart kNoColord{
     .visit = [](const ArrangementSource&, const DeviceProfileVisitor&) {},
     .assign = [](const ArrangementSource&, const Uuid&, const std::string&) { return false; },
+    .prepare = [] {},
     .ask = [](const std::vector<Display>&) { return ColordReport{}; }};
 constexpr GamutPart kNoGamut{.color_space = [](const IccProfile&) { return std::optional<ColorSpace>(); }};
 

@@ -24,6 +24,8 @@ struct X11Part {
 struct ColordPart {
   void (*visit)(const ArrangementSource& displays, const DeviceProfileVisitor& visit);
   bool (*assign)(const ArrangementSource& displays, const Uuid& device, const std::string& profile_path);
+  /// prepareColord() (colord_devices.h).
+  void (*prepare)();
   /// askColord() (diagnosis.h).
   ColordReport (*ask)(const std::vector<Display>& displays);
 };

@@ -82,6 +82,7 @@ void addDisplayCommands(CLI::App& app, Request& request, Arguments& arguments) {
   layout->get_option("--ascii")->excludes("--output");
   layout->get_option("--width")->excludes("--output");
   layout->callback([&] {
+    request.shown = Shown::kDisplays;
     request.run =
         with(arguments, [](Session& session, const Arguments& given) { return drawLayout(session, given.layout); });
   });
@@ -97,20 +98,20 @@ void addDisplayCommands(CLI::App& app, Request& request, Arguments& arguments) {
       ->type_name("SECONDS")
       ->check(between(0.0, kLongestInterval));
   watch->callback([&] {
-    request.needs_displays = false;
+    request.shown = Shown::kNothing;
     request.run =
         with(arguments, [](Session& session, const Arguments& given) { return watchDisplays(session, given.watch); });
   });
 
   addCommand(app, "doctor", "What each source reports about the displays, and what is missing")->callback([&] {
-    request.needs_displays = false;
+    request.shown = Shown::kNothing;
     request.run = diagnose;
   });
 }
 
 void addMethodCommands(CLI::App& app, Request& request, Arguments& arguments) {
   addCommand(app, "methods", "The module as registered: name, version, and the methods' declarations")->callback([&] {
-    request.needs_displays = false;
+    request.shown = Shown::kNothing;
     request.run = listMethods;
   });
 
@@ -118,6 +119,7 @@ void addMethodCommands(CLI::App& app, Request& request, Arguments& arguments) {
   call->add_option("METHOD", arguments.method, "Name of the method")->required();
   call->add_option("ARG", arguments.values, "Arguments as the method declares them; by-reference ones may be left out");
   call->callback([&] {
+    request.shown = arguments.method == "GetProfilePath" ? Shown::kProfiles : Shown::kDisplays;
     request.run = with(arguments, [](Session& session, const Arguments& given) {
       return callMethod(session, given.method, unmarked(given.values));
     });
@@ -129,7 +131,7 @@ void addProfileCommands(CLI::App& app, Request& request, Arguments& arguments) {
       addCommand(app, "profiles", "All installed profiles, or those of a display: name and path");
   profiles->add_option("DISPLAY", arguments.display, "Number of a display");
   profiles->callback([&] {
-    request.needs_displays = !arguments.display.empty();
+    request.shown = arguments.display.empty() ? Shown::kNothing : Shown::kProfiles;
     request.run =
         with(arguments, [](Session& session, const Arguments& given) { return listProfiles(session, given.display); });
   });
@@ -138,7 +140,7 @@ void addProfileCommands(CLI::App& app, Request& request, Arguments& arguments) {
   tag->add_option("PATH", arguments.path, "A profile file")->required();
   tag->add_option("SIG", arguments.tag, "The tag's signature, four characters such as rXYZ")->required();
   tag->callback([&] {
-    request.needs_displays = false;
+    request.shown = Shown::kNothing;
     request.run = with(
         arguments, [](Session& session, const Arguments& given) { return testTag(session, given.path, given.tag); });
   });
@@ -146,7 +148,7 @@ void addProfileCommands(CLI::App& app, Request& request, Arguments& arguments) {
   CLI::App* const qv02 = addCommand(app, "qv02", "Prints the text document in a profile file's QV02 tag");
   qv02->add_option("PATH", arguments.path, "A profile file")->required();
   qv02->callback([&] {
-    request.needs_displays = false;
+    request.shown = Shown::kNothing;
     request.run =
         with(arguments, [](Session& session, const Arguments& given) { return printQv02(session, given.path); });
   });

@@ -5,14 +5,15 @@
 #include <variant>
 
 #include "devhost/tool/commands/commands.h"
+#include "devhost/tool/session/system.h"
 
 namespace devhost::tool {
 
 /// A parsed command line.
 struct Request {
   Options options;
-  /// Whether the command shows displays: without an X server it shows the example desktop's.
-  bool needs_displays = true;
+  /// Without an X server, a command that shows something shows the example desktop's.
+  Shown shown = Shown::kProfiles;
   std::function<int(Session&)> run;
 };
 

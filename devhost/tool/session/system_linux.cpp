@@ -23,12 +23,15 @@ std::string environmentText(const char* name) {
 }
 
 /// Usually needs no connection beside the live desktop's.
-bool isXServerThere() {
+bool isXServerThere(Shown shown) {
   const std::string server = environmentText("DISPLAY");
   if (server.empty()) {
     return false;
   }
   const Waiting waiting("the X server " + server);
+  if (shown == Shown::kProfiles) {
+    platform::desktop::colordPart().prepare();  // what it starts goes on while the X server replies
+  }
   if (!platform::desktop::current()->arrangement()->displays.empty()) {
     return true;
   }
@@ -49,7 +52,7 @@ void useFile(const std::string& path) {
 
 }  // namespace
 
-std::string chooseDesktop(const std::string& option, bool needs_displays, const std::string& example_path) {
+std::string chooseDesktop(const std::string& option, Shown shown, const std::string& example_path) {
   if (option == kLiveDesktop) {
     unsetenv(kDesktopVariable);
     return {};
@@ -59,7 +62,7 @@ std::string chooseDesktop(const std::string& option, bool needs_displays, const 
     useFile(path);
     return {};
   }
-  if (!needs_displays || example_path.empty() || isXServerThere()) {
+  if (shown == Shown::kNothing || example_path.empty() || isXServerThere(shown)) {
     return {};
   }
   useFile(example_path);

@@ -9,7 +9,7 @@
 
 namespace devhost::tool {
 
-std::string chooseDesktop(const std::string& option, bool /*needs_displays*/, const std::string& /*example_path*/) {
+std::string chooseDesktop(const std::string& option, Shown /*shown*/, const std::string& /*example_path*/) {
   if (!option.empty() && option != kLiveDesktop) {
     throw DesktopError(option + ": this system's frameworks show the live desktop only");
   }

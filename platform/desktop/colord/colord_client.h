@@ -43,13 +43,14 @@ class ColordClient {
   bool assign(const Operation& operation, const std::vector<Display>& displays, std::size_t display,
               const std::string& file);
 
+  /// Connects to the system bus, unless connected; what needs the connection does so itself too. False without a bus.
+  bool connect(const Operation& operation);
   /// True once after each restart of colord: restoreProfiles() is due.
   bool takeRestart();
   /// Registers the assigned profiles with a restarted colord, which then returns them to their devices.
   void restoreProfiles(const Operation& operation);
 
  private:
-  bool connect(const Operation& operation);
   void disconnect();
   static void announced(GDBusConnection*, const gchar*, const gchar*, const gchar*, const gchar*, GVariant*, gpointer);
   static void appeared(GDBusConnection*, const gchar* name, const gchar* owner, gpointer self);

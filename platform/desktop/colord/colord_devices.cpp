@@ -17,6 +17,10 @@ class Session {
  public:
   Session() : thread_(*new GlibThread([this](GMainContext* context) { whenIdle(context); })) {}
 
+  void prepare() {
+    thread_.start<bool>(kDeviceWalkLimit, [this](const Operation& operation) { return client_.connect(operation); });
+  }
+
   ColordClient::Devices devicesOf(std::shared_ptr<const Arrangement> arrangement) {
     return thread_
         .call<ColordClient::Devices>(kDeviceWalkLimit,
@@ -92,6 +96,13 @@ bool visitProfiles(const Display& display, const ColordDevice& device, const Dev
 }
 
 }  // namespace
+
+void prepareColord() {
+  withSession<bool>(false, [](Session& session) {
+    session.prepare();
+    return true;
+  });
+}
 
 ColordDevices::ColordDevices(ArrangementSource arrangement) : arrangement_(std::move(arrangement)) {}
 

@@ -22,6 +22,9 @@ inline constexpr std::chrono::milliseconds kDeviceWalkLimit{5000};
 /// How long assign() takes at most.
 inline constexpr std::chrono::milliseconds kAssignmentLimit{5000};
 
+/// Connects to the system bus, as the first visit() would, and does not wait for it. Any thread may call.
+PLATFORM_API void prepareColord();
+
 /// Any thread may call any function, several at once.
 class PLATFORM_API ColordDevices {
  public:

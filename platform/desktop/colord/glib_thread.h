@@ -25,10 +25,10 @@ class GlibThread {
   GlibThread(const GlibThread&) = delete;
   GlibThread& operator=(const GlibThread&) = delete;
 
-  /// Runs `work` on the thread and returns its result, or nullopt after `limit`. The work may still run then, so it
-  /// must own what it uses; expired work is not started.
+  /// Runs `work` on the thread, unless `limit` has passed before it is its turn. Gives its result, or nullopt.
   template <typename Result>
-  std::optional<Result> call(std::chrono::milliseconds limit, std::function<Result(const Operation&)> work) {
+  std::future<std::optional<Result>> start(std::chrono::milliseconds limit,
+                                           std::function<Result(const Operation&)> work) {
     const auto deadline = Operation::Clock::now() + limit;
     auto promise = std::make_shared<std::promise<std::optional<Result>>>();
     std::future<std::optional<Result>> future = promise->get_future();
@@ -39,10 +39,15 @@ class GlibThread {
         promise->set_value(std::nullopt);
       }
     });
-    if (future.wait_until(deadline) != std::future_status::ready) {
-      return std::nullopt;
-    }
-    return future.get();
+    return future;
+  }
+
+  /// Like start(), and waits for the result; returns nullopt after `limit`. The work may still run then, so it must own
+  /// what it uses.
+  template <typename Result>
+  std::optional<Result> call(std::chrono::milliseconds limit, std::function<Result(const Operation&)> work) {
+    auto result = start(limit, std::move(work));
+    return result.wait_for(limit) == std::future_status::ready ? result.get() : std::nullopt;
   }
 
  private:

@@ -60,6 +60,14 @@ TEST_F(ColordMessages, StartAsksForEachDeviceAndProfileOnce) {
                                         "GetAll /devices/C", StartsWith("Get /profiles/")));
 }
 
+TEST_F(ColordMessages, PreparationAsksForNothing) {
+  ColordCalls calls;
+  platform::desktop::prepareColord();
+  EXPECT_EQ(walk(devices_).size(), 3U);
+  EXPECT_THAT(calls.take(), ElementsAre("GetDevicesByKind ", "GetAll /devices/A", "GetAll /devices/B",
+                                        "GetAll /devices/C", StartsWith("Get /profiles/")));
+}
+
 TEST_F(ColordMessages, WalkWithoutChangesMakesOneCall) {
   walk(devices_);
   ColordCalls calls;
