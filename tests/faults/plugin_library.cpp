@@ -7,11 +7,8 @@
 
 #include <algorithm>
 #include <atomic>
-#include <fstream>
-#include <iterator>
 #include <mutex>
 #include <sstream>
-#include <stdexcept>
 #include <utility>
 #include <vector>
 
@@ -46,29 +43,13 @@ std::set<std::string> names(const std::vector<std::string>& options, const std::
 
 namespace {
 
-#ifdef __aarch64__
-constexpr const char* kArchitecture = "arm64";
-#else
-constexpr const char* kArchitecture = "x86_64";
-#endif
-
-std::vector<std::uint8_t> contentsOf(const std::string& library) {
-  std::ifstream file(library, std::ios::binary);
-  return {std::istreambuf_iterator<char>(file), {}};
-}
-
 std::string withoutUnderscore(std::string_view name) { return std::string(name.substr(name.starts_with('_') ? 1 : 0)); }
 
-/// Calls `use` with the part of the library that is for this processor.
+/// What `use` finds in the library's code for this processor.
 template <typename Use>
 auto withImage(const std::string& library, Use use) {
-  const std::vector<std::uint8_t> file = contentsOf(library);
-  for (const macho::Image& image : macho::imagesIn(file)) {
-    if (image.architecture() == kArchitecture) {
-      return use(image);
-    }
-  }
-  throw std::runtime_error(library + " has no code for this processor");
+  const std::vector<std::uint8_t> file = macho::contentsOf(library);
+  return use(macho::imageForThisProcessor(file));
 }
 
 std::set<std::string> importsOf(const macho::Image& image) {
@@ -99,7 +80,7 @@ std::set<std::string> selectorsOf(const macho::Image& image) {
 
 }  // namespace
 
-bool isForMac(const std::string& library) { return macho::isMacho(contentsOf(library)); }
+bool isForMac(const std::string& library) { return macho::isMacho(macho::contentsOf(library)); }
 
 // --- either
 

@@ -1,6 +1,8 @@
 #include "tools/macho/image.h"
 
 #include <algorithm>
+#include <fstream>
+#include <iterator>
 #include <set>
 #include <utility>
 
@@ -346,6 +348,15 @@ std::string_view Image::textAt(std::uint64_t address) const {
   return text(slice(bytes_, segment.file_offset, segment.file_size, "a segment"), address - segment.address, "a text");
 }
 
+std::vector<std::uint8_t> contentsOf(const std::string& path) {
+  std::ifstream file(path, std::ios::binary);
+  std::vector<std::uint8_t> contents{std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+  if (!file) {
+    throw MachoError("cannot be read");
+  }
+  return contents;
+}
+
 bool isMacho(Bytes file) {
   const std::uint32_t magic = file.size() < sizeof magic ? 0 : number<std::uint32_t>(file, 0, "the header");
   return magic == kMagic64 || magic == kFatMagicBigEndian;
@@ -365,6 +376,15 @@ std::vector<Image> imagesIn(Bytes file) {
     images.emplace_back(slice(file, bigEndian(file, entry + 8), bigEndian(file, entry + 12), "an architecture"));
   }
   return images;
+}
+
+Image imageForThisProcessor(Bytes file) {
+  for (Image& image : imagesIn(file)) {
+    if (image.architecture() == kThisArchitecture) {
+      return std::move(image);
+    }
+  }
+  throw MachoError(std::string("has no code for ") + kThisArchitecture);
 }
 
 }  // namespace macho

@@ -167,10 +167,23 @@ class Image {
   std::map<std::uint64_t, Pointer> fixups_;  ///< By the address of the pointer.
 };
 
+/// What this program's processor is called.
+#ifdef __aarch64__
+inline constexpr const char* kThisArchitecture = "arm64";
+#else
+inline constexpr const char* kThisArchitecture = "x86_64";
+#endif
+
+/// The bytes of a file. Throws MachoError when it cannot be read.
+std::vector<std::uint8_t> contentsOf(const std::string& path);
+
 /// Whether a file that begins with these bytes is of this kind, thin or universal.
 bool isMacho(Bytes file);
 
 /// The architectures in a file: several in a universal one, else one. The images borrow `file`.
 std::vector<Image> imagesIn(Bytes file);
+
+/// The image in a file that is for this processor, which borrows `file`. Throws MachoError when there is none.
+Image imageForThisProcessor(Bytes file);
 
 }  // namespace macho

@@ -12,15 +12,6 @@
 
 namespace {
 
-std::string contentsOf(const std::string& path) {
-  std::ifstream file(path, std::ios::binary);
-  std::string contents{std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
-  if (!file) {
-    throw std::runtime_error("cannot be read");
-  }
-  return contents;
-}
-
 std::vector<std::string> exportsIn(const std::string& path) {
   std::vector<std::string> names;
   std::ifstream file(path);
@@ -57,16 +48,12 @@ macho::Check checkArchitectures(const std::vector<macho::Image>& images) {
   return check;
 }
 
-std::vector<macho::Image> imagesIn(const std::string& contents) {
-  return macho::imagesIn({reinterpret_cast<const std::uint8_t*>(contents.data()), contents.size()});
-}
-
 /// `exports` is null for a program.
 bool checkAll(const std::string& path, const std::vector<std::string>* exports) {
   bool is_right = true;
   try {
-    const std::string contents = contentsOf(path);
-    const std::vector<macho::Image> images = imagesIn(contents);
+    const std::vector<std::uint8_t> contents = macho::contentsOf(path);
+    const std::vector<macho::Image> images = macho::imagesIn(contents);
     is_right = report(path, checkArchitectures(images));
     for (const macho::Image& image : images) {
       std::vector<macho::Check> checks = macho::checkFile(image);
@@ -88,10 +75,10 @@ bool checkAll(const std::string& path, const std::vector<std::string>* exports) 
 bool compareAll(const std::string& path, const std::string& other_path) {
   bool is_equal = true;
   try {
-    const std::string contents = contentsOf(path);
-    const std::string other_contents = contentsOf(other_path);
-    const std::vector<macho::Image> images = imagesIn(contents);
-    const std::vector<macho::Image> others = imagesIn(other_contents);
+    const std::vector<std::uint8_t> contents = macho::contentsOf(path);
+    const std::vector<std::uint8_t> other_contents = macho::contentsOf(other_path);
+    const std::vector<macho::Image> images = macho::imagesIn(contents);
+    const std::vector<macho::Image> others = macho::imagesIn(other_contents);
     is_equal = report(path, checkArchitectures(images)) && report(other_path, checkArchitectures(others));
     for (const macho::Image& image : images) {
       const auto other = std::find_if(others.begin(), others.end(), [&](const macho::Image& candidate) {

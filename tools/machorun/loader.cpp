@@ -2,7 +2,6 @@
 
 #include <atomic>
 #include <fstream>
-#include <iterator>
 #include <memory>
 #include <mutex>
 #include <utility>
@@ -15,12 +14,6 @@
 
 namespace machorun {
 namespace {
-
-#ifdef __aarch64__
-constexpr const char* kArchitecture = "arm64";
-#else
-constexpr const char* kArchitecture = "x86_64";
-#endif
 
 /// S_MOD_INIT_FUNC_POINTERS and S_INIT_FUNC_OFFSETS.
 constexpr std::uint8_t kInitialiserPointers = 0x9;
@@ -36,24 +29,6 @@ std::recursive_mutex& mutex() {
   return *kept;
 }
 std::atomic<const LoadedImage*> newest{nullptr};
-
-std::vector<std::uint8_t> contentsOf(const std::string& path) {
-  std::ifstream file(path, std::ios::binary);
-  std::vector<std::uint8_t> contents{std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
-  if (!file) {
-    throw MachoError("cannot be read");
-  }
-  return contents;
-}
-
-macho::Image sliceFor(const std::vector<std::uint8_t>& file) {
-  for (macho::Image& image : macho::imagesIn(file)) {
-    if (image.architecture() == kArchitecture) {
-      return std::move(image);
-    }
-  }
-  throw MachoError(std::string("has no code for ") + kArchitecture);
-}
 
 /// What an image of ours exports, when the symbol is of another library that is found by its path at run time.
 void* resolve(const MappedImage& mapped, const std::string& symbol, const std::string& library) {
@@ -104,8 +79,8 @@ struct PreparedImage {
 };
 
 PreparedImage prepareChecked(const std::string& path) {
-  const std::vector<std::uint8_t> file = contentsOf(path);
-  const macho::Image image = sliceFor(file);
+  const std::vector<std::uint8_t> file = macho::contentsOf(path);
+  const macho::Image image = macho::imageForThisProcessor(file);
   if (image.isProgram()) {
     throw MachoError("is a program, not a library");
   }
