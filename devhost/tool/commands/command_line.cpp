@@ -109,6 +109,11 @@ void addDisplayCommands(CLI::App& app, Request& request, Arguments& arguments) {
   });
 }
 
+bool readsProfilesOfDisplays(const std::string& method) {
+  return method == "GetAssociatedProfilePathsArray" || method == "GetProfilePath" || method == "ListDisplayProfiles" ||
+         method == "SetProfile";
+}
+
 void addMethodCommands(CLI::App& app, Request& request, Arguments& arguments) {
   addCommand(app, "methods", "The module as registered: name, version, and the methods' declarations")->callback([&] {
     request.shown = Shown::kNothing;
@@ -119,7 +124,7 @@ void addMethodCommands(CLI::App& app, Request& request, Arguments& arguments) {
   call->add_option("METHOD", arguments.method, "Name of the method")->required();
   call->add_option("ARG", arguments.values, "Arguments as the method declares them; by-reference ones may be left out");
   call->callback([&] {
-    request.shown = arguments.method == "GetProfilePath" ? Shown::kProfiles : Shown::kDisplays;
+    request.shown = readsProfilesOfDisplays(arguments.method) ? Shown::kProfiles : Shown::kDisplays;
     request.run = with(arguments, [](Session& session, const Arguments& given) {
       return callMethod(session, given.method, unmarked(given.values));
     });

@@ -23,20 +23,24 @@ std::string environmentText(const char* name) {
 }
 
 /// Usually needs no connection beside the live desktop's.
-bool isXServerThere(Shown shown) {
+bool isXServerThere() {
   const std::string server = environmentText("DISPLAY");
   if (server.empty()) {
     return false;
   }
   const Waiting waiting("the X server " + server);
-  if (shown == Shown::kProfiles) {
-    platform::desktop::colordPart().prepare();  // what it starts goes on while the X server replies
-  }
   if (!platform::desktop::current()->arrangement()->displays.empty()) {
     return true;
   }
   const XServerState state = platform::desktop::x11Part().ask().state;
   return state != XServerState::kNotNamed && state != XServerState::kRefused;
+}
+
+/// Before the first question to the X server: the connection to the system bus is made while it replies.
+void prepareLiveDesktop(Shown shown) {
+  if (shown == Shown::kProfiles && !environmentText("DISPLAY").empty()) {
+    platform::desktop::colordPart().prepare();
+  }
 }
 
 /// Sets the variable too, for child processes and for the doctor.
@@ -55,6 +59,7 @@ void useFile(const std::string& path) {
 std::string chooseDesktop(const std::string& option, Shown shown, const std::string& example_path) {
   if (option == kLiveDesktop) {
     unsetenv(kDesktopVariable);
+    prepareLiveDesktop(shown);
     return {};
   }
   const std::string path = option.empty() ? environmentText(kDesktopVariable) : option;
@@ -62,7 +67,8 @@ std::string chooseDesktop(const std::string& option, Shown shown, const std::str
     useFile(path);
     return {};
   }
-  if (shown == Shown::kNothing || example_path.empty() || isXServerThere(shown)) {
+  prepareLiveDesktop(shown);
+  if (shown == Shown::kNothing || example_path.empty() || isXServerThere()) {
     return {};
   }
   useFile(example_path);
