@@ -16,6 +16,7 @@ using support::ColordCalls;
 using support::PrivateColord;
 using testing::Each;
 using testing::ElementsAre;
+using testing::ElementsAreArray;
 using testing::IsEmpty;
 using testing::Not;
 using testing::StartsWith;
@@ -36,9 +37,15 @@ class ColordMessages : public testing::Test {
  protected:
   ColordMessages() {
     for (const std::string& name : names_) {
-      colord_.registerDevice(name, {{"XRANDR_name", name}});
+      reads_.push_back(registerDevice(name, name));
       setProfile(name, kAdobe);
     }
+  }
+
+  /// Returns the call that reads the device. Its path ends in the user's name and number for users other than root.
+  std::string registerDevice(const std::string& id, const std::string& connector) {
+    constexpr std::string_view kColord = "/org/freedesktop/ColorManager";
+    return "GetAll " + colord_.registerDevice(id, {{"XRANDR_name", connector}}).substr(kColord.size());
   }
 
   void setProfile(const std::string& device, const std::string& file) {
@@ -48,6 +55,7 @@ class ColordMessages : public testing::Test {
   }
 
   std::vector<std::string> names_{"A", "B", "C"};
+  std::vector<std::string> reads_;
   PrivateColord colord_;
   std::vector<Display> displays_{makeDisplay(1, "A", {}), makeDisplay(2, "B", {}), makeDisplay(3, "C", {})};
   ColordDevices devices_ = devicesFor(displays_);
@@ -56,16 +64,16 @@ class ColordMessages : public testing::Test {
 TEST_F(ColordMessages, StartAsksForEachDeviceAndProfileOnce) {
   ColordCalls calls;
   EXPECT_EQ(walk(devices_).size(), 3U);
-  EXPECT_THAT(calls.take(), ElementsAre("GetDevicesByKind ", "GetAll /devices/A", "GetAll /devices/B",
-                                        "GetAll /devices/C", StartsWith("Get /profiles/")));
+  EXPECT_THAT(calls.take(),
+              ElementsAre("GetDevicesByKind ", reads_[0], reads_[1], reads_[2], StartsWith("Get /profiles/")));
 }
 
 TEST_F(ColordMessages, PreparationAsksForNothing) {
   ColordCalls calls;
   platform::desktop::prepareColord();
   EXPECT_EQ(walk(devices_).size(), 3U);
-  EXPECT_THAT(calls.take(), ElementsAre("GetDevicesByKind ", "GetAll /devices/A", "GetAll /devices/B",
-                                        "GetAll /devices/C", StartsWith("Get /profiles/")));
+  EXPECT_THAT(calls.take(),
+              ElementsAre("GetDevicesByKind ", reads_[0], reads_[1], reads_[2], StartsWith("Get /profiles/")));
 }
 
 TEST_F(ColordMessages, WalkWithoutChangesMakesOneCall) {
@@ -76,15 +84,15 @@ TEST_F(ColordMessages, WalkWithoutChangesMakesOneCall) {
 }
 
 TEST_F(ColordMessages, DevicesOfOtherDisplaysAreNotRead) {
-  colord_.registerDevice("absent-1", {{"XRANDR_name", "absent-1"}});
-  colord_.registerDevice("absent-2", {{"XRANDR_name", "absent-2"}});
+  registerDevice("absent-1", "absent-1");
+  registerDevice("absent-2", "absent-2");
   ColordCalls calls;
   EXPECT_EQ(walk(devices_).size(), 3U);
-  EXPECT_THAT(devicesRead(calls.take()), ElementsAre("GetAll /devices/A", "GetAll /devices/B", "GetAll /devices/C"));
+  EXPECT_THAT(devicesRead(calls.take()), ElementsAreArray(reads_));
 }
 
 TEST_F(ColordMessages, EveryDeviceIsReadForADisplayWithoutADeviceOfItsName) {
-  colord_.registerDevice("any", {{"XRANDR_name", "VGA-1"}});
+  registerDevice("any", "VGA-1");
   setProfile("any", kApple);
   displays_.push_back(makeDisplay(4, "VGA-1", {}));
   EXPECT_EQ(currentFile(devicesFor(displays_), displays_.back()), kApple);
@@ -97,7 +105,7 @@ TEST_F(ColordMessages, ChangeOfOneDeviceReadsThatDeviceAlone) {
   EXPECT_EQ(currentFile(devices_, displays_[1]), kApple);
   const auto read = devicesRead(calls.take());
   EXPECT_THAT(read, Not(IsEmpty()));
-  EXPECT_THAT(read, Each("GetAll /devices/B"));
+  EXPECT_THAT(read, Each(reads_[1]));
 }
 
 TEST_F(ColordMessages, AssignmentReadsItsDeviceAlone) {
@@ -106,18 +114,18 @@ TEST_F(ColordMessages, AssignmentReadsItsDeviceAlone) {
   ColordCalls calls;
   ASSERT_TRUE(devices_.assign(*displays_[2].uuid, kAdobe));
   EXPECT_EQ(currentFile(devices_, displays_[2]), kAdobe);
-  EXPECT_THAT(devicesRead(calls.take()), Each("GetAll /devices/C"));
+  EXPECT_THAT(devicesRead(calls.take()), Each(reads_[2]));
 }
 
 TEST_F(ColordMessages, NewDeviceIsReadAlone) {
   walk(devices_);
-  colord_.registerDevice("newer", {{"XRANDR_name", "A"}});
+  const std::string newer = registerDevice("newer", "A");
   setProfile("newer", kApple);
   ColordCalls calls;
   EXPECT_EQ(currentFile(devices_, displays_[0]), kApple);
   const auto read = devicesRead(calls.take());
   EXPECT_THAT(read, Not(IsEmpty()));
-  EXPECT_THAT(read, Each("GetAll /devices/newer"));
+  EXPECT_THAT(read, Each(newer));
 }
 
 /// A service with colord's name and a device for each of three displays. It replies about devices, and about profiles,
