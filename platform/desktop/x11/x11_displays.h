@@ -1,24 +1,13 @@
-// The live displays of an X server: an arrangement that is cached until the server reports a change. Any thread may
-// call.
-//
-// While nothing changes, a call makes no request. Readings run on a detached thread, one at a time, and a call waits
-// for one at most for the time limit. While a server hangs there are no displays, and later calls do not wait; a late
-// reply is used.
-//
-// Without a server, or after its loss, there are no displays. A call then tries to connect, but not within the pause
-// after a failure.
+// The live displays of an X server; see server_displays.h for limits and losses. Any thread may call.
 #pragma once
 
 #include <chrono>
 #include <cstdint>
-#include <future>
-#include <memory>
-#include <mutex>
 #include <optional>
 #include <string>
 
-#include "desktop/model/desktop.h"
 #include "desktop/model/export.h"
+#include "desktop/model/server_displays.h"
 
 namespace platform::desktop {
 
@@ -29,37 +18,9 @@ struct X11Options {
   std::chrono::milliseconds pause_after_failure{200};
 };
 
-class X11Session;
-
-class PLATFORM_API X11Displays {
+class PLATFORM_API X11Displays : public ServerDisplays {
  public:
-  explicit X11Displays(X11Options options = {});
-  ~X11Displays();
-
-  /// Never null.
-  std::shared_ptr<const Arrangement> arrangement();
-
- private:
-  struct Reading {
-    std::unique_ptr<X11Session> session;  ///< null: no server
-    std::shared_ptr<const Arrangement> arrangement;
-  };
-
-  static Reading read(std::unique_ptr<X11Session> session, const std::string& display,
-                      std::uint32_t newest_randr_minor);
-  bool needsReading();
-  void startReading();
-  bool finishReading();
-
-  const X11Options options_;
-  const std::shared_ptr<const Arrangement> none_;
-  std::mutex mutex_;  ///< for everything below
-  std::shared_ptr<const Arrangement> current_;
-  std::unique_ptr<X11Session> session_;             ///< null without a server, and while the detached thread has it
-  std::future<Reading> reading_;                    ///< valid while a thread looks at the server
-  std::chrono::steady_clock::time_point deadline_;  ///< until which calls wait for `reading_`
-  std::string display_;                             ///< the server to connect to
-  std::chrono::steady_clock::time_point next_attempt_;
+  explicit X11Displays(const X11Options& options = {});
 };
 
 /// The number of requests with a reply that this process has made to X servers, failed ones included. It does not grow
