@@ -30,7 +30,7 @@ _ostrevin_host() {
   COMPREPLY=()
   case $previous in
     --plugin | -o | --output) _ostrevin_host_files '' "$current"; return ;;
-    --desktop) _ostrevin_host_files live "$current"; return ;;
+    --desktop) _ostrevin_host_files 'live wayland x11' "$current"; return ;;
     --width | --interval | --count | --for) return ;;
   esac
   _ostrevin_host_find_command

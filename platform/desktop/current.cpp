@@ -4,6 +4,7 @@
 #include <cstdlib>
 #include <mutex>
 #include <stdexcept>
+#include <utility>
 
 #include "desktop/script/scripted.h"
 
@@ -26,6 +27,9 @@ std::shared_ptr<Desktop> choose() {
   if (file == nullptr || *file == '\0') {
     return makeLiveDesktop();
   }
+  if (const auto source = liveSourceNamed(file)) {
+    return makeLiveDesktop(*source);
+  }
   try {
     return std::make_shared<ScriptedDesktop>(readScript(file));
   } catch (const std::runtime_error& error) {
@@ -35,6 +39,16 @@ std::shared_ptr<Desktop> choose() {
 }
 
 }  // namespace
+
+std::optional<LiveSource> liveSourceNamed(std::string_view word) {
+  for (const auto& [name, source] :
+       {std::pair{"live", LiveSource::kAny}, {"wayland", LiveSource::kWayland}, {"x11", LiveSource::kX11}}) {
+    if (word == name) {
+      return source;
+    }
+  }
+  return std::nullopt;
+}
 
 std::shared_ptr<Desktop> current() {
   const std::lock_guard lock(choice().mutex);

@@ -3,6 +3,7 @@
 #include <dlfcn.h>
 
 #include <cstdio>
+#include <cstdlib>
 
 namespace platform::desktop {
 namespace {
@@ -23,11 +24,15 @@ const Part& load(const char* library, const char* table, const Part& none) {
   return *static_cast<const Part*>(found);
 }
 
-ArrangementSource noDisplays() {
-  return [none = std::make_shared<const Arrangement>()] { return none; };
+WaylandReport reportNoLibrary() {
+  const char* const name = std::getenv("WAYLAND_DISPLAY");
+  return {.state = WaylandState::kNoLibrary, .socket = name == nullptr ? "" : name};
 }
 
-constexpr X11Part kNoX11{.displays = noDisplays, .ask = [] { return XServerReport{}; }};
+constexpr WaylandPart kNoWayland{.displays = [] { return WaylandSource([](bool) { return nullptr; }); },
+                                 .ask = reportNoLibrary};
+constexpr X11Part kNoX11{.displays = [] { return ArrangementSource([] { return nullptr; }); },
+                         .ask = [] { return XServerReport{}; }};
 constexpr ColordPart kNoColord{
     .visit = [](const ArrangementSource&, const DeviceProfileVisitor&) {},
     .assign = [](const ArrangementSource&, const Uuid&, const std::string&) { return false; },
@@ -36,6 +41,11 @@ constexpr ColordPart kNoColord{
 constexpr GamutPart kNoGamut{.color_space = [](const IccProfile&) { return std::optional<ColorSpace>(); }};
 
 }  // namespace
+
+const WaylandPart& waylandPart() {
+  static const WaylandPart& part = load("libOstrevinWayland.so", "ostrevin_wayland_part", kNoWayland);
+  return part;
+}
 
 const X11Part& x11Part() {
   static const X11Part& part = load("libOstrevinX11.so", "ostrevin_x11_part", kNoX11);

@@ -1,8 +1,11 @@
-// The parts of this library that need the libraries of X, colord and lcms2. Each is a library of its own beside this
-// one and is loaded at first use, so that a process which needs none of them does not wait for them. Any thread may
-// call.
+// The parts of this library that need the libraries of Wayland, X, colord and lcms2. Each is a library of its own
+// beside this one and is loaded at first use, so that a process which needs none of them does not wait for them. Any
+// thread may call.
 #pragma once
 
+#include <functional>
+#include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -13,8 +16,18 @@
 
 namespace platform::desktop {
 
+/// Null without a compositor, and where only modern ones count also with one that is too old (wayland_displays.h).
+using WaylandSource = std::function<std::shared_ptr<const Arrangement>(bool only_modern)>;
+
+struct WaylandPart {
+  /// A new connection's displays.
+  WaylandSource (*displays)();
+  /// askWayland() (diagnosis.h).
+  WaylandReport (*ask)();
+};
+
 struct X11Part {
-  /// A new connection's displays (x11_displays.h).
+  /// A new connection's displays (x11_displays.h). The source gives null without a server.
   ArrangementSource (*displays)();
   /// askXServer() (diagnosis.h).
   XServerReport (*ask)();
@@ -36,6 +49,7 @@ struct GamutPart {
 };
 
 /// When the library cannot be loaded, which is reported once on stderr: functions that find nothing.
+PLATFORM_API const WaylandPart& waylandPart();
 PLATFORM_API const X11Part& x11Part();
 PLATFORM_API const ColordPart& colordPart();
 PLATFORM_API const GamutPart& gamutPart();

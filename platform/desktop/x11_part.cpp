@@ -5,7 +5,7 @@ namespace platform::desktop {
 namespace {
 
 ArrangementSource displays() {
-  return [displays = std::make_shared<X11Displays>()] { return displays->arrangement(); };
+  return [displays = std::make_shared<X11Displays>()] { return displays->find(); };
 }
 
 }  // namespace

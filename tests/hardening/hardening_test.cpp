@@ -94,13 +94,14 @@ TEST_P(HardenedFile, IsPositionIndependent) {
 TEST_P(HardenedFile, ChecksItsStack) { EXPECT_THAT(undefinedSymbolsOf(GetParam()), Contains("__stack_chk_fail")); }
 
 std::string nameOfFile(const testing::TestParamInfo<const char*>& info) {
-  static constexpr const char* kNames[] = {"Plugin", "Platform", "X11", "Colord", "Gamut", "Tool"};
+  static constexpr const char* kNames[] = {"Plugin", "Platform", "X11", "Wayland", "Colord", "Gamut", "Tool"};
   return kNames[info.index];
 }
 
 INSTANTIATE_TEST_SUITE_P(Each, HardenedFile,
                          testing::Values(OSTREVIN_LIBRARY, OSTREVIN_PLATFORM_LIBRARY, OSTREVIN_X11_LIBRARY,
-                                         OSTREVIN_COLORD_LIBRARY, OSTREVIN_GAMUT_LIBRARY, OSTREVIN_HOST),
+                                         OSTREVIN_WAYLAND_LIBRARY, OSTREVIN_COLORD_LIBRARY, OSTREVIN_GAMUT_LIBRARY,
+                                         OSTREVIN_HOST),
                          nameOfFile);
 
 #ifndef OSTREVIN_SANITIZED  // sanitizers put their own checks around these functions

@@ -2,7 +2,6 @@
 #include <gmock/gmock.h>
 
 #include <array>
-#include <cmath>
 
 #include "desktop/x11/x11_displays.h"
 #include "live/live_plugin.h"
@@ -16,20 +15,6 @@ using testing::IsEmpty;
 
 constexpr std::uint64_t kNotFound = 4099018739;
 
-std::int64_t truncated(double value) { return static_cast<std::int64_t>(std::trunc(value)); }
-
-/// The first display that has area in common with the rectangle; 0 when none has.
-std::uint32_t firstUnder(const std::vector<ExpectedDisplay>& displays, double x, double y, double width,
-                         double height) {
-  for (const ExpectedDisplay& display : displays) {
-    if (x < display.x + display.width && display.x < x + width && y < display.y + display.height &&
-        display.y < y + height) {
-      return display.number;
-    }
-  }
-  return 0;
-}
-
 class LiveGeometry : public testing::Test {
  protected:
   void placeThree() {
@@ -37,60 +22,19 @@ class LiveGeometry : public testing::Test {
         {{"DUMMY0", {1920, 1080, 0, 0}}, {"DUMMY1", {1280, 1024, 1920, 56}}, {"DUMMY2", {800, 600, 300, 1080}}});
   }
 
-  void expectRect(const ExpectedDisplay& display) {
-    const auto rect = plugin.call("GetRect", {display.number});
-    EXPECT_EQ(rect["left"].integer(), truncated(display.x));
-    EXPECT_EQ(rect["top"].integer(), truncated(display.y));
-    EXPECT_EQ(rect["right"].integer(), truncated(display.x + display.width));
-    EXPECT_EQ(rect["bottom"].integer(), truncated(display.y + display.height));
-  }
-
-  void expectCGRect(const ExpectedDisplay& display) {
-    const auto rect = plugin.call("GetCGRect", {display.number});
-    EXPECT_EQ(rect["x"].real(), display.x);
-    EXPECT_EQ(rect["y"].real(), display.y);
-    EXPECT_EQ(rect["width"].real(), display.width);
-    EXPECT_EQ(rect["height"].real(), display.height);
-  }
-
-  /// Small windows all over the desktop and a little beyond it, and some that lie on several displays. The method looks
-  /// at the rectangle below the window.
-  void expectDisplaysUnderWindows(const std::vector<ExpectedDisplay>& displays) {
-    constexpr int kStep = 173;
-    for (const int size : {1, 900}) {
-      for (int left = -1500; left < 3500; left += kStep) {
-        for (int top = -1500; top < 2500; top += kStep) {
-          ASSERT_EQ(plugin.call("DisplayIDForWindow", {left, top, size, size}).result.unsignedNumber(),
-                    firstUnder(displays, left, top + size, size, size))
-              << "window of " << size << " at " << left << ", " << top;
-        }
-      }
-    }
-  }
-
   /// Compares every geometry method with xrandr.
   void expectAgreement(std::size_t count, double scale = 1) {
     const auto displays = expectedDisplays(server, scale);
     ASSERT_EQ(displays.size(), count);
-    std::vector<std::uint32_t> numbers;
-    for (std::size_t i = 0; i < displays.size(); ++i) {
-      SCOPED_TRACE(displays[i].output);
-      numbers.push_back(displays[i].number);
-      EXPECT_EQ(plugin.call("GetIndex", {displays[i].number}).result.unsignedNumber(), i);
-      EXPECT_EQ(plugin.call("GetScale", {displays[i].number}).result.real(), scale);
-      expectRect(displays[i]);
-      expectCGRect(displays[i]);
-    }
-    EXPECT_EQ(activeDisplays(), numbers);
-    expectDisplaysUnderWindows(displays);
+    expectGeometry(plugin, displays);
   }
 
   /// Expects every method's result for an unknown display, on a desktop of this scale.
   void expectGone(std::uint32_t number, double scale) {
     EXPECT_EQ(plugin.call("GetIndex", {number}).result.unsignedNumber(), kNotFound);
     EXPECT_EQ(plugin.call("GetScale", {number}).result.real(), scale);
-    expectRect({.number = number});
-    expectCGRect({.number = number});
+    expectRect(plugin, {.number = number});
+    expectCGRect(plugin, {.number = number});
   }
 
   void expectNoDisplays(std::uint32_t number) {

@@ -15,6 +15,8 @@
 namespace support {
 namespace {
 
+constexpr int kBacklog = 64;
+
 struct Address {
   sockaddr_un address{};
   socklen_t size = sizeof(sockaddr_un);
@@ -82,22 +84,21 @@ struct XProxy::Connection {
   bool deaf = false;
 };
 
-XProxy::XProxy(std::filesystem::path server_socket) : server_socket_(std::move(server_socket)) {
+XProxy::XProxy(std::filesystem::path server_socket, Kind kind) : server_socket_(std::move(server_socket)) {
   std::array<int, 2> ends{};
   if (pipe2(ends.data(), O_CLOEXEC | O_NONBLOCK) != 0) {
     throw std::runtime_error("no pipe");
   }
   wake_read_ = ends[0];
   wake_write_ = ends[1];
-  listenAtAFreeDisplay();
+  listener_ = ::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
+  kind == Kind::kDisplay ? listenAtAFreeDisplay() : listenAtPath();
   thread_ = std::thread([this] { serve(); });
 }
 
 void XProxy::listenAtAFreeDisplay() {
-  constexpr int kBacklog = 64;
   constexpr int kFirst = 60000;  // far above the numbers that servers choose, and those that tests choose for servers
   constexpr int kCount = 10000;
-  listener_ = ::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
   for (int attempt = 0; attempt < kCount; ++attempt) {
     display_ = ":" + std::to_string(kFirst + (getpid() + attempt) % kCount);
     const Address address = abstractAddressOf(display_);
@@ -106,6 +107,13 @@ void XProxy::listenAtAFreeDisplay() {
     }
   }
   throw std::runtime_error("no free display");
+}
+
+void XProxy::listenAtPath() {
+  const Address address = addressOf(path());
+  if (bind(listener_, generic(address), address.size) != 0 || listen(listener_, kBacklog) != 0) {
+    throw std::runtime_error("no socket " + path());
+  }
 }
 
 XProxy::~XProxy() {

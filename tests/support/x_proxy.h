@@ -1,5 +1,5 @@
-// A socket between clients and an X server, through which a test makes the server cut a connection or hang anywhere,
-// and counts their requests.
+// A socket between clients and an X server or a compositor, through which a test makes the server cut a connection or
+// hang anywhere, and counts their requests.
 #pragma once
 
 #include <atomic>
@@ -10,6 +10,8 @@
 #include <string>
 #include <thread>
 #include <vector>
+
+#include "support/temporary_folder.h"
 
 namespace support {
 
@@ -22,13 +24,20 @@ class XProxy {
     kDeaf,   ///< what the client writes from then on is refused; it still gets what the server sends
   };
 
-  explicit XProxy(std::filesystem::path server_socket);
+  enum class Kind {
+    kDisplay,  ///< an X display's socket; it has no path
+    kFile,     ///< a socket file
+  };
+
+  explicit XProxy(std::filesystem::path server_socket, Kind kind = Kind::kDisplay);
   ~XProxy();
   XProxy(const XProxy&) = delete;
   XProxy& operator=(const XProxy&) = delete;
 
   /// What DISPLAY is for the proxy.
   const std::string& display() const { return display_; }
+  /// The socket file.
+  std::string path() const { return folder_.path("socket"); }
   /// From now on a connection gets this many bytes from the server, counted from its beginning; then that happens.
   void limit(std::uint64_t bytes, AtLimit at_limit);
   /// Removes the limit, from connections that hang as well.
@@ -42,6 +51,7 @@ class XProxy {
   struct Connection;
 
   void listenAtAFreeDisplay();
+  void listenAtPath();
   void serve();
   void accept();
   void wake() const;
@@ -49,6 +59,7 @@ class XProxy {
   bool forwardFromServer(Connection& connection);
 
   const std::filesystem::path server_socket_;
+  TemporaryFolder folder_;
   std::string display_;
   int listener_ = -1;
   int wake_read_ = -1;

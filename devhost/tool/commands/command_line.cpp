@@ -11,7 +11,7 @@ namespace {
 
 constexpr const char* kGlobalOptions =
     "The options of every command, before or behind it: --json, --check, --plugin PATH,\n"
-    "--desktop live|FILE; ostrevin-host --help explains them.";
+    "--desktop wayland|x11|live|FILE; ostrevin-host --help explains them.";
 
 /// The parser splits a text in brackets at its commas where several texts are expected. This byte in front of a text
 /// after "call" prevents that; no meaningful argument begins with it.
@@ -165,7 +165,7 @@ void addOptions(CLI::App& app, Options& options) {
   app.add_option("--plugin", options.plugin_path, "The plugin to load, instead of the one that comes with the tool")
       ->type_name("PATH");
   app.add_option("--desktop", options.desktop, "The computer's own desktop, or one that a file describes")
-      ->type_name("live|FILE");
+      ->type_name("wayland|x11|live|FILE");
   app.set_version_flag("--version", "ostrevin-host " OSTREVIN_VERSION);
 }
 

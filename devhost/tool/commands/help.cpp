@@ -77,8 +77,8 @@ class Formatter : public CLI::Formatter {
 
 const char* const kDescription =
     "Loads the plugin as a host does, calls its methods and shows the results. Without a command\n"
-    "it lists the displays. With neither an X server nor a desktop file, the commands that show\n"
-    "displays (list, layout, call, profiles DISPLAY) use the example desktop.";
+    "it lists the displays. With no Wayland compositor, X server or desktop file, the commands that\n"
+    "show displays (list, layout, call, profiles DISPLAY) use the example desktop.";
 
 const char* const kExitStatus =
     "Everything after -- is an argument, even if it begins with a dash.\n"

@@ -1,7 +1,9 @@
-// The sources are the X server with the monitors' EDIDs, colord, and the ICC files; or a desktop file.
+// The sources are the Wayland compositor or the X server with the monitors' EDIDs, colord, and the ICC files; or a
+// desktop file.
 #include <algorithm>
 #include <cstdlib>
 
+#include "desktop/current.h"
 #include "desktop/diagnosis/diagnosis.h"
 #include "desktop/parts.h"
 #include "devhost/language/value.h"
@@ -14,9 +16,12 @@ namespace {
 
 namespace desktop = platform::desktop;
 using desktop::ColordState;
+using desktop::LiveSource;
 using desktop::ProfileFault;
+using desktop::WaylandState;
 using desktop::XServerState;
 
+constexpr const char* kWayland = "Wayland";
 constexpr const char* kXServer = "X server";
 constexpr const char* kColord = "colord";
 constexpr const char* kFiles = "ICC files";
@@ -57,16 +62,45 @@ std::string wordsFor(ProfileFault fault) {
 
 // --- the desktop as a whole
 
+Finding aboutWayland(const desktop::WaylandReport& wayland) {
+  const std::string compositor = "the compositor at " + wayland.socket;
+  switch (wayland.state) {
+    case WaylandState::kNotNamed:
+      return missing(kWayland, "WAYLAND_DISPLAY is not set, so no compositor can be queried",
+                     "export WAYLAND_DISPLAY=wayland-0, in a Wayland session");
+    case WaylandState::kNoLibrary:
+      return missing(kWayland,
+                     "libOstrevinWayland.so, which needs libwayland-client.so.0, cannot be loaded; without it "
+                     "there are no names, and no scale of a single display",
+                     "apt-get install libwayland-client0");
+    case WaylandState::kRefused:
+      return missing(kWayland, "there is no compositor at " + wayland.socket + ", or it refuses this user",
+                     "unset WAYLAND_DISPLAY, or run this in the session of the user who is logged in");
+    case WaylandState::kSilent:
+      return missing(kWayland, compositor + " does not respond", "end the program that blocks it, or log in again");
+    case WaylandState::kOld:
+      return missing(kWayland,
+                     compositor + " gives no names of outputs or no areas in points: it lacks " +
+                         (wayland.area_version == 0 ? "zxdg_output_manager_v1" : "wl_output version 4"),
+                     "install a newer compositor");
+    case WaylandState::kReady:
+      break;
+  }
+  if (wayland.shown.arrangement.displays.empty()) {
+    return missing(kWayland, compositor + " has no output that is on", "wlr-randr --output NAME --on");
+  }
+  return good(kWayland, wayland.socket + ", wl_output " + std::to_string(wayland.output_version) +
+                            ", zxdg_output_manager_v1 " + std::to_string(wayland.area_version) + ", " +
+                            counted(wayland.shown.arrangement.displays.size(), "display", "displays"));
+}
+
 Finding aboutXServer(const desktop::XServerReport& x) {
   const std::string server = "the X server " + x.display;
   const std::string query = "DISPLAY=" + shellWord(x.display) + " xrandr --query";
   switch (x.state) {
     case XServerState::kNotNamed:
-      return environmentText("WAYLAND_DISPLAY").empty()
-                 ? missing(kXServer, "DISPLAY is not set, so no X server can be queried",
-                           "export DISPLAY=:0, in a session with an X server")
-                 : missing(kXServer, "DISPLAY is not set: this Wayland session has no X server",
-                           "apt-get install xwayland, and log in again");
+      return missing(kXServer, "DISPLAY is not set, so no X server can be queried",
+                     "export DISPLAY=:0, in a session with an X server");
     case XServerState::kRefused:
       return missing(kXServer, "there is no X server " + x.display + ", or it refuses this user",
                      query + ", which prints the reason");
@@ -78,12 +112,12 @@ Finding aboutXServer(const desktop::XServerReport& x) {
     case XServerState::kReady:
       break;
   }
-  if (x.arrangement.displays.empty()) {
+  if (x.shown.arrangement.displays.empty()) {
     return missing(kXServer, server + " has no display that is on",
                    "DISPLAY=" + shellWord(x.display) + " xrandr --auto");
   }
   return good(kXServer, x.display + ", RandR 1." + std::to_string(x.randr_minor) + ", " +
-                            counted(x.arrangement.displays.size(), "display", "displays") + ", scale " +
+                            counted(x.shown.arrangement.displays.size(), "display", "displays") + ", scale " +
                             numberText(x.scale));
 }
 
@@ -136,24 +170,47 @@ std::string hexadecimal(std::uint32_t number) {
   return text;
 }
 
-Finding aboutEdid(const desktop::XServerReport& x, std::size_t index) {
-  const desktop::Display& display = x.arrangement.displays[index];
-  if (display.connector.empty()) {
+/// The monitor that a display is made of; null when there is none.
+const desktop::Monitor* monitorOf(const desktop::ShownDisplays& shown, const desktop::Display& display) {
+  const auto found = std::find_if(shown.monitors.begin(), shown.monitors.end(), [&](const desktop::Monitor& monitor) {
+    return monitor.connector == display.connector;
+  });
+  return found == shown.monitors.end() ? nullptr : &*found;
+}
+
+/// About a display of a compositor, Xwayland included, for whose output Linux has no connector.
+Finding aboutVirtualOutput(const desktop::Monitor& monitor, bool is_xwayland) {
+  const std::string text = "Linux has no connector " + monitor.connector;
+  if (is_xwayland) {
+    return missing(kEdid, text + ", and Xwayland passes no EDIDs, so it has no name",
+                   "export WAYLAND_DISPLAY=wayland-0, and not --desktop x11");
+  }
+  return note(kEdid, text + ": a virtual output, which the compositor names \"" + monitor.described_name + "\"");
+}
+
+Finding aboutEdid(const desktop::ShownDisplays& shown, bool is_x_server, bool is_xwayland, std::size_t index) {
+  const desktop::Display& display = shown.arrangement.displays[index];
+  const desktop::Monitor* const monitor = monitorOf(shown, display);
+  if (display.connector.empty() || monitor == nullptr) {
     return note(kEdid, "a part of the screen without an output, which has no EDID and no name");
   }
+  const bool from_linux = !is_x_server || is_xwayland;
+  if (from_linux && monitor->edid.empty() && monitor->edid_path.empty()) {
+    return aboutVirtualOutput(*monitor, is_xwayland);
+  }
   const std::string remedy = kEdidFile + display.connector + ":edid/FILE.bin";
-  const auto& edid = x.edids[index];
+  const std::string place = monitor->edid_path.empty() ? "" : ", from " + monitor->edid_path;
+  const auto& edid = shown.edids[index];
   if (!edid) {
-    const bool has_bytes = std::any_of(x.monitors.begin(), x.monitors.end(), [&](const desktop::Monitor& monitor) {
-      return monitor.connector == display.connector && !monitor.edid.empty();
-    });
+    const std::string name =
+        monitor->described_name.empty() ? "so it has no name" : "so its name comes from the compositor";
     return missing(
         kEdid,
-        has_bytes ? "the monitor's EDID is invalid, so it has no name" : "the monitor sends no EDID, so it has no name",
+        (monitor->edid.empty() ? "the monitor sends no EDID, " : "the monitor's EDID is invalid, ") + name + place,
         remedy);
   }
   const std::string numbers = "vendor " + hexadecimal(edid->vendor) + ", product " + hexadecimal(edid->product) +
-                              ", serial " + std::to_string(edid->serial);
+                              ", serial " + std::to_string(edid->serial) + place;
   return edid->name ? good(kEdid, "\"" + *edid->name + "\", " + numbers)
                     : missing(kEdid, numbers + ", and no name", remedy);
 }
@@ -185,6 +242,14 @@ void addColord(std::vector<Finding>& findings, const desktop::ColordReport& colo
                                   : aboutFile(path, assignCommand(number)));
 }
 
+desktop::WaylandReport waitForWayland() {
+  if (environmentText("WAYLAND_DISPLAY").empty()) {
+    return {};
+  }
+  const Waiting waiting(kWayland);
+  return desktop::waylandPart().ask();
+}
+
 desktop::XServerReport waitForXServer() {
   const Waiting waiting(kXServer);
   return desktop::x11Part().ask();
@@ -195,21 +260,42 @@ desktop::ColordReport waitForColord(const std::vector<platform::desktop::Display
   return desktop::colordPart().ask(displays);
 }
 
-Diagnosis examineLive(const Plugin& plugin) {
+std::string placeOf(const desktop::ShownDisplays& shown, std::size_t index) {
+  const desktop::Display& display = shown.arrangement.displays[index];
+  const desktop::Rect& bounds = display.bounds;
+  return (display.connector.empty() ? "" : display.connector + ", ") + numberText(bounds.width) + " x " +
+         numberText(bounds.height) + " at " + numberText(bounds.x) + ", " + numberText(bounds.y);
+}
+
+Diagnosis examineLive(const Plugin& plugin, LiveSource source) {
   Diagnosis diagnosis;
-  const desktop::XServerReport x = waitForXServer();
-  const auto& displays = x.arrangement.displays;
+  const auto wayland = source == LiveSource::kX11 ? desktop::WaylandReport() : waitForWayland();
+  const bool is_named = wayland.state != WaylandState::kNotNamed;
+  // As the live desktop chooses.
+  const bool only_wayland =
+      source == LiveSource::kWayland || wayland.state == WaylandState::kReady || wayland.state == WaylandState::kSilent;
+  const auto x = only_wayland ? desktop::XServerReport() : waitForXServer();
+  const bool is_x_server = !only_wayland && (x.state == XServerState::kReady || wayland.state != WaylandState::kOld);
+  const desktop::ShownDisplays& shown = is_x_server ? x.shown : wayland.shown;
+  const auto& displays = shown.arrangement.displays;
   const desktop::ColordReport colord = waitForColord(displays);
-  diagnosis.findings = {aboutXServer(x), aboutColord(colord)};
+  if (is_named || only_wayland) {
+    diagnosis.findings.push_back(aboutWayland(wayland));
+  }
+  if (!only_wayland) {
+    diagnosis.findings.push_back(aboutXServer(x));
+  }
+  diagnosis.findings.push_back(aboutColord(colord));
   addFolders(diagnosis.findings);
   for (std::size_t i = 0; i < displays.size(); ++i) {
-    const desktop::Rect& bounds = displays[i].bounds;
     DisplayFindings about{displays[i].number, nameOf(plugin, displays[i].number), {}};
-    about.findings.push_back(good("RandR", (displays[i].connector.empty() ? "" : displays[i].connector + ", ") +
-                                               numberText(bounds.width) + " x " + numberText(bounds.height) + " at " +
-                                               numberText(bounds.x) + ", " + numberText(bounds.y) +
-                                               (i == 0 ? ", main" : "")));
-    about.findings.push_back(aboutEdid(x, i));
+    const desktop::Monitor* const monitor = monitorOf(shown, displays[i]);
+    const std::string scale = is_x_server || monitor == nullptr || !monitor->backing_scale
+                                  ? std::string()
+                                  : ", scale " + numberText(*monitor->backing_scale);
+    about.findings.push_back(
+        good(is_x_server ? "RandR" : kWayland, placeOf(shown, i) + scale + (i == 0 ? ", main" : "")));
+    about.findings.push_back(aboutEdid(shown, is_x_server, x.is_xwayland, i));
     addColord(about.findings, colord, i, about.number);
     diagnosis.displays.push_back(std::move(about));
   }
@@ -242,8 +328,9 @@ Diagnosis examineFile(const Plugin& plugin, const std::string& file) {
 }  // namespace
 
 Diagnosis examineDesktop(const Plugin& plugin) {
-  const std::string file = environmentText("OSTREVIN_DESKTOP");  // chooseDesktop() sets it for the option, too
-  return file.empty() ? examineLive(plugin) : examineFile(plugin, file);
+  const std::string word = environmentText("OSTREVIN_DESKTOP");  // chooseDesktop() sets it for the option, too
+  const auto source = word.empty() ? LiveSource::kAny : desktop::liveSourceNamed(word);
+  return source ? examineLive(plugin, *source) : examineFile(plugin, word);
 }
 
 }  // namespace devhost::tool

@@ -1,4 +1,4 @@
-// The live desktop is that of the X server; a desktop that a file describes may replace it.
+// The live desktop is that of the Wayland compositor or the X server; a desktop that a file describes may replace it.
 #include <climits>
 #include <cstdlib>
 #include <memory>
@@ -13,6 +13,7 @@
 namespace devhost::tool {
 namespace {
 
+using platform::desktop::WaylandState;
 using platform::desktop::XServerState;
 
 constexpr const char* kDesktopVariable = "OSTREVIN_DESKTOP";
@@ -23,22 +24,28 @@ std::string environmentText(const char* name) {
 }
 
 /// Usually needs no connection beside the live desktop's.
-bool isXServerThere() {
-  const std::string server = environmentText("DISPLAY");
-  if (server.empty()) {
+bool isDisplayServerThere() {
+  const std::string display = environmentText("DISPLAY");
+  const bool names_compositor = !environmentText("WAYLAND_DISPLAY").empty();
+  if (!names_compositor && display.empty()) {
     return false;
   }
-  const Waiting waiting("the X server " + server);
+  const Waiting waiting(names_compositor ? "the compositor" : "the X server " + display);
   if (!platform::desktop::current()->arrangement()->displays.empty()) {
     return true;
   }
-  const XServerState state = platform::desktop::x11Part().ask().state;
-  return state != XServerState::kNotNamed && state != XServerState::kRefused;
+  const auto wayland = names_compositor ? platform::desktop::waylandPart().ask().state : WaylandState::kNotNamed;
+  if (wayland == WaylandState::kSilent || wayland == WaylandState::kOld || wayland == WaylandState::kReady) {
+    return true;
+  }
+  const XServerState x = platform::desktop::x11Part().ask().state;
+  return x != XServerState::kNotNamed && x != XServerState::kRefused;
 }
 
-/// Before the first question to the X server: the connection to the system bus is made while it replies.
+/// Before the first question to the display server: the connection to the system bus is made while it replies.
 void prepareLiveDesktop(Shown shown) {
-  if (shown == Shown::kProfiles && !environmentText("DISPLAY").empty()) {
+  const bool names_server = !environmentText("WAYLAND_DISPLAY").empty() || !environmentText("DISPLAY").empty();
+  if (shown == Shown::kProfiles && names_server) {
     platform::desktop::colordPart().prepare();
   }
 }
@@ -57,22 +64,22 @@ void useFile(const std::string& path) {
 }  // namespace
 
 std::string chooseDesktop(const std::string& option, Shown shown, const std::string& example_path) {
-  if (option == kLiveDesktop) {
-    unsetenv(kDesktopVariable);
+  const std::string desktop = option.empty() ? environmentText(kDesktopVariable) : option;
+  if (platform::desktop::liveSourceNamed(desktop)) {
+    setenv(kDesktopVariable, desktop.c_str(), 1);
     prepareLiveDesktop(shown);
     return {};
   }
-  const std::string path = option.empty() ? environmentText(kDesktopVariable) : option;
-  if (!path.empty()) {
-    useFile(path);
+  if (!desktop.empty()) {
+    useFile(desktop);
     return {};
   }
   prepareLiveDesktop(shown);
-  if (shown == Shown::kNothing || example_path.empty() || isXServerThere()) {
+  if (shown == Shown::kNothing || example_path.empty() || isDisplayServerThere()) {
     return {};
   }
   useFile(example_path);
-  return "no X server: showing the example desktop " + example_path;
+  return "no display server: showing the example desktop " + example_path;
 }
 
 std::string executablePath() {

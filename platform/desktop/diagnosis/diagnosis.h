@@ -8,6 +8,7 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "desktop/colord/colord_model.h"
@@ -17,6 +18,45 @@
 #include "desktop/model/export.h"
 
 namespace platform::desktop {
+
+/// What a display server shows.
+struct ShownDisplays {
+  std::vector<Monitor> monitors;           ///< in the server's order
+  Arrangement arrangement;                 ///< of the monitors
+  std::vector<std::optional<Edid>> edids;  ///< of each display; nothing for an invalid one
+
+  ShownDisplays() = default;
+  ShownDisplays(std::vector<Monitor> shown, double scale)
+      : monitors(std::move(shown)), arrangement(arrange(monitors, scale)) {
+    for (const Display& each : arrangement.displays) {
+      edids.push_back(decodeEdid(each.edid));
+    }
+  }
+};
+
+// --- the Wayland compositor
+
+enum class WaylandState {
+  kNotNamed,   ///< WAYLAND_DISPLAY is not set, or XDG_RUNTIME_DIR for a relative name
+  kNoLibrary,  ///< libwayland-client is missing
+  kRefused,    ///< no compositor there, or no access to it
+  kSilent,     ///< no reply within the limit
+  kOld,        ///< it gives no names of outputs, or no areas in points
+  kReady,
+};
+
+struct WaylandReport {
+  WaylandState state = WaylandState::kNotNamed;
+  std::string socket;                ///< its path
+  std::uint32_t output_version = 0;  ///< of wl_output
+  std::uint32_t area_version = 0;    ///< of zxdg_output_manager_v1; 0 without it
+  ShownDisplays shown;               ///< with kOld and kReady
+};
+
+inline constexpr std::chrono::milliseconds kWaylandLimit{3000};
+
+/// Called by way of desktop/parts.h.
+WaylandReport askWayland();
 
 // --- the X server
 
@@ -30,12 +70,11 @@ enum class XServerState {
 
 struct XServerReport {
   XServerState state = XServerState::kNotNamed;
-  std::string display;                     ///< the value of DISPLAY
-  std::uint32_t randr_minor = 0;           ///< of version 1
-  double scale = 1;                        ///< pixels per point
-  std::vector<Monitor> monitors;           ///< in the server's order
-  Arrangement arrangement;                 ///< of the monitors
-  std::vector<std::optional<Edid>> edids;  ///< of each display; nothing for an invalid one
+  std::string display;            ///< the value of DISPLAY
+  std::uint32_t randr_minor = 0;  ///< of version 1
+  double scale = 1;               ///< pixels per point
+  bool is_xwayland = false;
+  ShownDisplays shown;
 };
 
 inline constexpr std::chrono::milliseconds kXServerLimit{3000};

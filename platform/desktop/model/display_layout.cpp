@@ -11,24 +11,26 @@ namespace {
 
 constexpr std::uint32_t kNumberWithoutOutput = 0x80000000;
 
-/// Coordinates in pixels, 64 bits wide so that no monitor's edge can overflow.
-struct PixelRect {
+/// In the server's units, 64 bits wide so that no monitor's edge can overflow.
+struct ServerRect {
   std::int64_t x;
   std::int64_t y;
   std::int64_t width;
   std::int64_t height;
 };
 
-Rect toPoints(const PixelRect& pixels, double scale) {
-  return {static_cast<double>(pixels.x) / scale, static_cast<double>(pixels.y) / scale,
-          static_cast<double>(pixels.width) / scale, static_cast<double>(pixels.height) / scale};
+Rect toPoints(const ServerRect& rect, double scale) {
+  return {static_cast<double>(rect.x) / scale, static_cast<double>(rect.y) / scale,
+          static_cast<double>(rect.width) / scale, static_cast<double>(rect.height) / scale};
 }
+
+bool isActive(const Monitor& monitor) { return monitor.width != 0 && monitor.height != 0; }
 
 /// The monitors that become displays, the main one first.
 std::vector<const Monitor*> inDisplayOrder(const std::vector<Monitor>& monitors) {
   std::vector<const Monitor*> order;
   for (const Monitor& monitor : monitors) {
-    if (monitor.width != 0 && monitor.height != 0) {
+    if (isActive(monitor)) {
       order.push_back(&monitor);
     }
   }
@@ -55,8 +57,9 @@ std::uint32_t chooseNumber(const Monitor& monitor, std::set<std::uint32_t>& take
 Display describeDisplay(const Monitor& monitor) {
   Display display;
   display.connector = monitor.connector;
-  display.uuid = monitor.output != 0 ? outputUuid(monitor.edid, monitor.connector) : virtualMonitorUuid(monitor.name);
-  display.vendor = kUnknownVendor;
+  display.uuid = monitor.output == 0 || monitor.connector.empty() ? virtualMonitorUuid(monitor.name)
+                                                                  : outputUuid(monitor.edid, monitor.connector);
+  display.vendor = monitor.described_vendor ? *monitor.described_vendor : kUnknownVendor;
   display.model = kUnknownModel;
   display.serial = kUnknownSerial;
   if (const auto edid = decodeEdid(monitor.edid)) {
@@ -68,7 +71,7 @@ Display describeDisplay(const Monitor& monitor) {
   return display;
 }
 
-DisplayService describeService(const Edid& edid) {
+DisplayService serviceFrom(const Edid& edid) {
   DisplayService service;
   service.vendor = edid.vendor;
   service.product = edid.product;
@@ -82,31 +85,61 @@ DisplayService describeService(const Edid& edid) {
   return service;
 }
 
+/// Whether a display without an EDID cannot be taken for this one by its numbers and get its name.
+bool hasOwnName(const Monitor& monitor, const std::vector<Monitor>& monitors) {
+  return std::all_of(monitors.begin(), monitors.end(), [&](const Monitor& other) {
+    return !isActive(other) || other.described_vendor != monitor.described_vendor ||
+           other.described_name == monitor.described_name || decodeEdid(other.edid);
+  });
+}
+
+std::optional<DisplayService> describeService(const Monitor& monitor, const std::vector<Monitor>& monitors) {
+  if (const auto edid = decodeEdid(monitor.edid)) {
+    return serviceFrom(*edid);
+  }
+  if ((!monitor.described_vendor && monitor.described_name.empty()) || !hasOwnName(monitor, monitors)) {
+    return std::nullopt;
+  }
+  DisplayService service;
+  service.vendor = monitor.described_vendor ? *monitor.described_vendor : kUnknownVendor;
+  service.product = kUnknownModel;
+  service.product_names.emplace();
+  if (!monitor.described_name.empty()) {
+    service.product_names->emplace_back(kProductNameLanguage, monitor.described_name);
+  }
+  return service;
+}
+
 }  // namespace
 
 Arrangement arrange(const std::vector<Monitor>& monitors, double scale) {
   Arrangement arrangement;
   const std::vector<const Monitor*> order = inDisplayOrder(monitors);
   std::set<std::uint32_t> taken;
+  const bool mixed = std::any_of(order.begin(), order.end(), [&](const Monitor* monitor) {
+    return monitor->backing_scale != order.front()->backing_scale;
+  });
   for (const Monitor* monitor : order) {
     const Monitor& main = *order.front();
-    PixelRect pixels{std::int64_t{monitor->x} - main.x, std::int64_t{monitor->y} - main.y, monitor->width,
-                     monitor->height};
+    ServerRect rect{std::int64_t{monitor->x} - main.x, std::int64_t{monitor->y} - main.y, monitor->width,
+                    monitor->height};
     Display display = describeDisplay(*monitor);
     display.number = chooseNumber(*monitor, taken);
-    display.bounds = toPoints(pixels, scale);
+    display.bounds = toPoints(rect, scale);
     arrangement.displays.push_back(std::move(display));
 
-    pixels.y = std::int64_t{main.height} - (pixels.y + pixels.height);  // from the upper edge to the lower one
-    arrangement.screens.push_back({.frame = toPoints(pixels, scale), .backing_scale = scale});
+    if (!mixed) {
+      rect.y = std::int64_t{main.height} - (rect.y + rect.height);  // from the upper edge to the lower one
+    }
+    arrangement.screens.push_back(
+        {.frame = toPoints(rect, scale), .backing_scale = monitor->backing_scale.value_or(scale)});
   }
   if (!order.empty()) {
     arrangement.main_screen = 0;
   }
   for (const Monitor& monitor : monitors) {
-    const bool active = monitor.width != 0 && monitor.height != 0;
-    if (const auto edid = active ? decodeEdid(monitor.edid) : std::nullopt) {
-      arrangement.services.push_back(describeService(*edid));
+    if (auto service = isActive(monitor) ? describeService(monitor, monitors) : std::nullopt) {
+      arrangement.services.push_back(std::move(*service));
     }
   }
   return arrangement;

@@ -4,6 +4,8 @@
 #include <string>
 #include <string_view>
 
+#include "desktop/model/export.h"
+
 namespace platform::desktop {
 
 inline constexpr char32_t kReplacementCharacter = 0xFFFD;
@@ -18,6 +20,6 @@ bool equalsIgnoringCase(std::string_view first, std::string_view second);
 
 /// The bytes in UTF-8. `encoding` is a name of iconv's, of an encoding that contains ASCII. A byte that the encoding
 /// does not define becomes U+FFFD, as does every byte above 0x7F when this system cannot convert from the encoding.
-std::string utf8From(const char* encoding, std::string_view bytes);
+PLATFORM_API std::string utf8From(const char* encoding, std::string_view bytes);
 
 }  // namespace platform::desktop

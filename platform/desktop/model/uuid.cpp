@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <charconv>
 
+#include "desktop/model/connector.h"
 #include "desktop/model/edid.h"
 
 namespace platform::desktop {
@@ -85,7 +86,7 @@ std::optional<Uuid> parseUuid(std::string_view text) {
 Uuid outputUuid(std::span<const std::uint8_t> edid, std::string_view connector) {
   NameBasedUuid uuid;
   uuid.add("output");
-  uuid.add(connector);
+  uuid.add(commonConnectorName(connector));
   if (decodeEdid(edid)) {
     uuid.add(edid.first(kEdidBlockSize));
   }

@@ -19,7 +19,7 @@ std::string uuidText(const Uuid& uuid);
 std::optional<Uuid> parseUuid(std::string_view text);
 
 /// The UUID of the monitor with this EDID at this connector: name-based, version 5 of RFC 4122, in a namespace of our
-/// own.
+/// own. Names of one connector that differ between X and Wayland count as one (connector.h).
 ///
 /// Two monitors of one model and serial differ by their connectors. Only the EDID's base block counts, and only when it
 /// is valid, so that a monitor keeps its identity when an extension block is misread. Without a valid EDID the

@@ -30,6 +30,10 @@ class X11Session {
   /// The version 1.x of RandR in use; 0 without RandR 1.2, and then there are no monitors.
   std::uint32_t randrMinor() const { return monitors_.randrMinor(); }
 
+  /// Whether the server is Xwayland, which passes no EDIDs: those come from Linux's connectors, by the outputs'
+  /// names, or for the only output, the only one.
+  bool isXwayland() const { return is_xwayland_; }
+
   /// Whether the result of read() may have changed since. Looks only at events that have arrived: makes no request and
   /// does not wait.
   bool hasChanged();
@@ -39,11 +43,13 @@ class X11Session {
  private:
   X11Session(std::unique_ptr<X11Connection> connection, std::uint32_t newest_randr_minor);
   void selectRootEvents();
+  static void readConnectorEdids(std::vector<Monitor>& monitors);
   bool isChange(const xcb_generic_event_t& event) const;
 
   std::unique_ptr<X11Connection> connection_;
   X11Monitors monitors_;
   X11Settings settings_;
+  bool is_xwayland_ = false;
   bool changed_ = true;  ///< before the first reading, and after one during which something changed
 };
 

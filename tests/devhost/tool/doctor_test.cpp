@@ -6,7 +6,9 @@
 #include <filesystem>
 
 #include "devhost/tool/tool_runner.h"
+#include "support/fake_compositor.h"
 #include "support/private_colord.h"
+#include "support/wayland_session.h"
 #include "support/x_proxy.h"
 #include "support/xorg_server.h"
 
@@ -15,6 +17,7 @@ namespace {
 namespace fs = std::filesystem;
 using nlohmann::json;
 using ::testing::AllOf;
+using ::testing::AnyOf;
 using ::testing::HasSubstr;
 using ::testing::IsEmpty;
 using ::testing::Not;
@@ -53,9 +56,6 @@ class Doctor : public tool_test::ToolTest {
   ToolRun run(std::vector<std::string> options = {}, const std::string& display = "", support::Environment more = {}) {
     options.insert(options.begin(), "doctor");
     more.insert(more.end(), {"XDG_DATA_HOME=" + folder_.path(), kNoBus});
-    if (more.front().find("WAYLAND_DISPLAY") != 0) {
-      more.emplace_back("WAYLAND_DISPLAY=");
-    }
     return runTool(options, {display, "", more});
   }
 };
@@ -67,8 +67,15 @@ TEST_F(Doctor, ReportsMissingDisplayVariable) {
                                        "                    fix: export DISPLAY=:0"));
   EXPECT_THAT(result.output, HasSubstr("2 things are missing.\n"));
   EXPECT_THAT(result.errors, IsEmpty());
-  expectMissing(run({"--json"}, "", {"WAYLAND_DISPLAY=wayland-0"}).document(), "X server", "Wayland session",
-                "xwayland");
+}
+
+TEST_F(Doctor, ReportsUnreachableCompositor) {
+  const json document = run({"--json"}, "", {"WAYLAND_DISPLAY=/nowhere/wayland-0"}).document();
+  expectMissing(document, "Wayland", "there is no compositor at /nowhere/wayland-0", "unset WAYLAND_DISPLAY");
+  expectMissing(document, "X server", "DISPLAY is not set", "export DISPLAY=:0");
+  const json forced = run({"--json", "--desktop", "wayland"}).document();
+  expectMissing(forced, "Wayland", "WAYLAND_DISPLAY is not set", "export WAYLAND_DISPLAY=wayland-0");
+  EXPECT_THAT(findings(forced, "X server"), IsEmpty());
 }
 
 TEST_F(Doctor, ReportsUnreachableServer) {
@@ -275,6 +282,96 @@ TEST_F(LiveDoctor, ReportsServerWithoutRandr) {
   const support::ProcessResult result = support::run({OSTREVIN_HOST, "doctor", "--json"}, environment);
   EXPECT_EQ(result.exit_status, 1);
   expectMissing(json::parse(result.output), "X server", server.display() + " lacks RandR 1.2", "-extension RANDR");
+}
+
+// --- under a compositor
+
+class WaylandDoctor : public tool_test::ToolTest {
+ protected:
+  /// Without an X server. Linux's connectors are those in drm/ of the test's folder.
+  ToolRun tool(std::vector<std::string> arguments, support::Environment more = {}) const {
+    arguments.insert(arguments.begin(), OSTREVIN_HOST);
+    support::Environment environment = sway_.environment();
+    environment.insert(environment.end(), {"OSTREVIN_DESKTOP=", "OSTREVIN_DRM=" + path("drm"),
+                                           "XDG_DATA_HOME=" + colord_.directory().string(),
+                                           "XDG_STATE_HOME=" + (colord_.directory() / "state").string()});
+    environment.insert(environment.begin(), more.begin(), more.end());  // the first value of a variable counts
+    return {support::run(arguments, environment)};
+  }
+  json document(const support::Environment& more = {}) const { return tool({"doctor", "--json"}, more).document(); }
+  void plugIn(const std::string& connector, const support::EdidBytes& edid) const {
+    folder_.write("drm/card1-" + connector + "/edid", {reinterpret_cast<const char*>(edid.data()), edid.size()});
+  }
+  std::string number() const { return std::to_string(sway_.numbers().at("HEADLESS-1")); }
+
+  support::PrivateColord colord_;
+  support::SwaySession sway_;
+};
+
+TEST_F(WaylandDoctor, FindsNothingMissing) {
+  const support::EdidBytes edid = support::makeEdid({.name = "Good One"});
+  plugIn("HEADLESS-1", edid);
+  sway_.swaymsg({"output", "HEADLESS-1", "mode", "1920x1080", "scale", "1.5"});
+  ASSERT_EQ(tool({"call", "SetProfile", number(), "/usr/share/color/icc/colord/sRGB.icc"}).exit_status, 0);
+  const ToolRun result = tool({"doctor"});
+  EXPECT_EQ(result.exit_status, 0) << result.output;
+  EXPECT_THAT(result.output,
+              AllOf(HasSubstr("Wayland    ok       " + sway_.socket() + ", wl_output 4, zxdg_output_manager_v1 3, "),
+                    HasSubstr("1 display\n"), HasSubstr("\nDisplay " + number() + ", Good One\n"),
+                    HasSubstr("  Wayland  ok       HEADLESS-1, 1280 x 720 at 0, 0, scale 1.5, main\n"),
+                    HasSubstr("  EDID     ok       \"" + support::decodedName(edid) + "\", vendor 0x3e74"),
+                    HasSubstr(", from " + path("drm/card1-HEADLESS-1/edid") + "\n"), HasSubstr("\nAll is well.\n"),
+                    Not(HasSubstr("X server"))));
+  const auto fields = support::PrivateColord::fields(colord_.colormgr({"get-devices"}), "Metadata");
+  EXPECT_THAT(fields, testing::Contains(HasSubstr("XRANDR_name=HEADLESS-1")));
+}
+
+TEST_F(WaylandDoctor, AdvisesNothingAboutAVirtualOutput) {
+  const json about = document()["displays"][0];
+  const std::string name = about["name"];
+  EXPECT_THAT(support::runSuccessfully({"wayland-info"}, sway_.environment()),
+              AnyOf(HasSubstr("model: '" + name + "'"), HasSubstr("description: " + name + "\n")));
+  ASSERT_EQ(findings(about, "EDID").size(), 1U);
+  EXPECT_EQ(findings(about, "EDID")[0]["state"], "note");
+  EXPECT_EQ(findings(about, "EDID")[0]["text"],
+            "Linux has no connector HEADLESS-1: a virtual output, which the compositor names \"" + name + "\"");
+}
+
+TEST_F(WaylandDoctor, ReportsMissingAndInvalidEdid) {
+  plugIn("HEADLESS-1", {});
+  expectMissing(document()["displays"][0], "EDID", "the monitor sends no EDID", "drm.edid_firmware=HEADLESS-1:");
+  support::EdidBytes broken = support::makeEdid();
+  broken[20] ^= 1;
+  plugIn("HEADLESS-1", broken);
+  expectMissing(document()["displays"][0], "EDID", "the monitor's EDID is invalid", "drm.edid_firmware=HEADLESS-1:");
+}
+
+TEST_F(WaylandDoctor, ReportsCompositorsThatHangOrHaveNoOutputs) {
+  sway_.pause();
+  expectMissing(document(), "Wayland", "the compositor at " + sway_.socket() + " does not respond", "log in again");
+  sway_.resume();
+  const support::FakeCompositor dark({});
+  expectMissing(document({"WAYLAND_DISPLAY=" + dark.socket()}), "Wayland", "has no output that is on",
+                "wlr-randr --output NAME --on");
+}
+
+TEST_F(WaylandDoctor, ReportsOldCompositor) {
+  const support::FakeCompositor old(support::FakeGlobals{{support::FakeOutput()}, 3, 0});
+  const json found = document({"WAYLAND_DISPLAY=" + old.socket()});
+  expectMissing(found, "Wayland", "it lacks zxdg_output_manager_v1", "install a newer compositor");
+  EXPECT_EQ(found["displays"].size(), 1U);
+}
+
+TEST_F(WaylandDoctor, ReportsUnusableLibraryAndUsesTheXServer) {
+  const support::XorgServer server;
+  write("libwayland-client.so.0", "not a library");
+  const support::Environment broken = {"LD_LIBRARY_PATH=" + folder_.path(), "DISPLAY=" + server.display()};
+  const json found = document(broken);
+  expectMissing(found, "Wayland", "libwayland-client.so.0", "apt-get install libwayland-client0");
+  EXPECT_EQ(findings(found, "X server")[0]["state"], "ok");
+  ASSERT_EQ(found["displays"].size(), 1U);
+  EXPECT_THAT(findings(found["displays"][0], "RandR")[0]["text"].get<std::string>(), HasSubstr("DUMMY0"));
+  EXPECT_EQ(json::parse(tool({"list", "--json"}, broken).output)["displays"].size(), 1U);
 }
 
 }  // namespace

@@ -96,7 +96,7 @@ TEST(Tool, ShowsExampleDesktopWithoutXServer) {
     const ToolRun run = runTool({"--json"}, {display});
     EXPECT_EQ(run.exit_status, 0);
     EXPECT_EQ(run.document()["displays"].size(), 4U);
-    EXPECT_THAT(run.errors, StartsWith("ostrevin-host: no X server: showing the example desktop "));
+    EXPECT_THAT(run.errors, StartsWith("ostrevin-host: no display server: showing the example desktop "));
     EXPECT_EQ(run.errorLines(), 1U);
   }
 }

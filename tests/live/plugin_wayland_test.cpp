@@ -1,0 +1,153 @@
+// The geometry methods of the built plugin under sway, compared with swaymsg.
+#include <gmock/gmock.h>
+
+#include <chrono>
+#include <cstdlib>
+#include <nlohmann/json.hpp>
+#include <thread>
+
+#include "desktop/wayland/wayland_displays.h"
+#include "live/live_plugin.h"
+#include "support/wayland_session.h"
+
+namespace live {
+namespace {
+
+using platform::desktop::waylandRoundTrips;
+using support::SwaySession;
+using testing::HasSubstr;
+using testing::IsEmpty;
+
+constexpr std::uint64_t kNotFound = 4099018739;
+constexpr std::chrono::seconds kLimit(20);
+
+class WaylandGeometry : public testing::Test {
+ protected:
+  /// Three outputs side by side, beside the one that is a window: scale 1, scale 1.5, and scale 2 on its side.
+  void placeThree() const {
+    sway.swaymsg({"output", "HEADLESS-1", "mode", "1920x1080", "position", "0", "0", "scale", "1"});
+    sway.swaymsg({"output", "HEADLESS-2", "mode", "2560x1440", "position", "1920", "100", "scale", "1.5"});
+    sway.swaymsg(
+        {"output", "HEADLESS-3", "mode", "3840x2160", "position", "-1080", "-300", "scale", "2", "transform", "90"});
+  }
+
+  void waitForOutputs(std::size_t count) const {
+    const auto deadline = std::chrono::steady_clock::now() + kLimit;
+    while (sway.outputs().size() != count && std::chrono::steady_clock::now() < deadline) {
+    }
+  }
+
+  /// Compares with swaymsg, once the compositor's events have arrived.
+  void expectAgreement(std::size_t count) const {
+    const auto displays = expectedDisplays(sway);
+    ASSERT_EQ(displays.size(), count);
+    const auto deadline = std::chrono::steady_clock::now() + kLimit;
+    while (!agrees(displays) && std::chrono::steady_clock::now() < deadline) {
+      std::this_thread::sleep_for(std::chrono::milliseconds(2));
+    }
+    expectGeometry(plugin, displays);
+  }
+
+  bool agrees(const std::vector<ExpectedDisplay>& displays) const {
+    bool same = activeDisplays().size() == displays.size();
+    for (const ExpectedDisplay& display : displays) {
+      const auto rect = plugin.call("GetCGRect", {display.number});
+      same = same && rect["x"].real() == display.x && rect["y"].real() == display.y &&
+             rect["width"].real() == display.width && rect["height"].real() == display.height &&
+             plugin.call("GetScale", {display.number}).result.real() == display.scale;
+    }
+    return same;
+  }
+
+  const SwaySession outer;
+  SwaySession sway{3, outer};
+  LiveSession session{"", sway.socket()};
+  const devhost::Plugin& plugin = session.plugin;
+};
+
+TEST_F(WaylandGeometry, AgreesWithSwayOnThreeScalesAndARotation) {
+  placeThree();
+  expectAgreement(4);
+}
+
+TEST_F(WaylandGeometry, FollowsOutputsThatMoveGoAndCome) {
+  placeThree();
+  expectAgreement(4);
+  const std::uint32_t kept = sway.numbers().at("HEADLESS-2");
+  sway.swaymsg({"output", "HEADLESS-2", "position", "1920", "-400"});
+  expectAgreement(4);
+  const std::uint32_t removed = sway.numbers().at("WL-1");
+  outer.closeWindows();
+  waitForOutputs(3);
+  expectAgreement(3);
+  EXPECT_EQ(plugin.call("GetIndex", {removed}).result.unsignedNumber(), kNotFound);
+  sway.createOutput();
+  sway.swaymsg({"output", "HEADLESS-4", "mode", "1280x720", "position", "0", "1080", "scale", "1.25"});
+  expectAgreement(4);
+  EXPECT_EQ(sway.numbers().at("HEADLESS-2"), kept);
+}
+
+TEST_F(WaylandGeometry, ReturnsEveryFractionalScaleExactly) {
+  placeThree();
+  for (const char* const mode : {"1920x1080", "1366x768", "2560x1600", "3840x2160"}) {
+    for (const char* const scale : {"1", "1.25", "1.5", "1.75", "2", "2.25", "3"}) {
+      SCOPED_TRACE(std::string(mode) + " at " + scale);
+      sway.swaymsg({"output", "HEADLESS-1", "mode", mode, "scale", scale});
+      const std::uint32_t number = sway.numbers().at("HEADLESS-1");
+      const auto deadline = std::chrono::steady_clock::now() + kLimit;
+      const auto read = [&] { return plugin.call("GetScale", {number}).result.real(); };
+      while (read() != std::stod(scale) && std::chrono::steady_clock::now() < deadline) {
+        std::this_thread::sleep_for(std::chrono::milliseconds(2));
+      }
+      ASSERT_EQ(read(), std::stod(scale));
+    }
+  }
+}
+
+TEST_F(WaylandGeometry, NeedsNoRoundTripWhileNothingChanges) {
+  placeThree();
+  expectAgreement(4);
+  const auto displays = expectedDisplays(sway);
+  const auto before = waylandRoundTrips();
+  EXPECT_GT(before, 0U);
+  for (int i = 0; i < 100; ++i) {
+    for (const ExpectedDisplay& display : displays) {
+      plugin.call("GetIndex", {display.number});
+      plugin.call("GetScale", {display.number});
+      plugin.call("GetRect", {display.number});
+      plugin.call("GetCGRect", {display.number});
+      plugin.call("DisplayIDForWindow", {0, 0, 100, 100});
+    }
+  }
+  EXPECT_EQ(waylandRoundTrips(), before);
+  sway.swaymsg({"output", "HEADLESS-3", "mode", "1280x720"});
+  expectAgreement(4);
+  EXPECT_GT(waylandRoundTrips(), before);
+}
+
+TEST_F(WaylandGeometry, HasNoDisplaysAfterTheCompositorIsKilledUntilTheNextOne) {
+  placeThree();
+  expectAgreement(4);
+  sway.kill();
+  for (int i = 0; i < 20; ++i) {
+    EXPECT_THAT(activeDisplays(), IsEmpty());
+    EXPECT_EQ(plugin.call("GetScale", {1}).result.real(), 0.0);
+  }
+  sway.restart(2);
+  expectAgreement(3);
+}
+
+TEST_F(WaylandGeometry, IsDrawnByTheTool) {
+  placeThree();
+  const auto drawn = support::run({OSTREVIN_HOST, "layout"}, sway.environment());
+  EXPECT_EQ(drawn.exit_status, 0) << drawn.errors;
+  const auto listed =
+      nlohmann::json::parse(support::runSuccessfully({OSTREVIN_HOST, "list", "--json"}, sway.environment()));
+  for (const ExpectedDisplay& display : expectedDisplays(sway)) {
+    EXPECT_THAT(drawn.output, HasSubstr(std::to_string(display.number)));
+  }
+  ASSERT_EQ(listed["displays"].size(), 4u) << listed.dump(1);
+}
+
+}  // namespace
+}  // namespace live
