@@ -279,6 +279,14 @@ void addDesktopFile(const std::filesystem::path& folder) {
   seeds.add("numbers", "[-0, 1e400, 18446744073709551616, 0.1E-5, \"\\ud83d\\ude00\"]");
 }
 
+void addWaylandOutput(const std::filesystem::path& folder) {
+  const Seeds seeds(folder, "wayland_output");
+  seeds.add("empty", "");
+  // Texts end with a backslash and another byte; numbers are taken from the input's end.
+  seeds.add("text", "DP-1\\nA monitor\\nDEL\\nModel\\n" + std::string(60, '\x01'));
+  seeds.add("two", "DP-1\\n\\nDEL\\nunknown\\nDP-1\\n\\nDEL\\n0x1234\\n" + std::string(140, '\x07'));
+}
+
 }  // namespace
 
 int main(int count, char** arguments) {
@@ -287,7 +295,8 @@ int main(int count, char** arguments) {
     return 2;
   }
   const std::filesystem::path folder = arguments[1];
-  for (const auto add : {addIcc, addQv02, addEdid, addUtf, addDeclaration, addArguments, addDesktopFile}) {
+  for (const auto add :
+       {addIcc, addQv02, addEdid, addUtf, addDeclaration, addArguments, addDesktopFile, addWaylandOutput}) {
     add(folder);
   }
   return 0;
