@@ -7,6 +7,7 @@
 #include <tuple>
 
 #include "desktop/colord/glib_refs.h"
+#include "desktop/model/connector.h"
 
 namespace platform::desktop {
 namespace {
@@ -46,7 +47,7 @@ struct Monitor {
 };
 
 bool hasConnector(const ColordDevice& device, const Display& display) {
-  return !display.connector.empty() && display.connector == device.connector;
+  return !display.connector.empty() && commonConnectorName(display.connector) == commonConnectorName(device.connector);
 }
 
 /// How well a device fits a display; 0 for not at all.
@@ -158,7 +159,8 @@ std::vector<std::optional<std::size_t>> matchDevices(const std::vector<Display>&
 std::function<bool(const std::string& object_path)> namedAfter(const std::vector<Display>& displays) {
   std::vector<std::string> names;
   for (const Display& display : displays) {
-    for (const std::string& name : {display.connector, Monitor(display.edid).model.value_or("")}) {
+    for (const std::string& name :
+         {display.connector, commonConnectorName(display.connector), Monitor(display.edid).model.value_or("")}) {
       if (!name.empty()) {
         names.push_back(asInObjectPath(name));
       }

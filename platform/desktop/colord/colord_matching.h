@@ -16,8 +16,8 @@ namespace platform::desktop {
 
 /// The index of each display's device, or nullopt. A device belongs to one display at most.
 ///
-/// Session daemons register a device with the connector's name; newer ones add the EDID's checksum. In order of
-/// preference, a display's device is the one with
+/// Session daemons register a device with the connector's name, which may differ between X and Wayland (connector.h);
+/// newer ones add the EDID's checksum. In order of preference, a display's device is the one with
 ///   1. its connector and its EDID, or its connector where neither has an EDID,
 ///   2. its connector, where just one of the two has an EDID,
 ///   3. its EDID, at another connector: the monitor was plugged in elsewhere,

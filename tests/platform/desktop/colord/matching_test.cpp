@@ -53,6 +53,13 @@ TEST(MatchDevices, TakesTheConnectorWhereTheDisplayHasNoEdid) {
               ElementsAre(Optional(0)));
 }
 
+TEST(MatchDevices, TakesTheConnectorUnderItsNameOfXAndOfWayland) {
+  EXPECT_THAT(matchDevices({makeDisplay(1, "HDMI-A-1", {})}, {device("a", "HDMI-2"), device("b", "HDMI-1")}),
+              ElementsAre(Optional(1)));
+  EXPECT_THAT(matchDevices({makeDisplay(1, "HDMI-1", {})}, {device("a", "HDMI-A-2"), device("b", "HDMI-A-1")}),
+              ElementsAre(Optional(1)));
+}
+
 TEST(MatchDevices, PrefersADeviceWithoutChecksumWhereTheDisplayHasNoEdid) {
   ColordDevice monitors = device("a", "VGA-1", md5(firstEdid()));
   monitors.modified = 20;
@@ -117,6 +124,7 @@ TEST(NamedAfter, FindsTheConnectorOrTheMonitorInAPath) {
   EXPECT_TRUE(named("/devices/xrandr_DP_1"));
   EXPECT_TRUE(named("/devices/xrandr_VGA_1"));
   EXPECT_FALSE(named("/devices/xrandr_Dell_DELL_U2413_1502"));
+  EXPECT_TRUE(namedAfter({makeDisplay(1, "HDMI-A-1", {})})("/devices/xrandr_HDMI_1"));
   EXPECT_FALSE(named("/devices/xrandr_DP_2"));
   EXPECT_FALSE(namedAfter({makeDisplay(1, "", {})})("/devices/xrandr"));
 }
