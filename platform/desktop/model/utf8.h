@@ -13,7 +13,7 @@ inline constexpr char32_t kReplacementCharacter = 0xFFFD;
 /// `character` is a Unicode scalar value.
 void appendUtf8(std::string& text, char32_t character);
 
-bool isUtf8(std::string_view bytes);
+PLATFORM_API bool isUtf8(std::string_view bytes);
 
 /// Case-insensitive for the letters of ASCII.
 bool equalsIgnoringCase(std::string_view first, std::string_view second);

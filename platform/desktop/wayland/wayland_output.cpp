@@ -15,9 +15,9 @@ namespace {
 /// Whether so many pixels at this scale are so many points, rounded up or down.
 bool fits(std::int32_t pixels, std::int32_t points, double scale) { return std::abs(pixels / scale - points) < 1; }
 
-/// UTF-8 without control characters, since names are shown on one line.
+/// UTF-8 without control characters, since names are shown on one line. Of other bytes only ASCII is kept.
 std::string cleanText(const std::string& bytes) {
-  std::string text = utf8From("UTF-8", bytes);
+  std::string text = isUtf8(bytes) ? bytes : utf8From("ASCII", bytes);
   std::erase_if(text, [](char c) { return static_cast<unsigned char>(c) < 0x20 || c == 0x7F; });
   return text;
 }

@@ -142,6 +142,10 @@ TEST(MonitorsOfOutputs, HaveCleanNames) {
   EXPECT_EQ(monitors[0].connector, "DP\xEF\xBF\xBD-1");
   EXPECT_EQ(monitors[0].described_vendor, 0x10ACu);
   EXPECT_EQ(monitors[0].described_name, "\xEF\xBF\xBD( model");
+  one.name = "\xC3\xA9\xF4\xBA\xBA\xBA";  // beyond U+10FFFF
+  EXPECT_EQ(monitorsOf({one}, "/nowhere")[0].connector, "\uFFFD\uFFFD\uFFFD\uFFFD\uFFFD\uFFFD");
+  one.name = "\xC3\xA9";
+  EXPECT_EQ(monitorsOf({one}, "/nowhere")[0].connector, "\xC3\xA9");
 }
 
 TEST(MonitorsOfOutputs, AreNamedByTheDescriptionWithoutAModel) {
