@@ -1,4 +1,4 @@
-// The geometry methods of the built plugin under sway, compared with swaymsg.
+// The methods of the built plugin under sway, compared with swaymsg, and while the compositor is killed.
 #include <gmock/gmock.h>
 
 #include <chrono>
@@ -8,6 +8,10 @@
 
 #include "desktop/wayland/wayland_displays.h"
 #include "live/live_plugin.h"
+#include "support/edid_maker.h"
+#include "support/environment_variables.h"
+#include "support/private_colord.h"
+#include "support/temporary_folder.h"
 #include "support/wayland_session.h"
 
 namespace live {
@@ -148,6 +152,87 @@ TEST_F(WaylandGeometry, IsDrawnByTheTool) {
   }
   ASSERT_EQ(listed["displays"].size(), 4u) << listed.dump(1);
 }
+
+// --- a compositor that is killed during a call
+
+constexpr const char* kProfile = "/usr/share/color/icc/colord/AdobeRGB1998.icc";
+
+struct Method {
+  const char* name;
+  /// Whether the method, called for the only display, finds it.
+  bool (*finds)(const devhost::Plugin& plugin, std::uint32_t number);
+};
+
+void PrintTo(const Method& method, std::ostream* out) { *out << method.name; }
+
+class CompositorKilledDuring : public testing::TestWithParam<Method> {
+ protected:
+  CompositorKilledDuring() {
+    const auto edid = support::makeEdid({.name = "Known"});
+    folder.write("card0-HEADLESS-1/edid", {reinterpret_cast<const char*>(edid.data()), edid.size()});
+    const LiveSession session("", sway.socket());
+    EXPECT_TRUE(session.plugin.call("SetProfile", {number(), kProfile}).result.boolean());
+  }
+
+  std::uint32_t number() const { return sway.numbers().at("HEADLESS-1"); }
+
+  const support::PrivateColord colord;
+  const support::TemporaryFolder folder;
+  const support::EnvironmentVariables variables{{{"OSTREVIN_DRM", folder.path()}}};
+  SwaySession sway;
+};
+
+TEST_P(CompositorKilledDuring, ReturnsWithoutDisplayAndFindsTheNextCompositors) {
+  constexpr std::chrono::milliseconds kKillAfter(300);
+  constexpr std::chrono::seconds kReplyLimit(2);
+  const auto [name, finds] = GetParam();
+  const std::uint32_t before = number();
+  sway.pause();
+  const LiveSession session("", sway.socket());
+  const auto begin = std::chrono::steady_clock::now();
+  std::thread killer([&] {
+    std::this_thread::sleep_for(kKillAfter);
+    sway.kill();
+  });
+  EXPECT_FALSE(finds(session.plugin, before));
+  const auto took = std::chrono::steady_clock::now() - begin;
+  killer.join();
+  EXPECT_GE(took, kKillAfter) << "not killed during the call";
+  EXPECT_LT(took, kReplyLimit) << "the call waits for a compositor that has ended";
+  EXPECT_FALSE(finds(session.plugin, before));
+  sway.restart(1);
+  const std::uint32_t after = number();
+  const auto deadline = std::chrono::steady_clock::now() + kLimit;
+  while (activeDisplays().empty() && std::chrono::steady_clock::now() < deadline) {
+    std::this_thread::sleep_for(std::chrono::milliseconds(2));
+  }
+  EXPECT_TRUE(finds(session.plugin, after));
+}
+
+constexpr Method kMethods[] = {
+    {"GetRect",
+     [](const auto& plugin, auto number) { return plugin.call("GetRect", {number})["right"].integer() != 0; }},
+    {"GetCGRect",
+     [](const auto& plugin, auto number) { return plugin.call("GetCGRect", {number})["width"].real() != 0; }},
+    {"GetIndex", [](const auto& plugin,
+                    auto number) { return plugin.call("GetIndex", {number}).result.unsignedNumber() != kNotFound; }},
+    {"GetScale", [](const auto& plugin, auto number) { return plugin.call("GetScale", {number}).result.real() != 0; }},
+    {"DisplayIDForWindow",
+     [](const auto& plugin, auto number) {
+       return plugin.call("DisplayIDForWindow", {0, 0, 10, 10}).result.unsignedNumber() == number;
+     }},
+    {"GetName",
+     [](const auto& plugin, auto number) { return plugin.call("GetName", {number})["name"].text() == "Known"; }},
+    {"GetProfilePath", [](const auto& plugin,
+                          auto number) { return plugin.call("GetProfilePath", {number})["path"].text() == kProfile; }},
+    {"SetProfile",
+     [](const auto& plugin, auto number) {
+       return plugin.call("SetProfile", {number, kProfile}).result.boolean();
+     }},
+};
+
+INSTANTIATE_TEST_SUITE_P(Method, CompositorKilledDuring, testing::ValuesIn(kMethods),
+                         [](const auto& info) { return std::string(info.param.name); });
 
 }  // namespace
 }  // namespace live
