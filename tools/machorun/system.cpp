@@ -188,6 +188,11 @@ void fillCharacterClasses() {
 }
 
 #ifdef __aarch64__
+void invalidateCode(void* code, std::size_t size) {
+  auto* const begin = static_cast<char*>(code);
+  __builtin___clear_cache(begin, begin + size);
+}
+
 /// On the Mac a list of arguments is a pointer to slots of eight bytes on the stack; this system's, without arguments
 /// in registers, reads the same.
 struct ListOnStack {
@@ -242,6 +247,7 @@ std::span<const Substitute> systemSubstitutes() {
       substitute("__availability_version_check", checkVersions),
       substitute("_strerror_r", errorText),
 #ifdef __aarch64__
+      substitute("_sys_icache_invalidate", invalidateCode),
       substitute("_snprintf", machorun_snprintf),
       substitute("_printf", machorun_printf),
       substitute("_vfprintf", printList),

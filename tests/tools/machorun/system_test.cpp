@@ -230,6 +230,14 @@ TEST(Memory, IsZeroedByAnotherName) {
   EXPECT_EQ(std::memcmp(bytes, "\0\0\0es", 6), 0);
 }
 
+#ifdef __aarch64__
+TEST(Memory, HoldsCodeThatIsMadeVisible) {
+  char bytes[] = "code";
+  mac<void(void*, std::size_t)>("_sys_icache_invalidate")(bytes, sizeof bytes);
+  EXPECT_STREQ(bytes, "code");
+}
+#endif
+
 TEST(Libraries, AreSearchedByTheMacsNumbersAndNeverOpened) {
   auto* const find = reinterpret_cast<void* (*)(void*, const char*)>(machorun::resolveFromProcess("_dlsym"));
   auto* const open = reinterpret_cast<void* (*)(const char*, int)>(machorun::resolveFromProcess("_dlopen"));
