@@ -2,6 +2,12 @@
 
 #include <dlfcn.h>
 
+#include <ColorSync/ColorSync.h>
+#include <CoreFoundation/CoreFoundation.h>
+#include <CoreGraphics/CoreGraphics.h>
+
+#include <atomic>
+
 #include "tools/machorun/objective_c.h"
 #include "tools/machorun/system.h"
 
@@ -33,6 +39,50 @@ void* findSymbol(void* handle, const char* name) {
 
 /// No other library is loaded for an image.
 void* openLibrary(const char*, int) { return nullptr; }
+
+// --- Boolean results: functions of this system set the low byte of the register, the Mac's compilers read all of it
+
+/// Calls the function that was found under the name, and extends its result. `Name` tells functions of one type apart.
+template <typename Name, typename Function>
+struct BooleanFunction;
+
+template <typename Name, typename Result, typename... Parameters>
+struct BooleanFunction<Name, Result(Parameters...)> {
+  static_assert(sizeof(Result) == 1);
+  static inline std::atomic<void*> found = nullptr;
+
+  /// The types on both sides differ where the calling convention does not see it, so a sanitizer must not compare them.
+  __attribute__((no_sanitize("function"))) static std::uint64_t call(Parameters... parameters) {
+    return reinterpret_cast<Result (*)(Parameters...)>(found.load(std::memory_order_relaxed))(parameters...);
+  }
+};
+
+struct BooleanEntry {
+  std::string_view name;
+  std::atomic<void*>& found;
+  void* call;
+};
+
+template <typename Function>
+BooleanEntry booleanEntry(std::string_view name) {
+  return {name, Function::found, reinterpret_cast<void*>(Function::call)};
+}
+
+/// The function itself, or the one that extends its result.
+void* withWholeResult(std::string_view name, void* function) {
+#define BOOLEAN_FUNCTION(name) booleanEntry<BooleanFunction<struct name##Name, decltype(name)>>(#name),
+  static const BooleanEntry kEntries[] = {
+#include "boolean_functions.def"
+  };
+#undef BOOLEAN_FUNCTION
+  for (const BooleanEntry& entry : kEntries) {
+    if (entry.name == name && function != nullptr) {
+      entry.found = function;
+      return entry.call;
+    }
+  }
+  return function;
+}
 
 }  // namespace
 
@@ -72,8 +122,11 @@ void* resolveFromProcess(const std::string& symbol) {
     return nullptr;
   }
   const char* const name = symbol.c_str() + 1;
-  void* const found = dlsym(RTLD_DEFAULT, name);
-  return found != nullptr || platformLibrary() == nullptr ? found : dlsym(platformLibrary(), name);
+  void* found = dlsym(RTLD_DEFAULT, name);
+  if (found == nullptr && platformLibrary() != nullptr) {
+    found = dlsym(platformLibrary(), name);
+  }
+  return withWholeResult(name, found);
 }
 
 }  // namespace machorun

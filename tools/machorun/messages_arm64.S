@@ -38,12 +38,29 @@ machorun_msgSend:                       // x17: the call to objc_msg_lookup in t
         .cfi_offset x29, -240
         .cfi_offset x30, -232
         blr     x17
-        mov     x16, x0
+        str     x0, [sp, #88]
+        ldp     x0, x1, [sp, #16]
+        bl      machorun_returns_boolean
+        mov     x17, x0
+        ldr     x16, [sp, #88]
         restore_arguments
         .cfi_def_cfa sp, 0
         .cfi_restore x29
         .cfi_restore x30
+        cbnz    x17, 2f
         br      x16
+2:      stp     x29, x30, [sp, #-16]!   // such a message has no arguments on the stack
+        .cfi_def_cfa_offset 16
+        .cfi_offset x29, -16
+        .cfi_offset x30, -8
+        mov     x29, sp
+        blr     x16
+        and     w0, w0, #0xFF
+        ldp     x29, x30, [sp], #16
+        .cfi_def_cfa_offset 0
+        .cfi_restore x29
+        .cfi_restore x30
+        ret
 1:      mov     x1, #0
         movi    d0, #0
         movi    d1, #0

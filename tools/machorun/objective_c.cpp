@@ -194,3 +194,16 @@ void adaptObjectiveC(const macho::Image& image, const MappedImage& mapped) {
 }
 
 }  // namespace machorun
+
+#ifdef __aarch64__
+/// Called by the message entry, which then extends the method's result to the whole register, as the Mac's compilers
+/// expect it.
+extern "C" __attribute__((visibility("hidden"))) std::uint64_t machorun_returns_boolean(void* const* receiver,
+                                                                                        const void* selector) {
+  static auto* const find_method = machorun::runtimeFunction<void*(void*, const void*)>("class_getInstanceMethod");
+  static auto* const types_of = machorun::runtimeFunction<const char*(void*)>("method_getTypeEncoding");
+  void* const method = find_method(*receiver, selector);
+  const char result = method == nullptr ? '\0' : *types_of(method);
+  return result == 'C' || result == 'B' ? 1 : 0;
+}
+#endif

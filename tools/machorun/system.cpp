@@ -95,8 +95,8 @@ int clockTime(int clock, timespec* time) {
 // --- the version of the system
 
 /// Whether the system is at least of these versions: of pairs of a platform (1 is macOS) and a packed version. It is
-/// macOS 10.13, or what MACHORUN_SYSTEM names, such as "14.2".
-bool checkVersions(std::uint32_t count, const std::uint32_t* versions) {
+/// macOS 10.13, or what MACHORUN_SYSTEM names, such as "14.2". A bool on the Mac, whose callers read it as an int.
+int checkVersions(std::uint32_t count, const std::uint32_t* versions) {
   unsigned major = 10;
   unsigned minor = 13;
   if (const char* const system = std::getenv("MACHORUN_SYSTEM"); system != nullptr) {
@@ -106,10 +106,10 @@ bool checkVersions(std::uint32_t count, const std::uint32_t* versions) {
   }
   for (std::size_t i = 0; i < count; ++i) {
     if (versions[2 * i] == 1 && versions[2 * i + 1] > (major << 16 | minor << 8)) {
-      return false;
+      return 0;
     }
   }
-  return true;
+  return 1;
 }
 
 // --- ends of the process and of threads; the image's own handle means nothing here

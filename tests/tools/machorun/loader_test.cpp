@@ -10,6 +10,8 @@
 #include <stdexcept>
 #include <thread>
 
+#include "tools/machorun/linking.h"
+
 namespace {
 
 using machorun::LoadedImage;
@@ -41,6 +43,12 @@ class Sample : public testing::TestWithParam<const char*> {
 extern "C" {
 __attribute__((visibility("default"))) int sample_variable_of_test = 1000;
 __attribute__((visibility("default"))) int sample_function_of_test(int number) { return 2 * number; }
+
+// In place of platform/'s: the argument is the result, whose low byte counts; or is thrown.
+__attribute__((visibility("default"))) const void* CGColorSpaceIsWideGamutRGB(const void* space) { return space; }
+__attribute__((visibility("default"))) bool CFNumberGetValue(const char* number, long, void*) {
+  throw std::runtime_error(number);
+}
 }
 
 namespace {
@@ -56,6 +64,24 @@ TEST_P(Sample, IsBoundToSymbolsOfThisProcess) {
   EXPECT_EQ(symbol<int(int)>("callTest")(21), 1042);
   EXPECT_EQ(symbol<int(int)>("callThroughPointer")(4), 8);
   EXPECT_EQ(symbol<int()>("hasMissingFunction")(), 0);
+}
+
+TEST_P(Sample, SeesWholeRegisterOfBooleanResults) {
+  const void* const garbage_true = reinterpret_cast<const void*>(0xABCDEF01ABCDEF01);
+  const void* const garbage_false = reinterpret_cast<const void*>(0xABCDEF01ABCDEF00);
+  EXPECT_EQ(symbol<unsigned(const void*)>("isWideGamut")(garbage_true), 1U);
+  EXPECT_EQ(symbol<unsigned(const void*)>("isWideGamut")(garbage_false), 0U);
+  auto* const imported = machorun::resolveFromProcess("_CGColorSpaceIsWideGamutRGB");
+  EXPECT_EQ(reinterpret_cast<std::uint64_t (*)(const void*)>(imported)(garbage_true), 1U);
+}
+
+TEST_P(Sample, PassesExceptionsOfFunctionsWithBooleanResults) {
+  try {
+    symbol<unsigned(const void*)>("readValue")("thrown");
+    ADD_FAILURE() << "nothing was thrown";
+  } catch (const std::runtime_error& error) {
+    EXPECT_STREQ(error.what(), "thrown");
+  }
 }
 
 TEST_P(Sample, RunsItsInitialisersInOrder) { EXPECT_EQ(symbol<int()>("initialisedValue")(), 30); }

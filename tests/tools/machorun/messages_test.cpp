@@ -1,5 +1,8 @@
 // Objective-C in a library that is compiled for the Mac here, over this system's runtime and Foundation.
 #include <gtest/gtest.h>
+#include <objc/runtime.h>
+
+#include <stdexcept>
 
 #include "frameworks/Foundation/autorelease_pool.h"
 #include "tools/machorun/loader.h"
@@ -37,6 +40,20 @@ TEST_P(Messages, ReturnStructuresAndNumbers) {
 }
 
 TEST_P(Messages, ToNilReturnZero) { EXPECT_EQ(symbol<unsigned long()>("messagesToNil")(), 0U); }
+
+/// A method that returns the whole register, or throws for 0.
+std::uint64_t lowByteOf(void*, void*, std::uint64_t number) {
+  return number != 0 ? number : throw std::runtime_error("thrown");
+}
+
+TEST_P(Messages, ReturnBooleansInTheWholeRegister) {
+  class_addMethod(reinterpret_cast<Class>(objc_getClass("NSObject")), sel_registerName("lowByteOf:"),
+                  reinterpret_cast<IMP>(reinterpret_cast<void (*)()>(lowByteOf)), "C@:Q");
+  auto* const low_byte = symbol<unsigned(std::uint64_t)>("lowByte");
+  EXPECT_EQ(low_byte(0xABCDEF01ABCDEF01), 1U);
+  EXPECT_EQ(low_byte(0xABCDEF01ABCDEF00), 0U);
+  EXPECT_THROW(low_byte(0), std::runtime_error);
+}
 
 INSTANTIATE_TEST_SUITE_P(, Messages, testing::Values("messages_opcodes", "messages_chains"),
                          [](const auto& info) { return info.param; });

@@ -25,6 +25,13 @@ typedef int Function(int);
 static Function* const function_of_test = sample_function_of_test;
 EXPORT int callThroughPointer(int value) { return function_of_test(value); }
 
+// --- Boolean results: the compiler takes them for extended, and returns an imported function's as they are
+
+extern _Bool CGColorSpaceIsWideGamutRGB(const void* space);
+extern unsigned char CFNumberGetValue(const void* number, long type, void* value);
+EXPORT unsigned isWideGamut(const void* space) { return CGColorSpaceIsWideGamutRGB(space); }
+EXPORT unsigned readValue(const void* number) { return CFNumberGetValue(number, 1, 0); }
+
 // --- initialisers
 
 static int initialised = 1;

@@ -12,6 +12,7 @@ typedef struct {
 __attribute__((objc_root_class))
 @interface NSObject
 + (Class)class;
+- (_Bool)lowByteOf:(unsigned long)number;
 @end
 @interface NSString : NSObject
 + (id)stringWithUTF8String:(const char *)text;
@@ -45,3 +46,5 @@ EXPORT unsigned long messagesToNil(void) {
   return [nothing length] + range.location + range.length + (unsigned long)[nothing doubleValue];
 }
 EXPORT int hasItsClass(void) { return object_getClass([NSString stringWithUTF8String:"made"]) != (Class)0; }
+/// The compiler takes the result for extended.
+EXPORT unsigned lowByte(unsigned long number) { return [@"receiver" lowByteOf:number]; }

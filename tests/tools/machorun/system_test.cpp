@@ -249,10 +249,10 @@ TEST(Libraries, AreSearchedByTheMacsNumbersAndNeverOpened) {
 }
 
 TEST(Availability, IsOfTheSystemThatTheEnvironmentNames) {
-  auto* const check = mac<bool(std::uint32_t, const std::uint32_t*)>("__availability_version_check");
+  auto* const check = mac<int(std::uint32_t, const std::uint32_t*)>("__availability_version_check");
   const auto has = [&](std::uint32_t version, std::uint32_t platform = 1) {
     const std::uint32_t wanted[] = {platform, version};
-    return check(1, wanted);
+    return check(1, wanted) == 1;
   };
   unsetenv("MACHORUN_SYSTEM");
   EXPECT_TRUE(has(0xA0D00));
