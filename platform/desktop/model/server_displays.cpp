@@ -12,8 +12,8 @@ ServerDisplays::ServerDisplays(ServerOptions options) : options_(std::move(optio
 ServerDisplays::~ServerDisplays() = default;
 
 std::shared_ptr<const Arrangement> ServerDisplays::arrangement() {
-  auto found = find();
-  return found ? std::move(found) : none_;
+  const auto found = find();
+  return found ? found : none_;
 }
 
 std::shared_ptr<const Arrangement> ServerDisplays::find() {
