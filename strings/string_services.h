@@ -20,7 +20,7 @@ OSTREVIN_API CFStringRef LastPathComponent(CFURLRef url);
 /// A file URL that is never a directory's: the file system is not read, and a trailing "/" of the path is dropped.
 OSTREVIN_API CFURLRef CFStringToCFURL(CFStringRef path);
 
-/// Big-endian UTF-16 units without a byte-order mark. Null when a surrogate stands alone.
+/// The string's UTF-16 units, high byte first, without a byte-order mark.
 OSTREVIN_API CFDataRef CFStringRefToUTF16BE(CFStringRef string);
 /// One byte per character that the encoding has; the others are altered or dropped as the platform does it.
 OSTREVIN_API CFDataRef CFStringRefToASCII(CFStringRef string);

@@ -47,6 +47,10 @@ TYPE(CFHashCode, unsigned long);
 TYPE(CFIndex, signed long);
 TYPE(CFStringEncoding, UInt32);
 
+MEMBER(CFRange, location, CFIndex, 0);
+MEMBER(CFRange, length, CFIndex, 8);
+static_assert(sizeof(CFRange) == 16);
+
 TYPE(CFAllocatorRef, const struct __CFAllocator*);
 TYPE(CFStringRef, const struct __CFString*);
 TYPE(CFURLRef, const struct __CFURL*);
@@ -63,6 +67,7 @@ CONSTANT(kCFStringEncodingUTF8, CFStringEncoding, 0x08000100);
 ENUMERATION(CFNumberType, CFIndex);
 CONSTANT(kCFNumberSInt32Type, CFNumberType, 3);
 CONSTANT(kCFNumberSInt64Type, CFNumberType, 4);
+CONSTANT(kCFNumberDoubleType, CFNumberType, 13);
 ENUMERATION(CFURLPathStyle, CFIndex);
 CONSTANT(kCFURLPOSIXPathStyle, CFURLPathStyle, 0);
 
@@ -91,6 +96,8 @@ DECLARED(CFUUIDGetTypeID, CFTypeID());
 DECLARED(CFSTR("text"), CFStringRef);
 DECLARED(__CFStringMakeConstantString, CFStringRef(const char*));
 DECLARED(CFStringCreateWithBytes, CFStringRef(CFAllocatorRef, const UInt8*, CFIndex, CFStringEncoding, Boolean));
+DECLARED(CFRangeMake, CFRange(CFIndex, CFIndex));
+DECLARED(CFStringCreateWithSubstring, CFStringRef(CFAllocatorRef, CFStringRef, CFRange));
 DECLARED(CFStringGetLength, CFIndex(CFStringRef));
 DECLARED(CFStringGetMaximumSizeForEncoding, CFIndex(CFIndex, CFStringEncoding));
 DECLARED(CFStringGetCString, Boolean(CFStringRef, char*, CFIndex, CFStringEncoding));

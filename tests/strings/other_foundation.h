@@ -5,14 +5,9 @@
 #include <CoreFoundation/CoreFoundation.h>
 
 #include <string>
-#include <string_view>
 #include <vector>
 
 namespace other_foundation {
-
-/// A string of `count` of these code units, in the current autorelease pool. All of them are text; the part need not
-/// be.
-CFStringRef partOf(std::u16string_view units, std::size_t begin, std::size_t count);
 
 /// A request for a string's characters in an encoding.
 struct DataRequest {

@@ -65,12 +65,6 @@ Method languageCodes() { return class_getClassMethod([NSLocale class], @selector
 
 }  // namespace
 
-CFStringRef partOf(std::u16string_view units, std::size_t begin, std::size_t count) {
-  NSString* const whole = [NSString stringWithCharacters:reinterpret_cast<const unichar*>(units.data())
-                                                  length:units.size()];
-  return (CFStringRef)[whole substringWithRange:NSMakeRange(begin, count)];
-}
-
 CFStringRef notingString(Notes& notes) { return (CFStringRef)[[[NotingString alloc] initWithNotes:notes] autorelease]; }
 
 WithoutVersionQuestion::WithoutVersionQuestion() { replaceRespondsWith(kReturnNo); }

@@ -1,9 +1,7 @@
-// Strings, URLs and paths through the platform.
+// Strings, URLs and paths through the platform, besides tests/conformance.
 #include <gmock/gmock.h>
 
-#include <cstdlib>
 #include <filesystem>
-#include <fstream>
 #include <string>
 #include <thread>
 #include <vector>
@@ -16,9 +14,6 @@
 #include "support/temporary_folder.h"
 
 namespace {
-
-using testing::ElementsAre;
-using testing::IsEmpty;
 
 /// A test works inside an autorelease pool of its own.
 class Strings : public testing::Test {
@@ -49,27 +44,7 @@ std::string pathOf(CFURLRef url) {
   return path != nullptr ? path : "(null)";
 }
 
-std::vector<int> bytesOf(CFDataRef data) {
-  const UInt8* const bytes = CFDataGetBytePtr(data);
-  return {bytes, bytes + CFDataGetLength(data)};
-}
-
-constexpr const char* kAccents = "\xC3\xA9t\xC3\xA9";
-
 // --- strings
-
-TEST_F(Strings, RoundTripThroughUtf8) {
-  for (const char* const text : {"", "abc", kAccents, "\xE6\x97\xA5\xE6\x9C\xAC", "A\xF0\x9F\x98\x80", "e\xCC\x81"}) {
-    EXPECT_EQ(textOf(string(text)), text);
-  }
-}
-
-TEST_F(Strings, AreNullForInvalidUtf8) {
-  for (const char* const text : {"\xC0\x80", "\xE0\x80\x80", "\xED\xA0\x80", "\xF4\x90\x80\x80", "\x80", "\xFF",
-                                 "a\xC3", "a\xE2\x82", "a\xF0\x9F\x98"}) {
-    EXPECT_EQ(string(text), nullptr) << testing::PrintToString(text);
-  }
-}
 
 TEST_F(Strings, AreNullForNull) {
   EXPECT_EQ(string(nullptr), nullptr);
@@ -89,40 +64,6 @@ TEST_F(Strings, BelongToThePool) {
 }
 
 // --- data
-
-TEST_F(Strings, BecomeBigEndianUtf16WithoutAMark) {
-  EXPECT_THAT(bytesOf(StringServices::CFStringRefToUTF16BE(string("A\xC3\xA9\xF0\x9F\x98\x80"))),
-              ElementsAre(0x00, 0x41, 0x00, 0xE9, 0xD8, 0x3D, 0xDE, 0x00));
-  EXPECT_THAT(bytesOf(StringServices::CFStringRefToUTF16BE(string(""))), IsEmpty());
-}
-
-TEST_F(Strings, WithALoneSurrogateHaveNoUtf16OrUtf8) {
-  constexpr std::u16string_view kText = u"a\U0001F600\U0001F600";
-  for (const auto& [begin, count] : {std::pair(1, 1), std::pair(0, 2), std::pair(2, 2)}) {
-    const CFStringRef broken =
-        other_foundation::partOf(kText, static_cast<std::size_t>(begin), static_cast<std::size_t>(count));
-    ASSERT_EQ(CFStringGetLength(broken), count);
-    EXPECT_EQ(StringServices::CFStringRefToUTF16BE(broken), nullptr);
-    EXPECT_EQ(StringServices::CFStringRefToUTF8String(broken), nullptr);
-  }
-}
-
-TEST_F(Strings, EndAtANulInUtf8Only) {
-  const CFStringRef string = other_foundation::partOf(std::u16string_view(u"a\0b", 3), 0, 3);
-  EXPECT_STREQ(StringServices::CFStringRefToUTF8String(string), "a");
-  EXPECT_THAT(bytesOf(StringServices::CFStringRefToUTF16BE(string)), ElementsAre(0, 'a', 0, 0, 0, 'b'));
-}
-
-TEST_F(Strings, BecomeAsciiWithLosses) {
-  EXPECT_THAT(bytesOf(StringServices::CFStringRefToASCII(string("abc"))), ElementsAre('a', 'b', 'c'));
-  EXPECT_NE(StringServices::CFStringRefToASCII(string(kAccents)), nullptr);
-  EXPECT_NE(StringServices::CFStringRefToASCII(string("\xE6\x97\xA5\xF0\x9F\x98\x80")), nullptr);
-}
-
-TEST_F(Strings, BecomeMacRomanWithLosses) {
-  EXPECT_THAT(bytesOf(StringServices::CFStringRefToMac(string(kAccents))), ElementsAre(0x8E, 't', 0x8E));
-  EXPECT_NE(StringServices::CFStringRefToMac(string("\xE6\x97\xA5\xF0\x9F\x98\x80")), nullptr);
-}
 
 TEST_F(Strings, EncodersRequestLossyAsciiAndMacRomanOnly) {
   other_foundation::Notes notes;
@@ -170,22 +111,9 @@ TEST_P(Contains, IsFalseForTheEmptyPart) {
   EXPECT_FALSE(contains("", ""));
 }
 
-TEST_P(Contains, FindsCharactersOfAllWidths) {
-  EXPECT_TRUE(contains("\xE6\x97\xA5\xE6\x9C\xAC\xF0\x9F\x98\x80", "\xF0\x9F\x98\x80"));
-  EXPECT_FALSE(contains("\xE6\x97\xA5\xE6\x9C\xAC", "\xE8\xAA\x9E"));
-}
-
 TEST_P(Contains, IsFalseForTheNullPart) {
   EXPECT_FALSE(contains("a", nullptr));
   EXPECT_FALSE(contains(nullptr, nullptr));
-}
-
-TEST_P(Contains, ReturnsForPartsThatBeginWithACombiningCharacter) {
-  for (const char* const part : {"\xCC\x81", "\xCC\x81x", "\xEF\xB8\x8F", "\xE2\x80\x8D"}) {
-    SCOPED_TRACE(testing::PrintToString(part));
-    EXPECT_FALSE(contains("Display", part));
-    EXPECT_FALSE(contains("", part));
-  }
 }
 
 /// The selector by which a text is searched.

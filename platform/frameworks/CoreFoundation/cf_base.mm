@@ -37,6 +37,10 @@ bool isBoolean(id value) {
   return [value isKindOfClass:boolean_class];
 }
 
+bool haveSameUnits(NSString* first, NSString* second) {
+  return [first length] == [second length] && [first compare:second options:NSLiteralSearch] == NSOrderedSame;
+}
+
 CFTypeID typeOf(id value) {
   // Looked up once: the look-up costs more than the query.
   static const Class string_class = [NSString class];
@@ -106,8 +110,9 @@ Boolean CFEqual(CFTypeRef first, CFTypeRef second) {
     return true;
   }
   const ScopedPool pool;
-  // In Foundation the number 1 equals the boolean YES; in CoreFoundation their types differ.
-  return isBoolean(object(first)) == isBoolean(object(second)) && [object(first) isEqual:object(second)];
+  // In Foundation the number 1 equals the boolean YES, and a string one that is canonically equivalent; not here.
+  return isBoolean(object(first)) == isBoolean(object(second)) && [object(first) isEqual:object(second)] &&
+         (![object(first) isKindOfClass:[NSString class]] || haveSameUnits(object(first), object(second)));
 }
 
 CFTypeID CFGetTypeID(CFTypeRef reference) {

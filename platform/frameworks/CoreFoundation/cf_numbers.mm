@@ -37,11 +37,13 @@ Bits bitsOf(double value) {
   return {static_cast<std::int64_t>(value), std::trunc(value) == value};
 }
 
+bool isReal(NSNumber* number) { return *[number objCType] == 'd' || *[number objCType] == 'f'; }
+
 Bits bitsOf(NSNumber* number) {
+  if (isReal(number)) {
+    return bitsOf([number doubleValue]);
+  }
   switch (*[number objCType]) {
-    case 'f':
-    case 'd':
-      return bitsOf([number doubleValue]);
     case 'Q':
     case 'L': {
       const unsigned long long value = [number unsignedLongLongValue];
@@ -65,6 +67,8 @@ CFNumberRef CFNumberCreate(CFAllocatorRef, CFNumberType type, const void* value)
     case kCFNumberSInt64Type:
       return reinterpret_cast<CFNumberRef>(
           [[NSNumber alloc] initWithLongLong:*static_cast<const std::int64_t*>(value)]);
+    case kCFNumberDoubleType:
+      return reinterpret_cast<CFNumberRef>([[NSNumber alloc] initWithDouble:*static_cast<const double*>(value)]);
   }
   return nullptr;
 }
@@ -86,6 +90,12 @@ Boolean CFNumberGetValue(CFNumberRef number, CFNumberType type, void* value) {
     case kCFNumberSInt64Type:
       *static_cast<std::int64_t*>(value) = bits.value;
       return bits.exact;
+    case kCFNumberDoubleType: {
+      const double real = [(NSNumber*)number doubleValue];
+      *static_cast<double*>(value) = real;
+      const Bits back = bitsOf(real);
+      return isReal((NSNumber*)number) || (back.exact && back.value == bits.value);
+    }
   }
   return false;
 }

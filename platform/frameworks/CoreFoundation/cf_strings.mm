@@ -66,6 +66,18 @@ CFStringRef CFStringCreateWithBytes(CFAllocatorRef, const UInt8* bytes, CFIndex 
   return reinterpret_cast<CFStringRef>(made);
 }
 
+CFStringRef CFStringCreateWithSubstring(CFAllocatorRef, CFStringRef string, CFRange range) {
+  requireObject(string, "CFStringCreateWithSubstring");
+  const auto length = static_cast<CFIndex>([(NSString*)string length]);
+  if (range.location < 0 || range.length < 0 || range.location > length - range.length) {
+    platform::fatal("CFStringCreateWithSubstring", "range out of bounds");
+  }
+  const ScopedPool pool;
+  NSString* const part = [(NSString*)string
+      substringWithRange:NSMakeRange(static_cast<NSUInteger>(range.location), static_cast<NSUInteger>(range.length))];
+  return reinterpret_cast<CFStringRef>([part retain]);
+}
+
 CFIndex CFStringGetLength(CFStringRef string) {
   const calls::Fault fault = calls::fault(Call::CFStringGetLength);
   if (fault.fail || fault.number) {
@@ -77,8 +89,7 @@ CFIndex CFStringGetLength(CFStringRef string) {
 
 CFIndex CFStringGetMaximumSizeForEncoding(CFIndex length, CFStringEncoding encoding) {
   constexpr CFIndex kNotFound = -1;
-  if (encoding != kCFStringEncodingUTF8 || length < 0 ||
-      length > std::numeric_limits<CFIndex>::max() / kUtf8BytesPerUnit) {
+  if (encoding != kCFStringEncodingUTF8 || length > std::numeric_limits<CFIndex>::max() / kUtf8BytesPerUnit) {
     return kNotFound;
   }
   return length * kUtf8BytesPerUnit;

@@ -15,7 +15,7 @@ extern "C" {
 CFURLRef CFURLCreateWithFileSystemPath(CFAllocatorRef, CFStringRef filePath, CFURLPathStyle pathStyle,
                                        Boolean isDirectory) {
   requireObject(filePath, "CFURLCreateWithFileSystemPath");
-  if (pathStyle != kCFURLPOSIXPathStyle) {
+  if (pathStyle != kCFURLPOSIXPathStyle || [(NSString*)filePath length] == 0) {
     return nullptr;
   }
   const ScopedPool pool;

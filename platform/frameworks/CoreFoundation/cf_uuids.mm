@@ -3,11 +3,13 @@
 
 #import <Foundation/Foundation.h>
 
+#include <algorithm>
+#include <charconv>
 #include <cstring>
 #include <map>
 #include <mutex>
-#include <optional>
 #include <string>
+#include <string_view>
 
 #include "desktop/model/uuid.h"
 #include "frameworks/CoreFoundation/uuids.h"
@@ -50,6 +52,25 @@ std::string asciiOf(NSString* text) {
     ascii.push_back(unit < 0x80 ? static_cast<char>(unit) : '?');
   }
   return ascii;
+}
+
+/// Five groups of bytes with any character between them, as in canonical text; 0 for each byte that is not two digits.
+Uuid parseLeniently(std::string_view text) {
+  Uuid bytes{};
+  text.remove_prefix(std::min(text.find_first_of("0123456789ABCDEFabcdef"), text.size()));
+  for (std::size_t i = 0; i < bytes.size(); ++i) {
+    if (i == 4 || i == 6 || i == 8 || i == 10) {
+      text.remove_prefix(std::min<std::size_t>(1, text.size()));
+    }
+    if (text.size() < 2) {
+      break;
+    }
+    std::uint8_t byte = 0;
+    const char* const end = text.data() + 2;
+    bytes[i] = std::from_chars(text.data(), end, byte, 16).ptr == end ? byte : 0;
+    text.remove_prefix(2);
+  }
+  return bytes;
 }
 
 PlatformUUID* object(CFUUIDRef uuid) { return (PlatformUUID*)uuid; }
@@ -130,9 +151,10 @@ CFUUIDRef CFUUIDCreateFromUUIDBytes(CFAllocatorRef, CFUUIDBytes bytes) {
 }
 
 CFUUIDRef CFUUIDCreateFromString(CFAllocatorRef, CFStringRef text) {
-  requireObject(text, "CFUUIDCreateFromString");
-  const std::optional<Uuid> bytes = platform::desktop::parseUuid(asciiOf((NSString*)text));
-  return bytes ? platform::makeUuid(*bytes) : nullptr;
+  if (text == nullptr || [(NSString*)text length] == 0) {
+    return nullptr;
+  }
+  return platform::makeUuid(parseLeniently(asciiOf((NSString*)text)));
 }
 
 CFUUIDBytes CFUUIDGetUUIDBytes(CFUUIDRef uuid) {

@@ -17,8 +17,8 @@
 #include <optional>
 #include <string>
 #include <string_view>
-#include <vector>
 
+#include "frameworks/Foundation/apple_text.h"
 #include "frameworks/Foundation/utf8_objects.h"
 
 extern "C" const char* GSPathHandling(const char* mode);  // Foundation exports it and declares it nowhere
@@ -40,9 +40,10 @@ Function hiddenMethod(const char* class_name, SEL selector) {
   return reinterpret_cast<Function>(function);
 }
 
-// --- searching: the empty string is never found; the system's Foundation finds it at the start. A part that begins
-//     with a combining character is searched literally; the system's Foundation raises an exception. containsString:
-//     calls rangeOfString: in both.
+// --- searching: the empty string is never found; the system's Foundation finds it at the start. rangeOfString: finds
+//     canonically equivalent text; the system's Foundation does not. With options, a part that begins with a combining
+//     character is searched literally; the system's Foundation raises an exception. containsString: calls
+//     rangeOfString: in both.
 
 constexpr NSRange kNotFound = {NSNotFound, 0};
 
@@ -53,6 +54,12 @@ bool isNeverFound(NSString* part, NSStringCompareOptions options) {
 
 using SearchInRange = NSRange (*)(id, SEL, NSString*, NSStringCompareOptions, NSRange);
 
+std::u16string unitsOf(NSString* text) {
+  std::u16string units([text length], u'\0');
+  [text getCharacters:reinterpret_cast<unichar*>(units.data()) range:NSMakeRange(0, units.size())];
+  return units;
+}
+
 NSRange rangeInString(SearchInRange original, id self, SEL selector, NSString* part, NSStringCompareOptions options,
                       NSRange range) {
   return isNeverFound(part, options) && NSMaxRange(range) <= [self length]
@@ -60,8 +67,8 @@ NSRange rangeInString(SearchInRange original, id self, SEL selector, NSString* p
              : original(self, selector, part, options, range);
 }
 
-// --- lone surrogates, as at the end of a substring: UTF8String returns null and a lossy conversion replaces them; in
-//     the system's Foundation the first raises an exception and the second fails
+// --- half of a surrogate pair, as at the end of a substring: UTF8String returns null; in the system's Foundation it
+//     raises an exception
 
 using Utf8String = const char* (*)(id, SEL);
 
@@ -73,37 +80,30 @@ const char* utf8OrNull(Utf8String original, id self, SEL selector) {
   }
 }
 
-bool isHighSurrogate(unichar unit) { return (unit & 0xFC00) == 0xD800; }
-bool isLowSurrogate(unichar unit) { return (unit & 0xFC00) == 0xDC00; }
-
-/// A copy of the text with U+FFFD for each lone surrogate; nil when there is none.
-NSString* withoutLoneSurrogates(NSString* text) {
-  constexpr unichar kReplacement = 0xFFFD;
-  std::vector<unichar> units([text length]);
-  [text getCharacters:units.data() range:NSMakeRange(0, units.size())];
-  bool changed = false;
-  for (std::size_t i = 0; i < units.size(); ++i) {
-    if (isHighSurrogate(units[i]) && i + 1 < units.size() && isLowSurrogate(units[i + 1])) {
-      ++i;
-    } else if (isHighSurrogate(units[i]) || isLowSurrogate(units[i])) {
-      units[i] = kReplacement;
-      changed = true;
-    }
-  }
-  if (!changed) {
-    return nil;
-  }
-  return [NSString stringWithCharacters:units.data() length:units.size()];
-}
+// --- conversion to ASCII, Mac Roman and big-endian UTF-16: what the system's Foundation drops and substitutes differs
 
 using Encode = NSData* (*)(id, SEL, NSStringEncoding, BOOL);
 
 NSData* encode(Encode original, id self, SEL selector, NSStringEncoding encoding, BOOL lossy) {
-  NSData* const data = original(self, selector, encoding, lossy);
-  if (data != nil || !lossy) {
-    return data;
+  std::optional<std::string> bytes;
+  switch (encoding) {
+    case NSASCIIStringEncoding:
+      bytes = platform::asciiBytes(unitsOf(self), lossy);
+      break;
+    case NSMacOSRomanStringEncoding:
+      bytes = platform::macRomanBytes(unitsOf(self), lossy);
+      break;
+    case NSUTF16BigEndianStringEncoding:
+      bytes = platform::utf16BigEndianBytes(unitsOf(self));
+      break;
+    default:
+      return original(self, selector, encoding, lossy);
   }
-  return [withoutLoneSurrogates(self) dataUsingEncoding:encoding allowLossyConversion:lossy];
+  if (!bytes) {
+    return nil;
+  }
+  const std::string& converted = *bytes;
+  return [NSData dataWithBytes:converted.data() length:converted.size()];
 }
 
 // --- file URLs: the caller decides whether a URL is a directory's; without the caller's word a trailing slash decides,
@@ -193,8 +193,12 @@ __attribute__((constructor)) void separatePathsAtSlashesOnly() { GSPathHandling(
 @implementation NSString (PlatformDifferences)
 
 - (NSRange)rangeOfString:(NSString*)part {
-  static const auto original = hiddenMethod<NSRange (*)(id, SEL, NSString*)>("NSString", _cmd);
-  return isNeverFound(part, 0) ? kNotFound : original(self, _cmd, part);
+  if (part == nil) {
+    static const auto original = hiddenMethod<NSRange (*)(id, SEL, NSString*)>("NSString", _cmd);
+    return original(self, _cmd, part);
+  }
+  const std::optional<platform::TextRange> found = platform::findText(unitsOf(self), unitsOf(part));
+  return found ? NSMakeRange(found->location, found->length) : kNotFound;
 }
 
 - (NSRange)rangeOfString:(NSString*)part options:(NSStringCompareOptions)options {

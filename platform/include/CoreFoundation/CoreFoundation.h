@@ -32,6 +32,15 @@ typedef unsigned long CFHashCode;
 typedef signed long CFIndex;
 typedef UInt32 CFStringEncoding;
 
+typedef struct {
+  CFIndex location;
+  CFIndex length;
+} CFRange;
+static inline CFRange CFRangeMake(CFIndex location, CFIndex length) {
+  const CFRange range = {location, length};
+  return range;
+}
+
 typedef const struct __CFAllocator* CFAllocatorRef;
 typedef const struct __CFString* CFStringRef;
 typedef const struct __CFURL* CFURLRef;
@@ -50,7 +59,11 @@ CF_EXPORT const CFBooleanRef kCFBooleanFalse;
 typedef enum CFStringBuiltInEncodings : CFStringEncoding {
   kCFStringEncodingUTF8 = 0x08000100
 } CFStringBuiltInEncodings;
-typedef enum CFNumberType : CFIndex { kCFNumberSInt32Type = 3, kCFNumberSInt64Type = 4 } CFNumberType;
+typedef enum CFNumberType : CFIndex {
+  kCFNumberSInt32Type = 3,
+  kCFNumberSInt64Type = 4,
+  kCFNumberDoubleType = 13
+} CFNumberType;
 typedef enum CFURLPathStyle : CFIndex { kCFURLPOSIXPathStyle = 0 } CFURLPathStyle;
 
 // --- every type
@@ -83,6 +96,8 @@ CF_EXPORT CFStringRef __CFStringMakeConstantString(const char* text);
 
 CF_EXPORT CFStringRef CFStringCreateWithBytes(CFAllocatorRef allocator, const UInt8* bytes, CFIndex length,
                                               CFStringEncoding encoding, Boolean isExternalRepresentation);
+/// May begin or end with one half of a surrogate pair.
+CF_EXPORT CFStringRef CFStringCreateWithSubstring(CFAllocatorRef allocator, CFStringRef string, CFRange range);
 CF_EXPORT CFIndex CFStringGetLength(CFStringRef string);
 /// Bytes that `length` UTF-16 units can take at most in `encoding`.
 CF_EXPORT CFIndex CFStringGetMaximumSizeForEncoding(CFIndex length, CFStringEncoding encoding);
@@ -156,7 +171,7 @@ typedef struct {
 } CFUUIDBytes;
 
 CF_EXPORT CFUUIDRef CFUUIDCreateFromUUIDBytes(CFAllocatorRef allocator, CFUUIDBytes bytes);
-/// Null when `text` is not the canonical form of a UUID.
+/// Null for no text. What precedes the first digit is skipped, and what is missing or not a digit is 0.
 CF_EXPORT CFUUIDRef CFUUIDCreateFromString(CFAllocatorRef allocator, CFStringRef text);
 CF_EXPORT CFUUIDBytes CFUUIDGetUUIDBytes(CFUUIDRef uuid);
 /// The canonical text: 36 characters, upper case.

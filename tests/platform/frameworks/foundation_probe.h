@@ -13,8 +13,6 @@ namespace probe {
 
 // --- strings
 
-bool contains(const std::string& text, const std::string& part);
-
 enum class Search { kPlain, kOptions, kOptionsAndRange };
 /// The location from rangeOfString: and its longer forms; nullopt for NSNotFound.
 std::optional<std::size_t> locationOf(const std::string& part, const std::string& text, Search search);
@@ -24,9 +22,6 @@ std::optional<std::u16string> decoded(const std::string& utf8);
 
 /// Foundation makes no string whose surrogates do not come in pairs, but a part of a string may be one.
 enum class Part { kAll, kWithoutFirstUnit, kWithoutLastUnit };
-
-/// UTF8String's result; nullopt for null.
-std::optional<std::string> encoded(const std::u16string& text, Part part = Part::kAll);
 
 enum class Encoding { kAscii, kMacRoman, kUtf8, kUtf16BigEndian };
 std::optional<std::vector<std::uint8_t>> data(const std::u16string& text, Encoding encoding, bool lossy,
@@ -57,7 +52,6 @@ bool systemIsAtLeast(long major, long minor, long patch);
 void autoreleaseCounter(int* deaths);
 
 /// A number that holds `value` as this type.
-CFNumberRef createNumber(double value);
 CFNumberRef createNumber(unsigned long long value);
 /// An object of no CoreFoundation type.
 CFTypeRef createOtherObject();

@@ -66,11 +66,6 @@ NSStringEncoding value(Encoding encoding) {
 
 }  // namespace
 
-bool contains(const std::string& text, const std::string& part) {
-  const Pool pool;
-  return [string(text) containsString:string(part)];
-}
-
 std::optional<std::size_t> locationOf(const std::string& part, const std::string& text, Search search) {
   const Pool pool;
   NSString* const where = string(text);
@@ -98,12 +93,6 @@ std::optional<std::u16string> decoded(const std::string& utf8) {
   std::u16string units([made length], u'\0');
   [made getCharacters:reinterpret_cast<unichar*>(units.data()) range:NSMakeRange(0, units.size())];
   return units;
-}
-
-std::optional<std::string> encoded(const std::u16string& text, Part part) {
-  const Pool pool;
-  const char* const utf8 = [string(text, part) UTF8String];
-  return utf8 != nullptr ? std::optional<std::string>(utf8) : std::nullopt;
 }
 
 std::optional<std::vector<std::uint8_t>> data(const std::u16string& text, Encoding encoding, bool lossy, Part part) {
@@ -143,8 +132,6 @@ void autoreleaseCounter(int* deaths) {
   counter->deaths = deaths;
   [counter autorelease];
 }
-
-CFNumberRef createNumber(double value) { return (CFNumberRef)[[NSNumber alloc] initWithDouble:value]; }
 
 CFNumberRef createNumber(unsigned long long value) {
   return (CFNumberRef)[[NSNumber alloc] initWithUnsignedLongLong:value];

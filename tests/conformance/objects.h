@@ -11,7 +11,7 @@
 
 #include "base/owned_ref.h"
 
-namespace core_foundation_test {
+namespace conformance {
 
 using String = OwnedRef<CFStringRef>;
 using Url = OwnedRef<CFURLRef>;
@@ -25,6 +25,11 @@ inline String makeString(const std::string& utf8) {
                                                static_cast<CFIndex>(utf8.size()), kCFStringEncodingUTF8, false));
 }
 
+/// UTF-16 code units of a string, which may begin or end with one half of a surrogate pair.
+inline String makePart(CFStringRef string, CFIndex begin, CFIndex length) {
+  return String::adopt(CFStringCreateWithSubstring(kCFAllocatorDefault, string, CFRangeMake(begin, length)));
+}
+
 inline std::optional<std::string> textOf(CFStringRef string) {
   std::vector<char> buffer(1 + static_cast<std::size_t>(CFStringGetMaximumSizeForEncoding(CFStringGetLength(string),
                                                                                           kCFStringEncodingUTF8)));
@@ -34,8 +39,17 @@ inline std::optional<std::string> textOf(CFStringRef string) {
   return buffer.data();
 }
 
+inline Url makeFileUrl(const std::string& path, bool is_directory = false) {
+  return Url::adopt(CFURLCreateWithFileSystemPath(kCFAllocatorDefault, makeString(path).get(), kCFURLPOSIXPathStyle,
+                                                  static_cast<Boolean>(is_directory)));
+}
+
 inline Number makeNumber(std::int64_t value) {
   return Number::adopt(CFNumberCreate(kCFAllocatorDefault, kCFNumberSInt64Type, &value));
+}
+
+inline Number makeReal(double value) {
+  return Number::adopt(CFNumberCreate(kCFAllocatorDefault, kCFNumberDoubleType, &value));
 }
 
 /// Whether the number was read whole, and what was read.
@@ -49,6 +63,10 @@ inline std::pair<bool, std::int64_t> read64(CFNumberRef number) {
   std::int64_t value = 12345;
   const bool exact = CFNumberGetValue(number, kCFNumberSInt64Type, &value) != 0;
   return {exact, value};
+}
+
+inline Data makeData(const std::vector<UInt8>& bytes) {
+  return Data::adopt(CFDataCreate(kCFAllocatorDefault, bytes.data(), static_cast<CFIndex>(bytes.size())));
 }
 
 inline Dictionary makeDictionary(std::vector<const void*> keys, std::vector<const void*> values) {
@@ -65,4 +83,4 @@ inline Uuid makeUuid(const std::string& text) {
   return Uuid::adopt(CFUUIDCreateFromString(kCFAllocatorDefault, makeString(text).get()));
 }
 
-}  // namespace core_foundation_test
+}  // namespace conformance
