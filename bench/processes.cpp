@@ -9,6 +9,7 @@
 #include "support/icc_maker.h"
 #include "support/process.h"
 #include "support/temporary_folder.h"
+#include "support/wayland_session.h"
 
 namespace bench {
 namespace {
@@ -18,6 +19,7 @@ using Command = std::vector<std::string>;
 constexpr double kToolBar = 1;
 constexpr double kNoBar = 0;  // the twin does a part of the job
 constexpr double kListBar = 2;
+constexpr double kWaylandBar = 1.10;
 constexpr double kLoadBar = 1.05;
 constexpr const char* kArea = "1280 x 1024 at 1920, 56";
 
@@ -61,6 +63,20 @@ Pair listJobs() {
   const Timer without = runs(list("without.json", ""));
   const Timer with = runs(list("with.json", R"(, "profiles": ["/p/a.icc"])"));
   return {[folder, without](int calls) { return without(calls); }, with, {.rounds = 25, .calls = 1}};
+}
+
+/// The same three displays of sway and of the X server, both without colord, which keeps profiles for the latter only.
+Pair displayServerJobs() {
+  const auto sway = std::make_shared<const support::SwaySession>(3);
+  sway->swaymsg({"output", "HEADLESS-1", "mode", "1920x1080", "position", "0", "0"});
+  sway->swaymsg({"output", "HEADLESS-2", "mode", "1280x1024", "position", "1920", "56"});
+  sway->swaymsg({"output", "HEADLESS-3", "mode", "800x600", "position", "300", "1080"});
+  const auto list = [](const std::string& wayland) {
+    return runs({{"env", "DBUS_SYSTEM_BUS_ADDRESS=unix:path=/nonexistent/bus", "WAYLAND_DISPLAY=" + wayland,
+                  OSTREVIN_TOOL, "list"},
+                 kArea});
+  };
+  return {[sway, run = list(sway->socket())](int calls) { return run(calls); }, list(""), {.rounds = 25, .calls = 1}};
 }
 
 /// In a file of ICC's version 2: iccdump reads no later one.
@@ -118,6 +134,10 @@ void addProcesses(const Suite& suite, LiveDesktop& live) {
     return jobs({tool({"profiles"}), kProfile}, {{"colormgr", "get-profiles"}, kProfile});
   });
   suite.add({"ostrevin-host list", 3, "displays, no profile", "the same with profiles", kListBar}, listJobs);
+  suite.add({"ostrevin-host list", 3, "displays of sway", "the same of the X server", kWaylandBar}, [&live] {
+    live.use(3);
+    return displayServerJobs();
+  });
   suite.add({"ostrevin-host tag FILE rXYZ", 1, "tag", "iccdump -t rXYZ FILE", kToolBar}, tagJobs);
   suite.add({"dlopen and REALPluginMain", 0, "a fresh process", "dlopen of the dependencies alone", kLoadBar},
             []() -> Pair {
