@@ -1,9 +1,11 @@
-// The methods of the built plugin under sway, compared with swaymsg, and while the compositor is killed.
+// The methods of the built plugin under sway and weston, compared with swaymsg and wayland-info; and while the
+// compositor is killed.
 #include <gmock/gmock.h>
 
 #include <chrono>
 #include <cstdlib>
 #include <nlohmann/json.hpp>
+#include <regex>
 #include <thread>
 
 #include "desktop/wayland/wayland_displays.h"
@@ -151,6 +153,37 @@ TEST_F(WaylandGeometry, IsDrawnByTheTool) {
     EXPECT_THAT(drawn.output, HasSubstr(std::to_string(display.number)));
   }
   ASSERT_EQ(listed["displays"].size(), 4u) << listed.dump(1);
+}
+
+// --- another compositor
+
+/// What wayland-info prints for weston's only output.
+ExpectedDisplay expectedDisplay(const support::WestonSession& weston) {
+  const std::string globals = weston.globals();
+  const auto number = [&](const std::string& after) {
+    std::smatch match;
+    EXPECT_TRUE(std::regex_search(globals, match, std::regex(after + R"((-?\d+))"))) << after << " in " << globals;
+    return match.empty() ? 0 : std::stoi(match[1]);
+  };
+  return {.output = "headless",
+          .number = static_cast<std::uint32_t>(number(R"('wl_output',\s+version:\s+\d+, name:\s+)")),
+          .x = 1.0 * number("logical_x: "),
+          .y = 1.0 * number("logical_y: "),
+          .width = 1.0 * number("logical_width: "),
+          .height = 1.0 * number("logical_height: "),
+          .scale = 1.0 * number(R"(scale:\s+)")};
+}
+
+TEST(WestonGeometry, AgreesWithWaylandInfo) {
+  const std::vector<std::string> plain = {"--width=1440", "--height=900"};
+  const std::vector<std::string> scaled_on_its_side = {"--width=1440", "--height=900", "--scale=2",
+                                                       "--transform=rotate-90"};
+  for (const auto& options : {plain, scaled_on_its_side}) {
+    SCOPED_TRACE(options.back());
+    const support::WestonSession weston(options);
+    const LiveSession session("", weston.socket());
+    expectGeometry(session.plugin, {expectedDisplay(weston)});
+  }
 }
 
 // --- a compositor that is killed during a call

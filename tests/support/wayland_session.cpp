@@ -142,4 +142,26 @@ void SwaySession::pause() const { process_->signal(SIGSTOP); }
 
 void SwaySession::resume() const { process_->signal(SIGCONT); }
 
+WestonSession::WestonSession(const std::vector<std::string>& options) {
+  std::vector<std::string> command = {"weston", "--backend=headless-backend.so", "--shell=kiosk-shell.so",
+                                      "--no-config", "--socket=wayland-1"};
+  command.insert(command.end(), options.begin(), options.end());
+  process_ = std::make_unique<ChildProcess>(command, environment(), folder_.path("log"));
+  const auto deadline = std::chrono::steady_clock::now() + kStartLimit;
+  while (run({"wayland-info"}, environment()).exit_status != 0) {
+    if (process_->hasEnded() || std::chrono::steady_clock::now() > deadline) {
+      throw std::runtime_error("weston does not start:\n" + process_->output());
+    }
+    std::this_thread::sleep_for(kStartInterval);
+  }
+}
+
+WestonSession::~WestonSession() { process_->stop(); }
+
+std::string WestonSession::globals() const { return runSuccessfully({"wayland-info"}, environment()); }
+
+Environment WestonSession::environment() const {
+  return {"WAYLAND_DISPLAY=wayland-1", "XDG_RUNTIME_DIR=" + folder_.path(), "HOME=" + folder_.path(), "DISPLAY="};
+}
+
 }  // namespace support

@@ -1,5 +1,5 @@
-// Private Wayland compositors for tests: sway without a screen, in a folder of its own, ended by its process id. As
-// root, it runs as another user, since it refuses root.
+// Private Wayland compositors for tests: sway and weston without a screen, in a folder of their own, ended by their
+// process ids. As root, sway runs as another user, since it refuses root.
 #pragma once
 
 #include <cstdint>
@@ -67,6 +67,26 @@ class SwaySession {
   void start(int outputs);
 
   const std::string outer_;
+  TemporaryFolder folder_;
+  std::unique_ptr<ChildProcess> process_;
+};
+
+/// weston with one output, which cannot be changed. Throws std::runtime_error with its log when it does not start.
+class WestonSession {
+ public:
+  /// `options` describe the output, such as "--scale=2".
+  explicit WestonSession(const std::vector<std::string>& options);
+  ~WestonSession();
+  WestonSession(const WestonSession&) = delete;
+  WestonSession& operator=(const WestonSession&) = delete;
+
+  std::string socket() const { return folder_.path("wayland-1"); }
+  /// What `wayland-info` prints.
+  std::string globals() const;
+
+ private:
+  Environment environment() const;
+
   TemporaryFolder folder_;
   std::unique_ptr<ChildProcess> process_;
 };
