@@ -88,6 +88,15 @@ TEST(Equal, ComparesNumbersByValue) {
   EXPECT_FALSE(CFEqual(makeNumber(7).get(), makeNumber(-7).get()));
 }
 
+TEST(Equal, IsFalseForAnIntegerAndTheRealItRoundsTo) {
+  const bool equal = differsOnPlatform("GNUstep compares numbers as reals");
+  constexpr std::int64_t kExact = INT64_C(1) << 53;
+  EXPECT_TRUE(CFEqual(makeNumber(kExact).get(), makeReal(kExact).get()));
+  EXPECT_FALSE(CFEqual(makeNumber(kExact + 1).get(), makeNumber(kExact).get()));
+  EXPECT_EQ(CFEqual(makeNumber(kExact + 1).get(), makeReal(kExact).get()), equal);
+  EXPECT_EQ(CFEqual(makeNumber(0).get(), makeReal(-0.0).get()), equal);
+}
+
 TEST(Equal, IsFalseForABooleanAndANumber) {
   EXPECT_TRUE(CFEqual(kCFBooleanTrue, kCFBooleanTrue));
   EXPECT_FALSE(CFEqual(kCFBooleanTrue, kCFBooleanFalse));
