@@ -89,7 +89,9 @@ CFIndex CFStringGetLength(CFStringRef string) {
 
 CFIndex CFStringGetMaximumSizeForEncoding(CFIndex length, CFStringEncoding encoding) {
   constexpr CFIndex kNotFound = -1;
-  if (encoding != kCFStringEncodingUTF8 || length > std::numeric_limits<CFIndex>::max() / kUtf8BytesPerUnit) {
+  using Limits = std::numeric_limits<CFIndex>;
+  const bool is_out_of_range = length < Limits::min() / kUtf8BytesPerUnit || length > Limits::max() / kUtf8BytesPerUnit;
+  if (encoding != kCFStringEncodingUTF8 || is_out_of_range) {
     return kNotFound;
   }
   return length * kUtf8BytesPerUnit;
