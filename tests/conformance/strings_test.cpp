@@ -339,6 +339,7 @@ TEST(Search, FindsNoPartOfAJoinedSequenceThatEndsWithTheJoiner) {
   EXPECT_TRUE(finds("\U0001F468\u200D\U0001F469", "\U0001F469"));
   EXPECT_FALSE(finds("\U0001F44D\U0001F3FD", "\U0001F44D\U0001F3FE"));
   EXPECT_TRUE(finds("\u00EA\u200D\U0001F600", "\u200D"));
+  EXPECT_FALSE(finds("\U0001F468\u0302\u200D\U0001F469", "\u0302\u200D"));
   EXPECT_FALSE(finds("a\u200D\u200D", "a\u200D"));
 }
 
@@ -358,7 +359,9 @@ TEST(Search, FindsNoConsonantWithoutItsConjunct) {
   EXPECT_FALSE(finds("\u0915\u094D\u200D\u0937", "\u200D"));
   EXPECT_FALSE(finds("\u0915\u094D\u093E", "\u0915\u094D"));
   EXPECT_TRUE(finds("\u0915\u093E", "\u0915"));
+  EXPECT_FALSE(finds("\u0915\u093E\u094D\u0937", "\u0915\u093E\u094D"));
   EXPECT_TRUE(finds("\u094D\u0915", "\u094D"));
+  EXPECT_TRUE(finds("\U0001F600\uFE0F\u094D\u0915", "\uFE0F\u094D"));
 }
 
 TEST(Search, FindsHalfOfASurrogatePair) {

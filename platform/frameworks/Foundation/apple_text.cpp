@@ -144,7 +144,13 @@ bool joinsHangul(UChar32 before, UChar32 after) {
   }
 }
 
+constexpr UChar32 kZeroWidthJoiner = 0x200D;
+
 bool isPictograph(UChar32 character) { return u_hasBinaryProperty(character, UCHAR_EXTENDED_PICTOGRAPHIC) != 0; }
+
+bool isLetterOrMark(UChar32 character) { return (U_GET_GC_MASK(character) & (U_GC_L_MASK | U_GC_M_MASK)) != 0; }
+
+bool isVirama(UChar32 character) { return u_getCombiningClass(character) == 9; }
 
 bool extends(UChar32 character) {
   return u_hasBinaryProperty(character, UCHAR_GRAPHEME_EXTEND) != 0 ||
@@ -160,26 +166,35 @@ UChar32 characterBefore(std::u16string_view text, std::size_t& index) {
   return character;
 }
 
+/// What the marks and joiners that end at `index` follow, or the first of them; 0 at the start.
+UChar32 baseBefore(std::u16string_view text, std::size_t index) {
+  UChar32 character = characterBefore(text, index);
+  while (index > 0 && (extends(character) || character == kZeroWidthJoiner)) {
+    character = characterBefore(text, index);
+  }
+  return character;
+}
+
 /// Whether what ends at `index`, which is not 0, goes on behind it for a reader.
 bool continuesAt(std::u16string_view text, std::size_t index) {
-  constexpr UChar32 kZeroWidthJoiner = 0x200D;
-  const auto is_virama = [](UChar32 character) { return u_getCombiningClass(character) == 9; };
   if (index == text.size()) {
     return false;
   }
   std::size_t start = index;
   const UChar32 after = nextCharacter(text, index);
   const UChar32 last = characterBefore(text, start);
-  const UChar32 last_but_one = characterBefore(text, start);
   if (after == kZeroWidthJoiner) {
-    return last == kZeroWidthJoiner || is_virama(last) || isJamo(last);
+    return last == kZeroWidthJoiner || isVirama(last) || isJamo(last);
   }
-  if (is_virama(last) && (u_isalpha(after) != 0 || u_charType(after) == U_COMBINING_SPACING_MARK)) {
-    return u_isalpha(last_but_one) != 0 || last_but_one == kZeroWidthJoiner || extends(last_but_one);
+  if (isVirama(last) && u_charType(after) == U_COMBINING_SPACING_MARK) {
+    return start > 0;
   }
-  if (last == kZeroWidthJoiner &&
-      ((isPictograph(last_but_one) && isPictograph(after)) || (is_virama(last_but_one) && u_isalpha(after) != 0))) {
+  if (last == kZeroWidthJoiner && isPictograph(after) && isPictograph(baseBefore(text, start))) {
     return true;
+  }
+  const UChar32 sign = last == kZeroWidthJoiner ? characterBefore(text, start) : last;
+  if (isVirama(sign) && u_isalpha(after) != 0) {
+    return isLetterOrMark(baseBefore(text, start));
   }
   return extends(after) || joinsHangul(last, after);
 }
