@@ -1,9 +1,12 @@
 // The methods of the built plugin under sway and weston, compared with swaymsg and wayland-info; and while the
 // compositor is killed.
 #include <gmock/gmock.h>
+#include <malloc.h>
 
 #include <chrono>
 #include <cstdlib>
+#include <filesystem>
+#include <iterator>
 #include <nlohmann/json.hpp>
 #include <regex>
 #include <thread>
@@ -47,11 +50,19 @@ class WaylandGeometry : public testing::Test {
   void expectAgreement(std::size_t count) const {
     const auto displays = expectedDisplays(sway);
     ASSERT_EQ(displays.size(), count);
+    waitForAgreement(displays);
+    expectGeometry(plugin, displays);
+  }
+
+  bool waitForAgreement(const std::vector<ExpectedDisplay>& displays) const {
     const auto deadline = std::chrono::steady_clock::now() + kLimit;
-    while (!agrees(displays) && std::chrono::steady_clock::now() < deadline) {
+    while (!agrees(displays)) {
+      if (std::chrono::steady_clock::now() > deadline) {
+        return false;
+      }
       std::this_thread::sleep_for(std::chrono::milliseconds(2));
     }
-    expectGeometry(plugin, displays);
+    return true;
   }
 
   bool agrees(const std::vector<ExpectedDisplay>& displays) const {
@@ -141,6 +152,53 @@ TEST_F(WaylandGeometry, HasNoDisplaysAfterTheCompositorIsKilledUntilTheNextOne) 
   }
   sway.restart(2);
   expectAgreement(3);
+}
+
+std::size_t entriesOf(const char* folder) {
+  const std::filesystem::directory_iterator entries(folder);
+  return static_cast<std::size_t>(std::distance(begin(entries), end(entries)));
+}
+
+struct Usage {
+  std::size_t threads = 0;
+  std::size_t descriptors = 0;
+  std::size_t bytes = 0;  ///< a sanitizer has an account of its own: the leak checker's
+};
+
+/// What the process has in use once the threads of readings have ended. The test has one thread.
+Usage usage() {
+  const char* const threads = "/proc/self/task";
+  const auto deadline = std::chrono::steady_clock::now() + kLimit;
+  while (entriesOf(threads) > 1 && std::chrono::steady_clock::now() < deadline) {
+    std::this_thread::sleep_for(std::chrono::milliseconds(2));
+  }
+  return {entriesOf(threads), entriesOf("/proc/self/fd"), mallinfo2().uordblks};
+}
+
+TEST_F(WaylandGeometry, KeepsNothingOfCompositorsAndOutputsThatAreGone) {
+  constexpr int kRounds = 8;
+  constexpr std::size_t kLeastLeak = kRounds * 8192;  // half of what a connection's buffers have
+  const auto round = [&](int steps) {
+    for (int step = 0; step < steps; ++step) {
+      for (const char* const x : {"3000", "4000", "5000"}) {
+        sway.swaymsg({"output", "HEADLESS-2", "position", x, "0"});
+        ASSERT_TRUE(waitForAgreement(expectedDisplays(sway)));
+      }
+      outer.closeWindows();
+      waitForOutputs(3);
+      ASSERT_TRUE(waitForAgreement(expectedDisplays(sway)));
+      sway.restart(3);
+      ASSERT_TRUE(waitForAgreement(expectedDisplays(sway)));
+      session.host.clearRecords();
+    }
+  };
+  round(2);
+  const Usage before = usage();
+  round(kRounds);
+  const Usage after = usage();
+  EXPECT_EQ(after.threads, 1U);
+  EXPECT_EQ(after.descriptors, before.descriptors);
+  EXPECT_LT(after.bytes, before.bytes + kLeastLeak);
 }
 
 TEST_F(WaylandGeometry, IsDrawnByTheTool) {
